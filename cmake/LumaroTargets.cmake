@@ -1,0 +1,59 @@
+# The one place for compiler settings, and the two kinds of target there are: a library of
+# models, which may link Qt6::Core (and Qt6::Network where it must) and other such libraries, and
+# a QML module of views beside it.
+
+add_library(lumaro_options INTERFACE)
+target_compile_features(lumaro_options INTERFACE cxx_std_23)
+target_compile_options(lumaro_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+    # GCC 12 reports the frames of coroutines that it elides wrongly.
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+target_compile_definitions(lumaro_options INTERFACE
+    QT_NO_CAST_FROM_ASCII
+    QT_NO_CAST_TO_ASCII
+    QT_NO_URL_CAST_FROM_STRING
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+    QT_NO_FOREACH
+    QT_NO_KEYWORDS
+    QT_USE_QSTRINGBUILDER
+    QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+target_include_directories(lumaro_options INTERFACE "${CMAKE_SOURCE_DIR}")
+if(LUMARO_SANITIZE)
+    target_compile_options(lumaro_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(lumaro_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# lumaro_library(NAME SOURCES … [LINK …]): a static library of models or of an adapter.
+function(lumaro_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC lumaro_options Qt6::Core ${arg_LINK})
+endfunction()
+
+# lumaro_qml_module(NAME URI uri [SOURCES …] [QML …] [RESOURCES …] [LINK …]): views as a static
+# QML module. Whoever shows them links NAME and its plugin, NAMEplugin.
+function(lumaro_qml_module name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "URI" "SOURCES;QML;RESOURCES;LINK;SINGLETONS")
+    foreach(file IN LISTS arg_SINGLETONS)
+        set_source_files_properties(${file} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
+    endforeach()
+    qt_add_qml_module(${name} STATIC
+        URI ${arg_URI}
+        VERSION 1.0
+        RESOURCE_PREFIX /qt/qml
+        SOURCES ${arg_SOURCES}
+        QML_FILES ${arg_SINGLETONS} ${arg_QML}
+        RESOURCES ${arg_RESOURCES})
+    target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_link_libraries(${name} PUBLIC lumaro_options Qt6::Quick ${arg_LINK})
+endfunction()
+
+# lumaro_test(NAME SOURCES … [LINK …]): one Qt Test executable, run without a display.
+function(lumaro_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE lumaro_options Qt6::Test ${arg_LINK})
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

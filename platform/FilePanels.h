@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/Async.h"
+
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+
+namespace lumaro {
+
+/// What an open panel asks for: one existing file, never a folder.
+struct OpenPanelRequest
+{
+    QString title;
+    /// The accepting button's text; empty for the platform's own.
+    QString prompt;
+    /// What the accepted files are called, for the panel's type choice.
+    QString typeDescription;
+    /// File-name extensions without the dot.
+    QStringList extensions;
+
+    bool operator==(const OpenPanelRequest &) const = default;
+};
+
+/// The platform's panels for choosing files. Main thread; one panel at a time.
+class FilePanels
+{
+public:
+    FilePanels() = default;
+    FilePanels(const FilePanels &) = delete;
+    FilePanels &operator=(const FilePanels &) = delete;
+    virtual ~FilePanels() = default;
+
+    /// The chosen file's URL; empty when the user cancels or another panel is already open.
+    virtual Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token stop)
+        = 0;
+};
+
+} // namespace lumaro
