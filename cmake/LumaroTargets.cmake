@@ -31,20 +31,29 @@ function(lumaro_library name)
     target_link_libraries(${name} PUBLIC lumaro_options Qt6::Core ${arg_LINK})
 endfunction()
 
-# lumaro_qml_module(NAME URI uri [SOURCES …] [QML …] [RESOURCES …] [LINK …]): views as a static
-# QML module. Whoever shows them links NAME and its plugin, NAMEplugin.
+# lumaro_qml_module(NAME URI uri [SOURCES …] [SINGLETONS …] [QML …] [RESOURCES …] [LINK …]): views
+# as a static QML module. Whoever shows them links NAME and its plugin, NAMEplugin.
 function(lumaro_qml_module name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "URI" "SOURCES;QML;RESOURCES;LINK;SINGLETONS")
     foreach(file IN LISTS arg_SINGLETONS)
         set_source_files_properties(${file} PROPERTIES QT_QML_SINGLETON_TYPE TRUE)
     endforeach()
+    # All modules share one import path, where the QML compiler finds each other's types.
+    string(REPLACE "." "/" folder "${arg_URI}")
     qt_add_qml_module(${name} STATIC
         URI ${arg_URI}
         VERSION 1.0
         RESOURCE_PREFIX /qt/qml
+        OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/qml/${folder}"
+        IMPORT_PATH "${CMAKE_BINARY_DIR}/qml"
+        DEPENDENCIES QtQuick
         SOURCES ${arg_SOURCES}
         QML_FILES ${arg_SINGLETONS} ${arg_QML}
         RESOURCES ${arg_RESOURCES})
+    # The code that the QML compiler makes is not ours to warn about.
+    get_target_property(sources ${name} SOURCES)
+    list(FILTER sources INCLUDE REGEX "/qmlcache/")
+    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS -w)
     target_include_directories(${name} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
     target_link_libraries(${name} PUBLIC lumaro_options Qt6::Quick ${arg_LINK})
 endfunction()

@@ -14,14 +14,17 @@
 /// Coroutines start at once, run on the main thread and are resumed there. One that belongs to an
 /// object must hold a stop token which that object's destructor stops, and touch nothing of the
 /// object after a cancelled outcome.
+///
+/// GCC 12 destroys a closure or a braced value twice when it is a temporary of a co_await
+/// expression, so neither may stand in one: start the operation, then await it.
 namespace lumaro {
 
-template<typename T = void>
+template <typename T = void>
 using Task = QCoro::Task<T>;
 
 /// The bridge from a callback to a coroutine: one side awaits it, the other completes it, once.
 /// Copies share one state, so the completing side may outlive the awaiting one. Main thread only.
-template<typename T>
+template <typename T>
 class OneShot
 {
 public:

@@ -41,7 +41,7 @@ public:
 
     /// Runs `work` on another thread and returns its result on the main thread. The work cannot
     /// be interrupted; a stale result is for the caller to drop.
-    template<typename Work>
+    template <typename Work>
     Task<std::invoke_result_t<Work>> inBackground(Work work)
     {
         using Result = std::invoke_result_t<Work>;

@@ -1,0 +1,259 @@
+#include "playlist/PlaylistEntries.h"
+
+#include <QHash>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace lumaro {
+
+namespace {
+
+using Slice = PlaylistEntriesBuilder::Slice;
+
+/// Set in the offset of a slice that lies among the added values.
+constexpr quint32 addedFlag = quint32(1) << 31;
+
+struct Record
+{
+    QUuid id;
+    Slice name;
+    Slice url;
+    Slice logo;
+    qint32 group = -1;
+    qint32 country = -1;
+};
+
+/// Random identifiers (RFC 4122, version 4), drawn from the system many at a time.
+class RandomIds
+{
+public:
+    QUuid next()
+    {
+        if (m_used == m_words.size()) {
+            QRandomGenerator::system()->fillRange(m_words.data(), qsizetype(m_words.size()));
+            m_used = 0;
+        }
+        const quint32 *const words = &m_words[m_used];
+        m_used += 4;
+        const auto byte = [words](int i) { return uchar(words[2 + i / 4] >> (i % 4 * 8)); };
+        const QUuid id(words[0], ushort(words[1]), ushort((words[1] >> 16 & 0x0fff) | 0x4000),
+                       uchar((byte(0) & 0x3f) | 0x80), byte(1), byte(2), byte(3), byte(4), byte(5),
+                       byte(6), byte(7));
+        return id;
+    }
+
+private:
+    std::array<quint32, 4096> m_words{};
+    size_t m_used = m_words.size();
+};
+
+std::optional<QString> optionalText(QUtf8StringView text)
+{
+    return text.isEmpty() ? std::nullopt : std::optional(text.toString());
+}
+
+QUrl decodeUrl(QUtf8StringView text)
+{
+    return QUrl::fromEncoded(QByteArray(text.data(), text.size()));
+}
+
+} // namespace
+
+struct PlaylistEntries::Data
+{
+    QUtf8StringView view(Slice slice) const
+    {
+        const QByteArray &source = slice.offset & addedFlag ? added : text;
+        return {source.constData() + (slice.offset & ~addedFlag), qsizetype(slice.length)};
+    }
+
+    QByteArray text;
+    QByteArray added;
+    std::vector<Record> records;
+    std::vector<QByteArray> groups;
+    std::vector<QByteArray> countries;
+    RandomIds ids;
+};
+
+qsizetype PlaylistEntries::size() const
+{
+    return m_data ? qsizetype(m_data->records.size()) : 0;
+}
+
+PlaylistEntry PlaylistEntries::at(qsizetype index) const
+{
+    const Record &record = m_data->records[size_t(index)];
+    const QUtf8StringView logo = logoAddress(index);
+    return {
+        .id = record.id,
+        .name = name(index).toString(),
+        .url = decodeUrl(address(index)),
+        .logoURL = logo.isEmpty() ? std::nullopt : std::optional(decodeUrl(logo)),
+        .groupTitle = record.group < 0 ? std::nullopt : std::optional(groupTitle(record.group)),
+        .countryCode = optionalText(countryCode(index)),
+    };
+}
+
+QList<PlaylistEntry> PlaylistEntries::toList() const
+{
+    QList<PlaylistEntry> list;
+    list.reserve(size());
+    for (qsizetype i = 0; i < size(); ++i)
+        list.append(at(i));
+    return list;
+}
+
+QUtf8StringView PlaylistEntries::name(qsizetype index) const
+{
+    return m_data->view(m_data->records[size_t(index)].name);
+}
+
+QUtf8StringView PlaylistEntries::logoAddress(qsizetype index) const
+{
+    return m_data->view(m_data->records[size_t(index)].logo);
+}
+
+QUtf8StringView PlaylistEntries::address(qsizetype index) const
+{
+    return m_data->view(m_data->records[size_t(index)].url);
+}
+
+QUtf8StringView PlaylistEntries::countryCode(qsizetype index) const
+{
+    const qint32 country = m_data->records[size_t(index)].country;
+    return country < 0 ? QUtf8StringView() : QUtf8StringView(m_data->countries[size_t(country)]);
+}
+
+int PlaylistEntries::groupCount() const
+{
+    return m_data ? int(m_data->groups.size()) : 0;
+}
+
+QString PlaylistEntries::groupTitle(int group) const
+{
+    return QString::fromUtf8(m_data->groups[size_t(group)]);
+}
+
+int PlaylistEntries::groupIndex(qsizetype index) const
+{
+    return m_data->records[size_t(index)].group;
+}
+
+bool operator==(const PlaylistEntries &left, const PlaylistEntries &right)
+{
+    if (left.m_data == right.m_data)
+        return true;
+    if (left.size() != right.size())
+        return false;
+    for (qsizetype i = 0; i < left.size(); ++i) {
+        if (left.at(i) != right.at(i))
+            return false;
+    }
+    return true;
+}
+
+PlaylistEntries PlaylistEntries::fromList(const QList<PlaylistEntry> &entries)
+{
+    PlaylistEntriesBuilder builder{QByteArray()};
+    for (const PlaylistEntry &entry : entries) {
+        const auto number = [](const std::optional<QString> &text, auto &&intern) {
+            return text && !text->isEmpty() ? intern(text->toUtf8()) : -1;
+        };
+        builder.append(
+            entry.id, builder.add(entry.name.toUtf8()), builder.add(entry.url.toEncoded()),
+            entry.logoURL ? builder.add(entry.logoURL->toEncoded()) : Slice(),
+            number(entry.groupTitle, [&](QByteArrayView text) { return builder.group(text); }),
+            number(entry.countryCode, [&](QByteArrayView text) { return builder.country(text); }));
+    }
+    return builder.build();
+}
+
+class PlaylistEntriesBuilder::Interner
+{
+public:
+    explicit Interner(std::vector<QByteArray> &values)
+        : m_values(values)
+    {
+    }
+
+    int number(QByteArrayView value)
+    {
+        // Neighbours mostly share their group.
+        if (m_last >= 0 && QByteArrayView(m_values[size_t(m_last)]) == value)
+            return m_last;
+        const auto key = QByteArray::fromRawData(value.data(), value.size());
+        const auto known = m_numbers.constFind(key);
+        if (known != m_numbers.cend())
+            return m_last = *known;
+        m_last = int(m_values.size());
+        m_values.emplace_back(value.toByteArray());
+        m_numbers.insert(m_values.back(), m_last);
+        return m_last;
+    }
+
+private:
+    std::vector<QByteArray> &m_values;
+    QHash<QByteArray, int> m_numbers;
+    int m_last = -1;
+};
+
+PlaylistEntriesBuilder::PlaylistEntriesBuilder(QByteArray text)
+    : m_data(std::make_unique<PlaylistEntries::Data>())
+    , m_groups(std::make_unique<Interner>(m_data->groups))
+    , m_countries(std::make_unique<Interner>(m_data->countries))
+{
+    Q_ASSERT(text.size() <= PlaylistEntries::maximumTextSize);
+    m_data->text = std::move(text);
+}
+
+PlaylistEntriesBuilder::~PlaylistEntriesBuilder() = default;
+
+Slice PlaylistEntriesBuilder::inText(QByteArrayView part) const
+{
+    if (part.isEmpty())
+        return {};
+    return {quint32(part.data() - m_data->text.constData()), quint32(part.size())};
+}
+
+Slice PlaylistEntriesBuilder::add(QByteArrayView value)
+{
+    QByteArray &added = m_data->added;
+    // What does not fit any more is lost, which beats another entry's value in its place.
+    if (value.isEmpty() || added.size() + value.size() > PlaylistEntries::maximumTextSize)
+        return {};
+    const Slice slice{quint32(added.size()) | addedFlag, quint32(value.size())};
+    added.append(value);
+    return slice;
+}
+
+int PlaylistEntriesBuilder::group(QByteArrayView title)
+{
+    return m_groups->number(title);
+}
+
+int PlaylistEntriesBuilder::country(QByteArrayView code)
+{
+    return m_countries->number(code);
+}
+
+void PlaylistEntriesBuilder::append(Slice name, Slice url, Slice logo, int group, int country)
+{
+    append(m_data->ids.next(), name, url, logo, group, country);
+}
+
+void PlaylistEntriesBuilder::append(const QUuid &id, Slice name, Slice url, Slice logo, int group,
+                                    int country)
+{
+    m_data->records.push_back({id, name, url, logo, group, country});
+}
+
+PlaylistEntries PlaylistEntriesBuilder::build()
+{
+    m_data->added.squeeze();
+    return PlaylistEntries(std::shared_ptr<const PlaylistEntries::Data>(std::move(m_data)));
+}
+
+} // namespace lumaro

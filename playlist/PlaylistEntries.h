@@ -1,0 +1,99 @@
+#pragma once
+
+#include "playlist/PlaylistEntry.h"
+
+#include <QByteArray>
+#include <QList>
+
+#include <memory>
+#include <vector>
+
+namespace lumaro {
+
+/// The entries of one playlist, in order: immutable, shared when copied, and made for hundreds of
+/// thousands of them. It keeps the playlist's UTF-8 text and, for each entry, where in it the
+/// values stand; a PlaylistEntry is made when it is asked for. Any thread.
+class PlaylistEntries
+{
+public:
+    /// The longest text whose places can be told, in bytes.
+    static constexpr qsizetype maximumTextSize = (qsizetype(1) << 31) - 1;
+
+    PlaylistEntries() = default;
+    static PlaylistEntries fromList(const QList<PlaylistEntry> &entries);
+
+    qsizetype size() const;
+    bool isEmpty() const { return size() == 0; }
+
+    PlaylistEntry at(qsizetype index) const;
+    QList<PlaylistEntry> toList() const;
+
+    QUtf8StringView name(qsizetype index) const;
+    /// Empty when there is none.
+    QUtf8StringView logoAddress(qsizetype index) const;
+    QUtf8StringView address(qsizetype index) const;
+    /// Empty when there is none.
+    QUtf8StringView countryCode(qsizetype index) const;
+
+    /// The number of different groups, and one's title. Groups stand in order of first appearance.
+    int groupCount() const;
+    QString groupTitle(int group) const;
+    /// The entry's group; -1 for none.
+    int groupIndex(qsizetype index) const;
+
+    /// Equal in every field of every entry.
+    friend bool operator==(const PlaylistEntries &left, const PlaylistEntries &right);
+
+private:
+    friend class PlaylistEntriesBuilder;
+    struct Data;
+
+    explicit PlaylistEntries(std::shared_ptr<const Data> data)
+        : m_data(std::move(data))
+    {
+    }
+
+    std::shared_ptr<const Data> m_data;
+};
+
+/// Collects entries whose values stand in one UTF-8 text, or are added to it.
+class PlaylistEntriesBuilder
+{
+public:
+    /// A value's place: in the text, or among what was added.
+    struct Slice
+    {
+        quint32 offset = 0;
+        quint32 length = 0;
+    };
+
+    /// `text` is at most PlaylistEntries::maximumTextSize long.
+    explicit PlaylistEntriesBuilder(QByteArray text);
+    ~PlaylistEntriesBuilder();
+    PlaylistEntriesBuilder(const PlaylistEntriesBuilder &) = delete;
+    PlaylistEntriesBuilder &operator=(const PlaylistEntriesBuilder &) = delete;
+
+    /// The place of `part`, which lies within the text.
+    Slice inText(QByteArrayView part) const;
+    /// The place of a value that is not in the text.
+    Slice add(QByteArrayView value);
+    /// The number that stands for this group or country; values may lie anywhere.
+    int group(QByteArrayView title);
+    int country(QByteArrayView code);
+
+    /// `logo` is empty for none, `group` and `country` are -1 for none. Gives it a fresh id.
+    void append(Slice name, Slice url, Slice logo, int group, int country);
+    void append(const QUuid &id, Slice name, Slice url, Slice logo, int group, int country);
+
+    PlaylistEntries build();
+
+private:
+    /// Numbers different values in order of first appearance.
+    class Interner;
+
+    std::unique_ptr<PlaylistEntries::Data> m_data;
+    std::unique_ptr<Interner> m_groups;
+    std::unique_ptr<Interner> m_countries;
+};
+
+} // namespace lumaro
