@@ -34,8 +34,8 @@ public:
     virtual ~FilePanels() = default;
 
     /// The chosen file's URL; empty when the user cancels or another panel is already open.
-    virtual Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token stop)
-        = 0;
+    virtual Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request,
+                                                 std::stop_token stop) = 0;
 };
 
 } // namespace lumaro

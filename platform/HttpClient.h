@@ -58,8 +58,7 @@ public:
 
     /// Fetches the whole body, whatever the status.
     virtual Task<std::expected<HttpResponse, HttpError>> get(HttpRequest request,
-                                                             std::stop_token stop)
-        = 0;
+                                                             std::stop_token stop) = 0;
 };
 
 } // namespace lumaro

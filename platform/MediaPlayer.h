@@ -73,8 +73,7 @@ public:
     /// Calls `observer` every `interval` while an item plays and whenever its position jumps or
     /// playback starts, stops or ends. Replaces the observer before it.
     virtual void setPeriodicTimeObserver(std::chrono::milliseconds interval,
-                                         std::function<void()> observer)
-        = 0;
+                                         std::function<void()> observer) = 0;
 
 Q_SIGNALS:
     void timeControlStatusChanged();

@@ -39,8 +39,7 @@ public:
 
     /// Stores `value`, on disk before it returns.
     virtual std::expected<void, UserDefaultsError> setData(const QString &key,
-                                                           const QByteArray &value)
-        = 0;
+                                                           const QByteArray &value) = 0;
 
     virtual std::expected<void, UserDefaultsError> remove(const QString &key) = 0;
 };

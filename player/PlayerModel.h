@@ -1,0 +1,217 @@
+#pragma once
+
+#include "platform/DelayedTask.h"
+#include "platform/InputMonitor.h"
+#include "platform/MediaPlayer.h"
+#include "player/MediaSources.h"
+#include "player/WebPlayerRegistry.h"
+#include "playlist/PlaylistEntries.h"
+
+#include <QObject>
+#include <QUuid>
+
+#include <expected>
+#include <optional>
+#include <stop_token>
+
+namespace lumaro {
+
+class FilePanels;
+class HttpClient;
+class NotificationCenter;
+
+/// What a player model works with. All of it outlives the model.
+struct PlayerPlatform
+{
+    MediaPlayer &player;
+    HttpClient &http;
+    FilePanels &panels;
+    Scheduler &scheduler;
+    InputMonitor &input;
+    NotificationCenter &notifications;
+    YouTubePlayerRegistry &youTube;
+    OKVideoPlayerRegistry &okVideo;
+};
+
+/// Opens and controls every source of the main window, and publishes what its views draw. At most
+/// one of a platform item, youtubeContent and okVideoContent is active at a time. Main thread.
+class PlayerModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    /// The last error's sentence; empty for none.
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    Q_PROPERTY(bool isPlaying READ isPlaying NOTIFY isPlayingChanged)
+    /// Seconds.
+    Q_PROPERTY(double currentTime READ currentTime NOTIFY currentTimeChanged)
+    /// Seconds; 0 while unknown and for a stream without an end.
+    Q_PROPERTY(double duration READ duration NOTIFY durationChanged)
+    /// 0 to 1.
+    Q_PROPERTY(double volume READ volume NOTIFY volumeChanged)
+    Q_PROPERTY(bool isMuted READ isMuted NOTIFY isMutedChanged)
+    /// Width by height; 0 while unknown.
+    Q_PROPERTY(double videoAspectRatio READ videoAspectRatio NOTIFY videoAspectRatioChanged)
+    Q_PROPERTY(bool isLiveStream READ isLiveStream NOTIFY isLiveStreamChanged)
+    Q_PROPERTY(bool isBuffering READ isBuffering NOTIFY isBufferingChanged)
+    /// The passing notice over the picture; empty for none.
+    Q_PROPERTY(QString toastMessage READ toastMessage NOTIFY toastMessageChanged)
+    Q_PROPERTY(QUrl currentURL READ currentURL NOTIFY currentURLChanged)
+
+public:
+    /// The longest playlist that is read, in bytes; a longer one is refused.
+    static constexpr qint64 maximumPlaylistSize = 256 * 1024 * 1024;
+    static constexpr std::chrono::milliseconds volumeToastDuration{1200};
+    static constexpr std::chrono::milliseconds toastDuration{2800};
+
+    explicit PlayerModel(const PlayerPlatform &platform, QObject *parent = nullptr);
+    ~PlayerModel() override;
+
+    const QString &title() const { return m_title; }
+    const QString &errorMessage() const { return m_errorMessage; }
+    bool isLoading() const { return m_isLoading; }
+    const PlaylistEntries &playlist() const { return m_playlist; }
+    bool isPlaying() const { return m_isPlaying; }
+    double currentTime() const { return m_currentTime; }
+    double duration() const { return m_duration; }
+    double volume() const { return m_volume; }
+    bool isMuted() const { return m_isMuted; }
+    double videoAspectRatio() const { return m_videoAspectRatio; }
+    /// Renewed on every load of a platform item.
+    QUuid mediaLoadID() const { return m_mediaLoadID; }
+    /// The load for which videoAspectRatio was measured; null for none.
+    QUuid videoAspectMediaLoadID() const { return m_videoAspectMediaLoadID; }
+    bool isLiveStream() const { return m_isLiveStream; }
+    bool isBuffering() const { return m_isBuffering; }
+    const std::optional<YouTubeContent> &youtubeContent() const { return m_youtubeContent; }
+    const std::optional<OKVideoContent> &okVideoContent() const { return m_okVideoContent; }
+    const QString &toastMessage() const { return m_toastMessage; }
+    const QUrl &currentURL() const { return m_currentURL; }
+    const std::optional<LastPlayableSource> &lastPlayableSource() const
+    {
+        return m_lastPlayableSource;
+    }
+    /// Seconds; where the platform player can seek in the current item.
+    std::optional<MediaPlayer::TimeRange> seekableRange() const;
+
+    /// Opens a typed or pasted address. Ends when the playlist behind it, if it is one, has been
+    /// loaded, has failed or has become stale.
+    Task<> openRemote(QString address, std::optional<QString> displayName);
+    /// Plays `url` through the platform player; without a name, the title comes from the URL.
+    void play(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
+    /// Plays a local file under its own name.
+    void playFile(const QUrl &url);
+
+    /// Asks for an M3U file and makes it the playlist. The imported entries; empty when the user
+    /// cancelled or the import failed.
+    Task<std::optional<PlaylistEntries>> importLocalM3U(std::optional<QString> displayName);
+    /// The same for a file that is already chosen.
+    Task<std::optional<PlaylistEntries>> importM3UFile(QUrl file,
+                                                       std::optional<QString> displayName);
+    /// Asks for a local media file and plays it.
+    Task<> openFile();
+
+    Q_INVOKABLE void togglePlayback();
+    Q_INVOKABLE void stop();
+    Q_INVOKABLE void skip(double seconds);
+    /// Goes to `seconds`, within what can be reached.
+    Q_INVOKABLE void seek(double seconds);
+    Q_INVOKABLE void toggleMute();
+    Q_INVOKABLE void setVolume(double value);
+    Q_INVOKABLE void adjustVolume(double delta);
+
+    void showToast(const QString &message, Scheduler::Duration duration);
+    void replayLastSourceOrShowToast();
+    void discardLastRemoteSource();
+    Q_INVOKABLE void clearNetworkStream();
+    void updateStreamTitle(const QString &name);
+
+    /// Installs the key-down and the mouse monitor; called once.
+    void installKeyboardShortcuts();
+
+Q_SIGNALS:
+    void titleChanged();
+    void errorMessageChanged();
+    void isLoadingChanged();
+    void playlistChanged();
+    void isPlayingChanged();
+    void currentTimeChanged();
+    void durationChanged();
+    void volumeChanged();
+    void isMutedChanged();
+    void videoAspectRatioChanged();
+    void mediaLoadIDChanged();
+    void videoAspectMediaLoadIDChanged();
+    void isLiveStreamChanged();
+    void isBufferingChanged();
+    void youtubeContentChanged();
+    void okVideoContentChanged();
+    void toastMessageChanged();
+    void currentURLChanged();
+
+private:
+    using PlaylistResult = std::expected<PlaylistEntries, QString>;
+    using ChangeSignal = void (PlayerModel::*)();
+
+    template <typename T>
+    void publish(T &member, const std::type_identity_t<T> &value, ChangeSignal changed)
+    {
+        if (member == value)
+            return;
+        member = value;
+        Q_EMIT(this->*changed)();
+    }
+
+    Task<> loadM3U(QUrl url, std::optional<QString> displayName, QUuid requestID);
+    Task<PlaylistResult> fetchPlaylist(QUrl url, std::stop_token stop);
+    QUuid renewRemoteRequest();
+    void updateIsLoading();
+
+    void showWebContent(const LastPlayableSource &source);
+    void removePlatformItem();
+    const WebPlayerRegistry *activeWebPlayer() const;
+    std::optional<MediaPlayer::TimeRange> reachableRange() const;
+
+    void observeTime();
+    void refreshBufferingState();
+    bool isWaitingForLiveData() const;
+    void showBufferingIndicatorAfterDelay();
+    void hideBufferingIndicator();
+
+    bool handleKeyDown(const KeyDown &event);
+    bool handleVolumeKey(double direction, Qt::KeyboardModifiers modifiers);
+    bool handleSkipKey(double direction, const KeyDown &event);
+
+    PlayerPlatform m_platform;
+    std::stop_source m_lifetime;
+
+    QString m_title;
+    QString m_errorMessage;
+    bool m_isLoading = false;
+    PlaylistEntries m_playlist;
+    bool m_isPlaying = false;
+    double m_currentTime = 0;
+    double m_duration = 0;
+    double m_volume = 1;
+    bool m_isMuted = false;
+    double m_videoAspectRatio = 0;
+    QUuid m_mediaLoadID;
+    QUuid m_videoAspectMediaLoadID;
+    bool m_isLiveStream = false;
+    bool m_isBuffering = false;
+    std::optional<YouTubeContent> m_youtubeContent;
+    std::optional<OKVideoContent> m_okVideoContent;
+    QString m_toastMessage;
+    QUrl m_currentURL;
+
+    QUuid m_remoteRequestID;
+    std::stop_source m_remoteLoad;
+    bool m_isLoadingRemotePlaylist = false;
+    int m_importsRunning = 0;
+    std::optional<LastPlayableSource> m_lastPlayableSource;
+    DelayedTask m_bufferingIndicatorTask;
+    DelayedTask m_toastTask;
+    bool m_monitorsInstalled = false;
+};
+
+} // namespace lumaro

@@ -1,0 +1,41 @@
+#include "player/PlaylistFile.h"
+
+#include "playlist/PlaylistParser.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace lumaro {
+
+std::expected<PlaylistEntries, QString> readPlaylist(const QByteArray &bytes, const QUrl &base)
+{
+    auto entries = PlaylistParser::read(bytes, base);
+    if (!entries)
+        return std::unexpected(description(entries.error()));
+    return *std::move(entries);
+}
+
+std::expected<PlaylistEntries, QString> readPlaylistFile(const QUrl &file, qint64 maximumSize)
+{
+    const QString path = file.toLocalFile();
+    const QFileInfo info(path);
+    if (!info.exists())
+        return std::unexpected(QStringLiteral("The file does not exist."));
+    // Reading a pipe or a device might never end.
+    if (!info.isFile())
+        return std::unexpected(QStringLiteral("It is not a file."));
+
+    if (info.size() > maximumSize)
+        return std::unexpected(QStringLiteral("The file is too large for a playlist."));
+
+    QFile input(path);
+    QByteArray bytes;
+    if (input.open(QIODevice::ReadOnly))
+        bytes = input.readAll();
+    if (input.error() != QFileDevice::NoError)
+        return std::unexpected(QStringLiteral("The file could not be read."));
+
+    return readPlaylist(bytes, file);
+}
+
+} // namespace lumaro

@@ -1,0 +1,76 @@
+#include "player/WebPlayerRegistry.h"
+
+#include <QLocale>
+
+namespace lumaro {
+
+namespace {
+
+/// The shortest decimal text that names the double, always with a fractional part or an exponent.
+QString decimalText(double value)
+{
+    const QString text = QString::number(value, 'g', QLocale::FloatingPointShortest);
+    return text.contains(u'.') || text.contains(u'e') ? text : text + u".0";
+}
+
+QString boolText(bool value)
+{
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+/// A script that does `action` to the page's first video element, if there is one.
+QString withVideoElement(const QString &action)
+{
+    return u"var v=document.querySelector('video'); if(v){" + action + u'}';
+}
+
+} // namespace
+
+void WebPlayerRegistry::evaluate(const QString &script) const
+{
+    if (m_view)
+        m_view->evaluate(script);
+}
+
+QString YouTubePlayerRegistry::toggleScript() const
+{
+    return QStringLiteral("varnToggle();");
+}
+
+QString YouTubePlayerRegistry::skipScript(double seconds) const
+{
+    return u"varnSkip(" + decimalText(seconds) + u");";
+}
+
+QString YouTubePlayerRegistry::volumeScript(double volume) const
+{
+    return u"varnSetVolume(" + decimalText(volume) + u");";
+}
+
+QString YouTubePlayerRegistry::muteScript(bool muted) const
+{
+    return u"varnSetMuted(" + boolText(muted) + u");";
+}
+
+QString OKVideoPlayerRegistry::toggleScript() const
+{
+    return withVideoElement(QStringLiteral("v.paused?v.play():v.pause();"));
+}
+
+QString OKVideoPlayerRegistry::skipScript(double seconds) const
+{
+    return withVideoElement(u"v.currentTime=Math.max(0,v.currentTime+(" + decimalText(seconds)
+                            + u"));");
+}
+
+QString OKVideoPlayerRegistry::volumeScript(double volume) const
+{
+    return withVideoElement(u"v.muted=false;v.volume=" + decimalText(volume) + u';');
+}
+
+QString OKVideoPlayerRegistry::muteScript(bool muted) const
+{
+    return withVideoElement(u"v.muted=" + boolText(muted) + u';');
+}
+
+} // namespace lumaro

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/ScriptRunner.h"
+
+#include <QPointer>
+
+namespace lumaro {
+
+/// The way from the player model to the web view that currently shows a service's own player.
+/// Main thread only.
+class WebPlayerRegistry
+{
+public:
+    WebPlayerRegistry() = default;
+    WebPlayerRegistry(const WebPlayerRegistry &) = delete;
+    WebPlayerRegistry &operator=(const WebPlayerRegistry &) = delete;
+    virtual ~WebPlayerRegistry() = default;
+
+    /// Makes `view` the one that receives the commands; null for none.
+    void setCurrentView(ScriptRunner *view) { m_view = view; }
+    ScriptRunner *currentView() const { return m_view; }
+
+    /// Runs `script` in the current view; does nothing without one.
+    void evaluate(const QString &script) const;
+
+    void togglePlayback() const { evaluate(toggleScript()); }
+    void skip(double seconds) const { evaluate(skipScript(seconds)); }
+    /// `volume` is between 0 and 1.
+    void setVolume(double volume) const { evaluate(volumeScript(volume)); }
+    void setMuted(bool muted) const { evaluate(muteScript(muted)); }
+
+private:
+    virtual QString toggleScript() const = 0;
+    virtual QString skipScript(double seconds) const = 0;
+    virtual QString volumeScript(double volume) const = 0;
+    virtual QString muteScript(bool muted) const = 0;
+
+    QPointer<ScriptRunner> m_view;
+};
+
+/// Commands of the page that wraps YouTube's player.
+class YouTubePlayerRegistry final : public WebPlayerRegistry
+{
+    QString toggleScript() const override;
+    QString skipScript(double seconds) const override;
+    QString volumeScript(double volume) const override;
+    QString muteScript(bool muted) const override;
+};
+
+/// Commands for the first video element of OK.ru's player page.
+class OKVideoPlayerRegistry final : public WebPlayerRegistry
+{
+    QString toggleScript() const override;
+    QString skipScript(double seconds) const override;
+    QString volumeScript(double volume) const override;
+    QString muteScript(bool muted) const override;
+};
+
+} // namespace lumaro

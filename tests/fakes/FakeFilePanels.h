@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/FilePanels.h"
+
+#include <QList>
+
+namespace lumaro {
+
+/// A panel in which the user has already made up their mind.
+class FakeFilePanels final : public FilePanels
+{
+public:
+    Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token) override
+    {
+        requests.append(request);
+        co_return choice;
+    }
+
+    /// What the user picks; empty for Cancel.
+    std::optional<QUrl> choice;
+    QList<OpenPanelRequest> requests;
+};
+
+} // namespace lumaro

@@ -1,0 +1,44 @@
+#include "tests/fakes/FakeScheduler.h"
+
+#include <algorithm>
+
+namespace lumaro {
+
+Scheduler::TimerId FakeScheduler::callAfter(Duration delay, std::function<void()> action)
+{
+    m_calls.emplace(m_now + delay, Call{++m_lastId, std::move(action)});
+    return m_lastId;
+}
+
+void FakeScheduler::cancel(TimerId timer)
+{
+    std::erase_if(m_calls, [timer](const auto &call) { return call.second.id == timer; });
+}
+
+void FakeScheduler::runInBackground(std::function<void()> work, std::function<void()> done)
+{
+    m_background.push_back({std::move(work), std::move(done)});
+}
+
+void FakeScheduler::advance(Duration duration)
+{
+    const TimePoint end = m_now + duration;
+    while (!m_calls.empty() && m_calls.begin()->first <= end) {
+        const auto due = m_calls.extract(m_calls.begin());
+        m_now = due.key();
+        due.mapped().action();
+    }
+    m_now = end;
+}
+
+void FakeScheduler::runBackground()
+{
+    while (!m_background.empty()) {
+        const Work next = std::move(m_background.front());
+        m_background.pop_front();
+        next.work();
+        next.done();
+    }
+}
+
+} // namespace lumaro
