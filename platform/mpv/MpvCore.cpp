@@ -1,0 +1,54 @@
+#include "platform/mpv/MpvCore.h"
+
+#include <array>
+#include <utility>
+
+namespace lumaro {
+
+namespace {
+
+constexpr std::array<std::pair<const char *, const char *>, 18> options{{
+    {"vo", "libmpv"},
+    // The user's own mpv settings and scripts are for mpv.
+    {"config", "no"},
+    {"load-scripts", "no"},
+    {"ytdl", "no"},
+    {"osc", "no"},
+    {"terminal", "no"},
+    {"input-default-bindings", "no"},
+    {"resume-playback", "no"},
+    {"idle", "yes"},
+    {"pause", "yes"},
+    // The last picture stays; pausing at the end is the player's own doing.
+    {"keep-open", "yes"},
+    {"keep-open-pause", "no"},
+    {"hr-seek", "yes"},
+    {"hwdec", "auto-safe"},
+    // The scene graph decides when a frame is shown.
+    {"video-timing-offset", "0"},
+    {"network-timeout", "30"},
+    {"audio-client-name", "Lumaro"},
+    {"user-agent", "Lumaro/0.1"},
+}};
+
+} // namespace
+
+std::shared_ptr<MpvCore> MpvCore::create()
+{
+    mpv_handle *handle = mpv_create();
+    if (!handle)
+        return nullptr;
+    auto core = std::shared_ptr<MpvCore>(new MpvCore(handle));
+    for (const auto &[name, value] : options)
+        mpv_set_option_string(handle, name, value);
+    if (mpv_initialize(handle) < 0)
+        return nullptr;
+    return core;
+}
+
+MpvCore::~MpvCore()
+{
+    mpv_terminate_destroy(m_handle);
+}
+
+} // namespace lumaro

@@ -1,0 +1,504 @@
+#include "platform/mpv/MpvMediaPlayer.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace lumaro {
+
+namespace {
+
+using Topic = MpvTopic;
+
+struct ObservedProperty
+{
+    Topic topic;
+    const char *name;
+    mpv_format format;
+};
+
+constexpr ObservedProperty observedProperties[] = {
+    {Topic::Duration, "duration", MPV_FORMAT_DOUBLE},
+    {Topic::Seekable, "seekable", MPV_FORMAT_FLAG},
+    {Topic::PartiallySeekable, "partially-seekable", MPV_FORMAT_FLAG},
+    {Topic::CacheState, "demuxer-cache-state", MPV_FORMAT_NODE},
+    {Topic::CoreIdle, "core-idle", MPV_FORMAT_FLAG},
+    {Topic::PausedForCache, "paused-for-cache", MPV_FORMAT_FLAG},
+    {Topic::EofReached, "eof-reached", MPV_FORMAT_FLAG},
+    {Topic::Width, "dwidth", MPV_FORMAT_INT64},
+    {Topic::Height, "dheight", MPV_FORMAT_INT64},
+};
+
+/// Request identifiers carry the topic in the low byte and the item's number above it.
+quint64 requestId(Topic topic, quint64 itemNumber)
+{
+    return itemNumber << 8 | quint64(topic);
+}
+
+Topic topicOf(quint64 id)
+{
+    return Topic(id & 0xff);
+}
+
+quint64 itemNumberOf(quint64 id)
+{
+    return id >> 8;
+}
+
+/// libmpv opens much more than media: devices, its own scripting, playlists made of other files.
+/// An address that came from a playlist must not reach those.
+bool isOpenable(const QUrl &url)
+{
+    static const QStringList schemes =
+        QStringLiteral(
+            "file http https rtmp rtmps rtmpt rtmpe rtsp rtsps rtp udp srt mms mmsh mmst")
+            .split(u' ');
+    return url.isValid() && schemes.contains(url.scheme());
+}
+
+QByteArray mpvAddress(const QUrl &url)
+{
+    return url.isLocalFile() ? url.toLocalFile().toUtf8() : url.toEncoded();
+}
+
+MediaPlayer::ItemFailure failureOf(int error)
+{
+    return error == MPV_ERROR_LOADING_FAILED ? MediaPlayer::ItemFailure::Unreachable
+                                             : MediaPlayer::ItemFailure::Unplayable;
+}
+
+const mpv_node *mapValue(const mpv_node &map, const char *key)
+{
+    if (map.format != MPV_FORMAT_NODE_MAP)
+        return nullptr;
+    const mpv_node_list &list = *map.u.list;
+    for (int i = 0; i < list.num; ++i) {
+        if (std::strcmp(list.keys[i], key) == 0)
+            return &list.values[i];
+    }
+    return nullptr;
+}
+
+std::optional<double> number(const mpv_node *node)
+{
+    if (!node || node->format != MPV_FORMAT_DOUBLE)
+        return std::nullopt;
+    return node->u.double_;
+}
+
+QList<MediaPlayer::TimeRange> seekableRanges(const mpv_node &cacheState)
+{
+    QList<MediaPlayer::TimeRange> ranges;
+    const mpv_node *list = mapValue(cacheState, "seekable-ranges");
+    if (!list || list->format != MPV_FORMAT_NODE_ARRAY)
+        return ranges;
+    for (int i = 0; i < list->u.list->num; ++i) {
+        const auto start = number(mapValue(list->u.list->values[i], "start"));
+        const auto end = number(mapValue(list->u.list->values[i], "end"));
+        if (start && end && *start < *end)
+            ranges.append({*start, *end});
+    }
+    return ranges;
+}
+
+template <typename T>
+std::optional<T> valueOf(const mpv_event_property &property)
+{
+    if (property.format == MPV_FORMAT_NONE)
+        return std::nullopt;
+    return *static_cast<const T *>(property.data);
+}
+
+bool flagOf(const mpv_event_property &property)
+{
+    return valueOf<int>(property).value_or(0) != 0;
+}
+
+} // namespace
+
+MpvMediaPlayer::MpvMediaPlayer(QObject *parent)
+    : MediaPlayer(parent)
+    , m_core(MpvCore::create())
+{
+    connect(&m_clock, &QTimer::timeout, this, &MpvMediaPlayer::requestTime);
+    if (!m_core)
+        return;
+    for (const ObservedProperty &property : observedProperties)
+        mpv_observe_property(m_core->handle(), quint64(property.topic), property.name,
+                             property.format);
+    mpv_set_wakeup_callback(m_core->handle(), &MpvMediaPlayer::wakeUp, this);
+}
+
+MpvMediaPlayer::~MpvMediaPlayer()
+{
+    if (m_core)
+        mpv_set_wakeup_callback(m_core->handle(), nullptr, nullptr);
+}
+
+// Items
+
+void MpvMediaPlayer::setRendererReady()
+{
+    m_rendererReady = true;
+    openPendingItem();
+}
+
+void MpvMediaPlayer::notifyFrame()
+{
+    Q_EMIT frameReady();
+}
+
+void MpvMediaPlayer::replaceItem(const QUrl &url)
+{
+    m_item = url;
+    m_itemIsPending = true;
+    ++m_itemNumber;
+    m_playlistEntryId.reset();
+    m_state = {};
+    m_pictureSize = {};
+    openPendingItem();
+    updateStatus();
+}
+
+void MpvMediaPlayer::openPendingItem()
+{
+    if (!m_itemIsPending)
+        return;
+    if (!m_core || !isOpenable(m_item)) {
+        m_itemIsPending = false;
+        // The caller has not finished opening yet; the news must not overtake it.
+        QMetaObject::invokeMethod(
+            this,
+            [this, item = m_itemNumber] {
+                if (item == m_itemNumber)
+                    fail(ItemFailure::Unsupported);
+            },
+            Qt::QueuedConnection);
+        return;
+    }
+    // Without a place for its picture libmpv would play the sound only.
+    if (!m_rendererReady)
+        return;
+    m_itemIsPending = false;
+
+    const QByteArray address = mpvAddress(m_item);
+    const char *arguments[] = {"loadfile", address.constData(), nullptr};
+    mpv_command_async(m_core->handle(), requestId(Topic::Load, m_itemNumber), arguments);
+}
+
+void MpvMediaPlayer::removeItem()
+{
+    if (!hasItem())
+        return;
+    m_item.clear();
+    m_itemIsPending = false;
+    ++m_itemNumber;
+    m_state = {};
+    m_pictureSize = {};
+    if (m_core) {
+        const char *arguments[] = {"stop", nullptr};
+        mpv_command_async(m_core->handle(), 0, arguments);
+    }
+    updateStatus();
+}
+
+void MpvMediaPlayer::fail(ItemFailure failure)
+{
+    m_state.failed = true;
+    updateStatus();
+    Q_EMIT itemFailed(failure);
+}
+
+// Transport
+
+void MpvMediaPlayer::play()
+{
+    if (m_state.ended)
+        seek(0);
+    m_paused = false;
+    if (m_core) {
+        int value = 0;
+        mpv_set_property_async(m_core->handle(), 0, "pause", MPV_FORMAT_FLAG, &value);
+    }
+    updateStatus();
+}
+
+void MpvMediaPlayer::pause()
+{
+    m_paused = true;
+    if (m_core) {
+        int value = 1;
+        mpv_set_property_async(m_core->handle(), 0, "pause", MPV_FORMAT_FLAG, &value);
+    }
+    updateStatus();
+}
+
+double MpvMediaPlayer::rate() const
+{
+    return m_paused ? 0 : 1;
+}
+
+void MpvMediaPlayer::seek(double seconds)
+{
+    if (!m_core || !hasItem())
+        return;
+    m_state.pendingSeek = seconds;
+    m_state.ended = false;
+    const QByteArray target = QByteArray::number(seconds, 'f', 6);
+    const char *arguments[] = {"seek", target.constData(), "absolute+exact", nullptr};
+    mpv_command_async(m_core->handle(), requestId(Topic::Seek, m_itemNumber), arguments);
+}
+
+void MpvMediaPlayer::setVolume(double gain)
+{
+    if (!m_core)
+        return;
+    // libmpv's volume is cubic.
+    double volume = 100 * std::cbrt(std::clamp(gain, 0.0, 1.0));
+    mpv_set_property_async(m_core->handle(), 0, "volume", MPV_FORMAT_DOUBLE, &volume);
+}
+
+void MpvMediaPlayer::setMuted(bool muted)
+{
+    if (!m_core)
+        return;
+    int value = muted ? 1 : 0;
+    mpv_set_property_async(m_core->handle(), 0, "mute", MPV_FORMAT_FLAG, &value);
+}
+
+std::optional<double> MpvMediaPlayer::currentTime() const
+{
+    return m_state.pendingSeek ? m_state.pendingSeek : m_state.time;
+}
+
+std::optional<double> MpvMediaPlayer::duration() const
+{
+    // For a stream without an end libmpv reports how much it has seen so far.
+    return m_state.seekable && !m_state.onlyCacheSeekable ? m_state.duration : std::nullopt;
+}
+
+std::optional<MediaPlayer::TimeRange> MpvMediaPlayer::seekableRange() const
+{
+    if (const auto length = duration())
+        return TimeRange{0, *length};
+    const double now = currentTime().value_or(0);
+    const auto around = std::ranges::find_if(m_state.cachedRanges, [now](const TimeRange &range) {
+        return range.start <= now && now <= range.end;
+    });
+    return around == m_state.cachedRanges.end() ? std::nullopt : std::optional(*around);
+}
+
+// Observing
+
+void MpvMediaPlayer::setPeriodicTimeObserver(std::chrono::milliseconds interval,
+                                             std::function<void()> observer)
+{
+    m_clock.setInterval(interval);
+    m_timeObserver = std::move(observer);
+    updateClock();
+}
+
+void MpvMediaPlayer::updateClock()
+{
+    const bool runs = m_timeObserver && m_status == TimeControlStatus::Playing;
+    if (runs && !m_clock.isActive())
+        m_clock.start();
+    else if (!runs)
+        m_clock.stop();
+}
+
+void MpvMediaPlayer::requestTime()
+{
+    if (m_core && hasItem())
+        mpv_get_property_async(m_core->handle(), requestId(Topic::Time, m_itemNumber), "time-pos",
+                               MPV_FORMAT_DOUBLE);
+}
+
+void MpvMediaPlayer::requestProperties()
+{
+    // libmpv reports changes only, and an item may well have the length or the size of the one
+    // before it.
+    for (const ObservedProperty &property : observedProperties)
+        mpv_get_property_async(m_core->handle(), requestId(property.topic, m_itemNumber),
+                               property.name, property.format);
+    requestTime();
+}
+
+void MpvMediaPlayer::notifyTimeObserver()
+{
+    if (m_timeObserver)
+        m_timeObserver();
+}
+
+void MpvMediaPlayer::updateStatus()
+{
+    TimeControlStatus status = TimeControlStatus::Playing;
+    if (m_paused || !hasItem() || m_state.failed)
+        status = TimeControlStatus::Paused;
+    else if (m_state.coreIdle)
+        status = TimeControlStatus::WaitingToPlayAtSpecifiedRate;
+    if (m_status == status)
+        return;
+    m_status = status;
+    updateClock();
+    requestTime();
+    Q_EMIT timeControlStatusChanged();
+}
+
+void MpvMediaPlayer::wakeUp(void *player)
+{
+    auto *self = static_cast<MpvMediaPlayer *>(player);
+    if (!self->m_eventsPending.exchange(true))
+        QMetaObject::invokeMethod(self, &MpvMediaPlayer::drainEvents, Qt::QueuedConnection);
+}
+
+void MpvMediaPlayer::drainEvents()
+{
+    m_eventsPending = false;
+    while (true) {
+        const mpv_event *event = mpv_wait_event(m_core->handle(), 0);
+        if (event->event_id == MPV_EVENT_NONE)
+            return;
+        handle(*event);
+    }
+}
+
+void MpvMediaPlayer::handle(const mpv_event &event)
+{
+    switch (event.event_id) {
+    case MPV_EVENT_START_FILE:
+        m_startedEntryId = static_cast<mpv_event_start_file *>(event.data)->playlist_entry_id;
+        break;
+    case MPV_EVENT_FILE_LOADED:
+        if (m_playlistEntryId == m_startedEntryId) {
+            m_state.loaded = true;
+            requestProperties();
+        }
+        break;
+    case MPV_EVENT_PROPERTY_CHANGE:
+        // Until the item is loaded, the news is of the item before it.
+        if (m_state.loaded)
+            handleProperty(topicOf(event.reply_userdata),
+                           *static_cast<mpv_event_property *>(event.data));
+        break;
+    case MPV_EVENT_GET_PROPERTY_REPLY:
+        if (event.error >= 0 && itemNumberOf(event.reply_userdata) == m_itemNumber)
+            handleProperty(topicOf(event.reply_userdata),
+                           *static_cast<mpv_event_property *>(event.data));
+        break;
+    case MPV_EVENT_COMMAND_REPLY:
+        handleCommandReply(event);
+        break;
+    case MPV_EVENT_END_FILE:
+        handleEndOfFile(*static_cast<mpv_event_end_file *>(event.data));
+        break;
+    case MPV_EVENT_PLAYBACK_RESTART:
+        if (!m_state.loaded)
+            break;
+        m_state.pendingSeek.reset();
+        requestTime();
+        if (!std::exchange(m_state.started, true))
+            Q_EMIT itemStarted();
+        break;
+    default:
+        break;
+    }
+}
+
+void MpvMediaPlayer::handleCommandReply(const mpv_event &event)
+{
+    if (itemNumberOf(event.reply_userdata) != m_itemNumber)
+        return;
+    switch (topicOf(event.reply_userdata)) {
+    case Topic::Load: {
+        const mpv_node &result = static_cast<mpv_event_command *>(event.data)->result;
+        const mpv_node *entry = mapValue(result, "playlist_entry_id");
+        if (entry && entry->format == MPV_FORMAT_INT64)
+            m_playlistEntryId = entry->u.int64;
+        if (event.error < 0)
+            fail(failureOf(event.error));
+        break;
+    }
+    case Topic::Seek:
+        if (event.error < 0) {
+            m_state.pendingSeek.reset();
+            requestTime();
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void MpvMediaPlayer::handleEndOfFile(const mpv_event_end_file &end)
+{
+    if (!m_playlistEntryId || end.playlist_entry_id != *m_playlistEntryId)
+        return;
+    if (end.reason == MPV_END_FILE_REASON_REDIRECT)
+        m_playlistEntryId = end.playlist_insert_id;
+    else if (end.reason == MPV_END_FILE_REASON_ERROR)
+        fail(failureOf(end.error));
+    // Nothing at all could be shown: with anything shown, the last picture would have stayed.
+    else if (end.reason == MPV_END_FILE_REASON_EOF)
+        fail(ItemFailure::Unplayable);
+}
+
+void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &property)
+{
+    switch (topic) {
+    case Topic::Time:
+        m_state.time = valueOf<double>(property);
+        notifyTimeObserver();
+        break;
+    case Topic::Duration:
+        m_state.duration = valueOf<double>(property);
+        notifyTimeObserver();
+        break;
+    case Topic::Seekable:
+        m_state.seekable = flagOf(property);
+        notifyTimeObserver();
+        break;
+    case Topic::PartiallySeekable:
+        m_state.onlyCacheSeekable = flagOf(property);
+        notifyTimeObserver();
+        break;
+    case Topic::CacheState: {
+        const auto state = valueOf<mpv_node>(property);
+        m_state.cachedRanges = state ? seekableRanges(*state) : QList<TimeRange>();
+        break;
+    }
+    case Topic::CoreIdle:
+        m_state.coreIdle = flagOf(property);
+        updateStatus();
+        break;
+    case Topic::PausedForCache: {
+        const bool waits = flagOf(property);
+        if (std::exchange(m_state.waitsForCache, waits) != waits) {
+            Q_EMIT playbackBufferEmptyChanged(waits);
+            Q_EMIT playbackLikelyToKeepUpChanged(!waits);
+        }
+        break;
+    }
+    case Topic::EofReached:
+        if (flagOf(property) && !m_state.pendingSeek) {
+            m_state.ended = true;
+            pause();
+            requestTime();
+        }
+        break;
+    case Topic::Width:
+        m_pictureSize.setWidth(int(valueOf<int64_t>(property).value_or(0)));
+        notifyTimeObserver();
+        break;
+    case Topic::Height:
+        m_pictureSize.setHeight(int(valueOf<int64_t>(property).value_or(0)));
+        notifyTimeObserver();
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace lumaro

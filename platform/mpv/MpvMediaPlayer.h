@@ -1,0 +1,126 @@
+#pragma once
+
+#include "platform/MediaPlayer.h"
+#include "platform/mpv/MpvCore.h"
+
+#include <QTimer>
+#include <QtQml/qqmlregistration.h>
+
+#include <atomic>
+
+namespace lumaro {
+
+/// What an asynchronous call or an observed property is about.
+enum class MpvTopic : quint64 {
+    None,
+    Load,
+    Seek,
+    Time,
+    Duration,
+    Seekable,
+    PartiallySeekable,
+    CacheState,
+    CoreIdle,
+    PausedForCache,
+    EofReached,
+    Width,
+    Height,
+};
+
+/// libmpv as the media player. Its picture appears in an MpvVideoItem; an item is opened as soon
+/// as one is on screen. Every call to libmpv is asynchronous; state is what libmpv last reported.
+class MpvMediaPlayer : public MediaPlayer
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the composition root.")
+
+public:
+    explicit MpvMediaPlayer(QObject *parent = nullptr);
+    ~MpvMediaPlayer() override;
+
+    /// Shared with the renderer, which may outlive the player. Null when libmpv is unusable; then
+    /// every item fails.
+    const std::shared_ptr<MpvCore> &core() const { return m_core; }
+    /// Told by the video item, before its first frame: pictures have somewhere to go.
+    void setRendererReady();
+    /// Told by libmpv on one of its threads.
+    void notifyFrame();
+
+    void replaceItem(const QUrl &url) override;
+    void removeItem() override;
+    bool hasItem() const override { return !m_item.isEmpty(); }
+
+    void play() override;
+    void pause() override;
+    double rate() const override;
+    TimeControlStatus timeControlStatus() const override { return m_status; }
+
+    std::optional<double> currentTime() const override;
+    std::optional<double> duration() const override;
+    std::optional<TimeRange> seekableRange() const override;
+    QSize presentationSize() const override { return m_pictureSize; }
+
+    void seek(double seconds) override;
+    void setVolume(double gain) override;
+    void setMuted(bool muted) override;
+    void setPeriodicTimeObserver(std::chrono::milliseconds interval,
+                                 std::function<void()> observer) override;
+
+Q_SIGNALS:
+    /// There is a new picture to draw.
+    void frameReady();
+
+private:
+    /// What libmpv last said of the current item.
+    struct ItemState
+    {
+        std::optional<double> time;
+        std::optional<double> duration;
+        std::optional<double> pendingSeek;
+        QList<TimeRange> cachedRanges;
+        bool seekable = false;
+        bool onlyCacheSeekable = false;
+        bool coreIdle = true;
+        bool waitsForCache = false;
+        bool ended = false;
+        bool failed = false;
+        bool loaded = false;
+        bool started = false;
+    };
+
+    void openPendingItem();
+    void fail(ItemFailure failure);
+    void drainEvents();
+    void handle(const mpv_event &event);
+    void handleProperty(MpvTopic topic, const mpv_event_property &property);
+    void handleEndOfFile(const mpv_event_end_file &end);
+    void handleCommandReply(const mpv_event &event);
+    void updateStatus();
+    void updateClock();
+    void requestTime();
+    void requestProperties();
+    void notifyTimeObserver();
+
+    static void wakeUp(void *player);
+
+    std::shared_ptr<MpvCore> m_core;
+    std::atomic<bool> m_eventsPending = false;
+    bool m_rendererReady = false;
+
+    QUrl m_item;
+    bool m_itemIsPending = false;
+    /// Increases with each item; replies that carry an older number are of an older item.
+    quint64 m_itemNumber = 0;
+    /// The item, and what was begun last, as libmpv's playlist numbers them.
+    std::optional<qint64> m_playlistEntryId;
+    std::optional<qint64> m_startedEntryId;
+    ItemState m_state;
+    QSize m_pictureSize;
+    bool m_paused = true;
+    TimeControlStatus m_status = TimeControlStatus::Paused;
+    std::function<void()> m_timeObserver;
+    QTimer m_clock;
+};
+
+} // namespace lumaro

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Scheduler.h"
+
+#include <QObject>
+#include <QThreadPool>
+
+#include <unordered_map>
+
+class QTimer;
+
+namespace lumaro {
+
+/// Delays by Qt's timers, background work on its own threads. Destroying it waits for the work
+/// that already runs and drops what has not been reported.
+class QtScheduler final : public QObject, public Scheduler
+{
+    Q_OBJECT
+
+public:
+    explicit QtScheduler(QObject *parent = nullptr);
+    ~QtScheduler() override;
+
+    TimePoint now() const override;
+    TimerId callAfter(Duration delay, std::function<void()> action) override;
+    void cancel(TimerId timer) override;
+    void runInBackground(std::function<void()> work, std::function<void()> done) override;
+
+private:
+    TimerId m_lastId = 0;
+    std::unordered_map<TimerId, std::unique_ptr<QTimer>> m_timers;
+    QThreadPool m_threads;
+};
+
+} // namespace lumaro
