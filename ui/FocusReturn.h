@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QPointer>
+#include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
+
+namespace lumaro {
+
+/// Gives the keyboard's focus back to whoever had it before a popup opened, unless something else
+/// took it on purpose meanwhile.
+class FocusReturn : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    using QObject::QObject;
+
+    /// To be called before the popup takes the focus; `content` is any item of the popup.
+    Q_INVOKABLE void remember(const QQuickItem *content);
+    /// To be called when the popup has closed.
+    Q_INVOKABLE void giveBack(const QQuickItem *content);
+
+private:
+    QPointer<QQuickWindow> m_window;
+    QPointer<QQuickItem> m_item;
+};
+
+} // namespace lumaro

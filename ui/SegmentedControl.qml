@@ -1,0 +1,112 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Lumaro.Ui
+
+// Chooses one of two or three sections. It does not choose by itself: bind `currentIndex` and
+// follow `activated(index)`. The left and right arrows choose, too.
+//   model         a list of { text, iconName, shortcutText }
+//   currentIndex  the chosen section
+//   activated(index)  the user asks for this section
+Item {
+    id: root
+
+    property var model: []
+    property int currentIndex: 0
+    signal activated(int index)
+
+    readonly property int count: segments.count
+    readonly property real segmentWidth: count > 0 ? (width - 4) / count : 0
+
+    implicitWidth: 116 * Math.max(1, count)
+    implicitHeight: Theme.controlHeight
+    activeFocusOnTab: true
+
+    Accessible.role: Accessible.PageTabList
+
+    function choose(index: int): void {
+        if (index < 0 || index >= count || index === currentIndex)
+            return;
+        activated(index);
+    }
+
+    Keys.onLeftPressed: choose(currentIndex - 1)
+    Keys.onRightPressed: choose(currentIndex + 1)
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radius
+        color: Theme.fillHover
+    }
+    Rectangle {
+        x: 2 + root.currentIndex * root.segmentWidth
+        y: 2
+        width: root.segmentWidth
+        height: parent.height - 4
+        visible: root.count > 0
+        radius: Theme.radius - 2
+        color: Theme.dark ? Theme.fillPressed : Theme.surface
+        border { width: 1; color: Theme.stroke }
+        Behavior on x { NumberAnimation { duration: Theme.durationMedium; easing.type: Easing.OutCubic } }
+    }
+
+    Repeater {
+        id: segments
+
+        model: root.model
+
+        T.AbstractButton {
+            id: segment
+
+            required property int index
+            required property var modelData
+            readonly property bool isCurrent: index === root.currentIndex
+            readonly property color foreground: isCurrent || hovered ? Theme.text : Theme.textSecondary
+
+            x: 2 + index * root.segmentWidth
+            y: 2
+            width: root.segmentWidth
+            height: root.height - 4
+            text: segment.modelData.text
+            focusPolicy: Qt.NoFocus
+            hoverEnabled: true
+            onClicked: root.choose(index)
+
+            Accessible.role: Accessible.PageTab
+            Accessible.name: text
+            Accessible.selected: isCurrent
+
+            contentItem: Item {
+                Row {
+                    anchors.centerIn: parent
+                    spacing: 6
+
+                    Icon {
+                        id: sign
+
+                        anchors.verticalCenter: parent.verticalCenter
+                        visible: name !== ""
+                        name: segment.modelData.iconName ?? ""
+                        size: 16
+                        color: segment.isCurrent ? Theme.accentText : segment.foreground
+                    }
+                    Text {
+                        width: Math.min(implicitWidth, segment.width - 20 - (sign.visible ? 22 : 0))
+                        text: segment.text
+                        textFormat: Text.PlainText
+                        elide: Text.ElideRight
+                        color: segment.foreground
+                        font { pixelSize: Theme.fontBody; weight: Font.Medium }
+                    }
+                }
+            }
+            background: FocusRing {
+                anchors.margins: -1
+                around: Theme.radius - 4
+                // A click gives no focus, so this one came from the keyboard.
+                visible: segment.isCurrent && root.activeFocus
+            }
+        }
+    }
+}

@@ -1,0 +1,42 @@
+#include "ui/Theme.h"
+
+#include <QEvent>
+#include <QFont>
+#include <QGuiApplication>
+
+namespace lumaro {
+
+Theme::Theme(QObject *parent)
+    : QObject(parent)
+{
+    followDesktop();
+    qGuiApp->installEventFilter(this);
+}
+
+QString Theme::fontFamily() const
+{
+    return QGuiApplication::font().family();
+}
+
+bool Theme::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::ApplicationPaletteChange && watched == qGuiApp)
+        followDesktop();
+    return false;
+}
+
+void Theme::followDesktop()
+{
+    apply(chooseTheme(qEnvironmentVariable("LUMARO_THEME"), QGuiApplication::palette()));
+}
+
+void Theme::apply(ThemeChoice choice)
+{
+    if (choice == m_choice)
+        return;
+    m_choice = choice;
+    m_colors = choice == ThemeChoice::Dark ? ThemeColors::dark() : ThemeColors::light();
+    Q_EMIT changed();
+}
+
+} // namespace lumaro
