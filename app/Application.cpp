@@ -1,0 +1,74 @@
+#include "app/Application.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QStandardPaths>
+
+#include <clocale>
+
+namespace lumaro {
+
+Application::Folders Application::Folders::standard()
+{
+    const auto folder = [](QStandardPaths::StandardLocation location) {
+        return QString(QStandardPaths::writableLocation(location) + u"/lumaro");
+    };
+    return {folder(QStandardPaths::GenericConfigLocation),
+            folder(QStandardPaths::GenericCacheLocation)};
+}
+
+void Application::prepare()
+{
+    // libmpv draws with OpenGL.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+}
+
+Application::Application(const Folders &folders)
+    : m_defaults(folders.settings)
+    // libmpv requires it, and the application object has just set the user's locale.
+    , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
+    , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
+                m_okVideo})
+    , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
+    , m_transport(m_player)
+    , m_commands(m_player, m_window)
+    , m_channels(m_scheduler)
+    , m_pictureAccess(folders.cache + QStringLiteral("/logos"))
+{
+    m_player.installKeyboardShortcuts();
+    QObject::connect(&m_player, &PlayerModel::playlistChanged, &m_channels,
+                     [this] { m_channels.setEntries(m_player.playlist()); });
+    QObject::connect(&m_commands, &MenuCommands::quitRequested, qGuiApp, &QGuiApplication::quit,
+                     Qt::QueuedConnection);
+}
+
+bool Application::show()
+{
+    m_engine.setNetworkAccessManagerFactory(&m_pictureAccess);
+    m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    const auto object = [](auto &model) { return QVariant::fromValue(&model); };
+    m_engine.setInitialProperties({
+        {QStringLiteral("player"), object(m_player)},
+        {QStringLiteral("mediaPlayer"), object(m_mediaPlayer)},
+        {QStringLiteral("model"), object(m_window)},
+        {QStringLiteral("transport"), object(m_transport)},
+        {QStringLiteral("commands"), object(m_commands)},
+        {QStringLiteral("channels"), object(m_channels)},
+        {QStringLiteral("panels"), object(m_panels)},
+        {QStringLiteral("notifications"), object(m_notifications)},
+    });
+    m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/Main.qml")));
+    return !m_engine.rootObjects().isEmpty();
+}
+
+void Application::open(const QString &fileOrAddress, const QString &workingFolder)
+{
+    m_window.open(fileOrAddress, workingFolder);
+}
+
+void VarnApplicationDelegate::install()
+{
+    qGuiApp->setQuitOnLastWindowClosed(true);
+}
+
+} // namespace lumaro

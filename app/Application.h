@@ -1,0 +1,79 @@
+#pragma once
+
+#include "app/MainWindowModel.h"
+#include "app/MenuCommands.h"
+#include "app/TransportModel.h"
+#include "platform/NotificationCenter.h"
+#include "platform/mpv/MpvMediaPlayer.h"
+#include "platform/qt/BoundedNetworkAccess.h"
+#include "platform/qt/FileUserDefaults.h"
+#include "platform/qt/QtHttpClient.h"
+#include "platform/qt/QtInputMonitor.h"
+#include "platform/qt/QtScheduler.h"
+#include "platform/qt/QuickFilePanels.h"
+#include "player/PlayerModel.h"
+#include "playlist/ChannelListModel.h"
+
+#include <QQmlApplicationEngine>
+
+namespace lumaro {
+
+/// The composition root: makes the platform's adapters and the models, and shows the one main
+/// window. Lives from after the application object until the event loop ends.
+class Application
+{
+public:
+    /// Where the user's settings and the cache are kept.
+    struct Folders
+    {
+        QString settings;
+        QString cache;
+
+        /// Those of the XDG Base Directory Specification.
+        static Folders standard();
+    };
+
+    /// To be called before the application object is made.
+    static void prepare();
+
+    explicit Application(const Folders &folders);
+
+    /// Shows the main window; false when its views cannot be loaded.
+    bool show();
+    /// Opens a file or an address, told relative to `workingFolder`.
+    void open(const QString &fileOrAddress, const QString &workingFolder);
+
+    PlayerModel &player() { return m_player; }
+    MainWindowModel &window() { return m_window; }
+    ChannelListModel &channels() { return m_channels; }
+    QQmlApplicationEngine &engine() { return m_engine; }
+
+private:
+    // In the order of who needs whom; the engine goes first at the end, and with it every view.
+    QtScheduler m_scheduler;
+    NotificationCenter m_notifications;
+    QtHttpClient m_http;
+    FileUserDefaults m_defaults;
+    QuickFilePanels m_panels;
+    QtInputMonitor m_input;
+    MpvMediaPlayer m_mediaPlayer;
+    YouTubePlayerRegistry m_youTube;
+    OKVideoPlayerRegistry m_okVideo;
+    PlayerModel m_player;
+    MainWindowModel m_window;
+    TransportModel m_transport;
+    MenuCommands m_commands;
+    ChannelListModel m_channels;
+    BoundedNetworkAccess m_pictureAccess;
+    QQmlApplicationEngine m_engine;
+};
+
+/// The delegate of the application object's own events: the application quits when its last
+/// window closes.
+class VarnApplicationDelegate
+{
+public:
+    static void install();
+};
+
+} // namespace lumaro

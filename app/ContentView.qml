@@ -1,0 +1,147 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Display
+import Lumaro.Ui
+
+// Everything inside the main window: the picture, and around and over it the sidebar, the
+// controls and the notices.
+FocusScope {
+    id: root
+
+    required property PlayerModel player
+    required property MainWindowModel shell
+    required property TransportModel transport
+    required property MenuCommands commands
+    required property ChannelListModel channels
+    required property NotificationCenter notifications
+    required property Item picture
+
+    readonly property bool hasPicture: player.currentURL.toString() !== "" && shell.pictureNotice === ""
+
+    Item {
+        id: stage
+
+        anchors {
+            fill: parent
+            leftMargin: sidebar.visible ? sidebar.width : 0
+        }
+        clip: true
+
+        PlayerHostingView {
+            id: surface
+
+            anchors.fill: parent
+            focus: true
+            notifications: root.notifications
+            picture: root.picture
+            onFullScreenToggleRequested: root.shell.isFullScreen = !root.shell.isFullScreen
+        }
+
+        PictureStatus {
+            anchors.fill: parent
+            player: root.player
+            shell: root.shell
+            hasPicture: root.hasPicture
+        }
+
+        TopBar {
+            id: topBar
+
+            anchors { left: parent.left; right: parent.right; top: parent.top }
+            shown: root.shell.controlsVisible
+            player: root.player
+            shell: root.shell
+            commands: root.commands
+        }
+
+        ControlBar {
+            id: controlBar
+
+            anchors {
+                bottom: parent.bottom
+                bottomMargin: Theme.spacing * 4
+                horizontalCenter: parent.horizontalCenter
+            }
+            width: Math.min(parent.width - Theme.spacing * 8, 760)
+            shown: root.shell.controlsVisible
+            player: root.player
+            shell: root.shell
+            transport: root.transport
+        }
+
+        Toast {
+            anchors {
+                bottom: controlBar.top
+                bottomMargin: Theme.spacing * 4
+                horizontalCenter: parent.horizontalCenter
+            }
+            text: root.player.toastMessage
+        }
+    }
+
+    Sidebar {
+        id: sidebar
+
+        anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
+        width: Math.min(340, root.width * 0.45)
+        visible: root.shell.sidebarVisible && !root.shell.isFullScreen
+        player: root.player
+        shell: root.shell
+        channels: root.channels
+        onDismissed: surface.forceActiveFocus()
+    }
+
+    Binding {
+        target: root.shell
+        property: "controlsInUse"
+        value: controlBar.inUse || topBar.inUse
+    }
+
+    // A click on the picture ends typing, so that the keys are the player's again.
+    Connections {
+        target: root.notifications
+
+        function onPosted(name: string) {
+            if (name === "Lumaro.playerSurfaceClicked")
+                surface.forceActiveFocus();
+        }
+    }
+
+    HoverHandler { cursorShape: root.shell.cursorHidden ? Qt.BlankCursor : Qt.ArrowCursor }
+
+    Shortcut {
+        sequence: "Escape"
+        enabled: root.shell.isFullScreen
+        onActivated: root.shell.isFullScreen = false
+    }
+    Shortcut {
+        sequence: "F"
+        onActivated: root.shell.isFullScreen = !root.shell.isFullScreen
+    }
+
+    DropArea {
+        id: dropArea
+
+        anchors.fill: parent
+        onDropped: drop => {
+            if (root.shell.openDropped(drop.urls, drop.hasText ? drop.text : ""))
+                drop.accept(Qt.CopyAction);
+        }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: Theme.spacing * 2
+        visible: dropArea.containsDrag
+        radius: Theme.radiusLarge
+        color: Theme.overlay
+        border { width: 2; color: Theme.accent }
+
+        EmptyState {
+            anchors.centerIn: parent
+            onOverlay: true
+            iconName: "open"
+            title: "Drop to play"
+        }
+    }
+}

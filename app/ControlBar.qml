@@ -1,0 +1,167 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Ui
+
+// The transport controls, floating over the picture.
+Rectangle {
+    id: root
+
+    required property PlayerModel player
+    required property MainWindowModel shell
+    required property TransportModel transport
+    property bool shown: true
+    // Further controls, between the volume and the full-screen button.
+    default property alias extras: extraControls.data
+
+    readonly property bool inUse: hover.hovered || seekSlider.pressed || volumeSlider.pressed
+    readonly property bool isCompact: width < 520
+
+    implicitHeight: column.implicitHeight + Theme.spacing * 5
+    radius: Theme.radiusLarge
+    color: Theme.overlay
+    border { width: 1; color: Theme.strokeOnOverlay }
+    opacity: shown ? 1 : 0
+    visible: opacity > 0
+    Behavior on opacity { NumberAnimation { duration: Theme.durationShort } }
+
+    HoverHandler { id: hover }
+    // Presses beside the buttons are not clicks on the picture.
+    MouseArea { anchors.fill: parent }
+
+    Column {
+        id: column
+
+        anchors {
+            left: parent.left; right: parent.right
+            verticalCenter: parent.verticalCenter
+            leftMargin: Theme.spacing * 4; rightMargin: Theme.spacing * 4
+        }
+        spacing: Theme.spacing
+
+        Item {
+            width: parent.width
+            height: Math.max(seekSlider.implicitHeight, 20)
+
+            TimeText {
+                id: positionText
+
+                anchors { left: parent.left; verticalCenter: parent.verticalCenter }
+                text: root.transport.positionText
+            }
+            SeekSlider {
+                id: seekSlider
+
+                anchors {
+                    left: positionText.right; right: endText.left
+                    leftMargin: Theme.spacing * 2; rightMargin: Theme.spacing * 2
+                    verticalCenter: parent.verticalCenter
+                }
+                enabled: root.transport.canSeek
+                live: root.transport.isLive
+                from: root.transport.from
+                to: root.transport.to
+                value: root.transport.position
+                previewText: root.transport.previewText(hoverValue)
+                onCommitted: value => root.player.seek(value)
+                Accessible.name: "Position"
+            }
+            TimeText {
+                id: endText
+
+                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+                text: root.transport.endText
+                isLiveMark: root.transport.isLive
+                isAtLiveEdge: root.transport.isAtLiveEdge
+                onClicked: root.transport.goToLiveEdge()
+            }
+        }
+
+        Item {
+            width: parent.width
+            height: playButton.implicitHeight
+
+            Row {
+                anchors { left: parent.left; verticalCenter: parent.verticalCenter }
+                spacing: Theme.spacing
+
+                IconButton {
+                    onOverlay: true
+                    iconName: root.player.isMuted ? "volume-mute" : root.player.volume < 0.5 ? "volume-low" : "volume-high"
+                    text: root.player.isMuted ? "Unmute" : "Mute"
+                    shortcutText: "Ctrl+M"
+                    onClicked: root.player.toggleMute()
+                }
+                Slider {
+                    id: volumeSlider
+
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: root.isCompact ? 56 : 96
+                    onOverlay: true
+                    from: 0
+                    to: 1
+                    value: root.player.isMuted ? 0 : root.player.volume
+                    onMoved: root.player.setVolume(value)
+                    Accessible.name: "Volume"
+                }
+            }
+
+            Row {
+                anchors.centerIn: parent
+                spacing: Theme.spacing * 2
+
+                IconButton {
+                    anchors.verticalCenter: parent.verticalCenter
+                    onOverlay: true
+                    iconName: "stop"
+                    text: "Stop"
+                    shortcutText: "Ctrl+K"
+                    onClicked: root.player.stop()
+                }
+                IconButton {
+                    anchors.verticalCenter: parent.verticalCenter
+                    onOverlay: true
+                    iconName: "skip-back"
+                    text: "Back 5 Seconds"
+                    shortcutText: "Left"
+                    onClicked: root.player.skip(-5)
+                }
+                IconButton {
+                    id: playButton
+
+                    prominent: true
+                    onOverlay: true
+                    iconName: root.player.isPlaying ? "pause" : "play"
+                    text: root.player.isPlaying ? "Pause" : "Play"
+                    shortcutText: "Space"
+                    onClicked: root.player.togglePlayback()
+                }
+                IconButton {
+                    anchors.verticalCenter: parent.verticalCenter
+                    onOverlay: true
+                    iconName: "skip-forward"
+                    text: "Forward 5 Seconds"
+                    shortcutText: "Right"
+                    onClicked: root.player.skip(5)
+                }
+            }
+
+            Row {
+                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+                spacing: Theme.spacing
+
+                Row {
+                    id: extraControls
+
+                    spacing: Theme.spacing
+                }
+                IconButton {
+                    onOverlay: true
+                    iconName: root.shell.isFullScreen ? "fullscreen-exit" : "fullscreen"
+                    text: root.shell.isFullScreen ? "Exit Full Screen" : "Enter Full Screen"
+                    shortcutText: "F"
+                    onClicked: root.shell.isFullScreen = !root.shell.isFullScreen
+                }
+            }
+        }
+    }
+}

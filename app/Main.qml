@@ -1,0 +1,61 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Platform.Mpv
+import Lumaro.Ui
+
+// The main window: hands the models to its content and follows the full-screen state.
+Window {
+    id: window
+
+    required property PlayerModel player
+    required property MpvMediaPlayer mediaPlayer
+    required property MainWindowModel shell
+    required property TransportModel transport
+    required property MenuCommands commands
+    required property ChannelListModel channels
+    required property QuickFilePanels panels
+    required property NotificationCenter notifications
+
+    property bool wasMaximized: false
+
+    width: 1120
+    height: 700
+    minimumWidth: 560
+    minimumHeight: 360
+    visible: true
+    color: "black"
+    title: player.title
+
+    onVisibilityChanged: shell.isFullScreen = visibility === Window.FullScreen
+
+    Connections {
+        target: window.shell
+
+        function onIsFullScreenChanged() {
+            if (window.shell.isFullScreen === (window.visibility === Window.FullScreen))
+                return;
+            if (window.shell.isFullScreen) {
+                window.wasMaximized = window.visibility === Window.Maximized;
+                window.showFullScreen();
+            } else if (window.wasMaximized) {
+                window.showMaximized();
+            } else {
+                window.showNormal();
+            }
+        }
+    }
+
+    ContentView {
+        anchors.fill: parent
+        focus: true
+        player: window.player
+        shell: window.shell
+        transport: window.transport
+        commands: window.commands
+        channels: window.channels
+        notifications: window.notifications
+        picture: MpvVideoItem { player: window.mediaPlayer }
+    }
+
+    FilePanelHost { panels: window.panels }
+}

@@ -1,0 +1,315 @@
+#include "app/MainWindowModel.h"
+
+#include "platform/NotificationCenter.h"
+#include "platform/UserDefaults.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace lumaro {
+
+namespace {
+
+QString sidebarVisibleKey()
+{
+    return QStringLiteral("Lumaro.MainWindow.SidebarVisible");
+}
+
+/// An HLS playlist is one stream, even from disk; any other M3U text is a list of channels
+/// (RFC 8216, section 4.3: every HLS playlist has one of these tags).
+bool isStreamPlaylist(const QString &path)
+{
+    constexpr qint64 enoughToTell = 64 * 1024;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray start = file.read(enoughToTell);
+    return start.contains("#EXT-X-TARGETDURATION") || start.contains("#EXT-X-STREAM-INF");
+}
+
+bool isChannelList(const QUrl &file)
+{
+    const QString extension = pathExtension(file);
+    return extension == u"m3u" || (extension == u"m3u8" && !isStreamPlaylist(file.toLocalFile()));
+}
+
+/// The name for what an address opens; absent when the field is not shown.
+std::optional<QString> optionalName(bool shown, const QString &name)
+{
+    return shown ? std::optional(name) : std::nullopt;
+}
+
+} // namespace
+
+MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
+                                 Scheduler &scheduler, NotificationCenter &notifications,
+                                 UserDefaults &defaults, QObject *parent)
+    : QObject(parent)
+    , m_player(player)
+    , m_defaults(defaults)
+    , m_autoOpenTask(scheduler)
+    , m_controlsHideTask(scheduler)
+    , m_cursorHideTask(scheduler)
+{
+    m_sidebarVisible = defaults.data(sidebarVisibleKey()) != "false";
+    connect(&notifications, &NotificationCenter::posted, this, &MainWindowModel::observe);
+    connect(&mediaPlayer, &MediaPlayer::itemFailed, this,
+            [this](MediaPlayer::ItemFailure failure) { setPictureNotice(noticeFor(failure)); });
+    connect(&player, &PlayerModel::mediaLoadIDChanged, this,
+            [this] { setPictureNotice(QString()); });
+    connect(&player, &PlayerModel::currentURLChanged, this, [this] {
+        if (m_player.currentURL().isEmpty())
+            setPictureNotice(QString());
+    });
+    connect(&player, &PlayerModel::youtubeContentChanged, this,
+            &MainWindowModel::showWebContentNotice);
+    connect(&player, &PlayerModel::okVideoContentChanged, this,
+            &MainWindowModel::showWebContentNotice);
+    connect(&player, &PlayerModel::isPlayingChanged, this,
+            &MainWindowModel::showFullScreenControls);
+    connect(&player, &PlayerModel::playlistChanged, this, [this] {
+        if (m_player.playlist().isEmpty())
+            return;
+        setSidebarSection(PlayerSidebarSection::network);
+        setSidebarVisible(true);
+    });
+}
+
+void MainWindowModel::setSidebarVisible(bool visible)
+{
+    if (m_sidebarVisible == visible)
+        return;
+    m_sidebarVisible = visible;
+    // A choice that could not be stored is made again next time; nothing is lost.
+    (void)m_defaults.setData(sidebarVisibleKey(), visible ? "true" : "false");
+    Q_EMIT sidebarVisibleChanged();
+}
+
+void MainWindowModel::setSidebarSection(PlayerSidebarSection section)
+{
+    if (m_sidebarSection == section)
+        return;
+    m_sidebarSection = section;
+    Q_EMIT sidebarSectionChanged();
+}
+
+void MainWindowModel::setAddressText(const QString &text)
+{
+    if (m_addressText == text)
+        return;
+    m_addressText = text;
+    Q_EMIT addressTextChanged();
+    scheduleAutomaticOpen(text);
+}
+
+void MainWindowModel::setDisplayName(const QString &name)
+{
+    if (m_displayName == name)
+        return;
+    m_displayName = name;
+    Q_EMIT displayNameChanged();
+}
+
+void MainWindowModel::setDisplayNameShown(bool shown)
+{
+    if (m_displayNameShown == shown)
+        return;
+    m_displayNameShown = shown;
+    Q_EMIT displayNameShownChanged();
+}
+
+void MainWindowModel::setIsFullScreen(bool fullScreen)
+{
+    if (m_isFullScreen == fullScreen)
+        return;
+    m_isFullScreen = fullScreen;
+    if (!fullScreen) {
+        m_cursorHideTask.cancel();
+        setCursorHidden(false);
+    }
+    Q_EMIT isFullScreenChanged();
+    showFullScreenControls();
+}
+
+// Opening
+
+void MainWindowModel::scheduleAutomaticOpen(const QString &text)
+{
+    m_autoOpenTask.cancel();
+    const QString address = normalizedRemoteAddress(text);
+    if (!remoteUrl(address))
+        return;
+    m_autoOpenTask.start(automaticOpenDelay, [this, address] { openAddress(address); });
+}
+
+void MainWindowModel::openAddress(const QString &address)
+{
+    m_player.openRemote(address, optionalName(m_displayNameShown, m_displayName));
+}
+
+void MainWindowModel::openTypedAddress()
+{
+    m_autoOpenTask.cancel();
+    if (!m_addressText.trimmed().isEmpty())
+        openAddress(m_addressText);
+}
+
+void MainWindowModel::clearNetwork()
+{
+    setAddressText(QString());
+    setDisplayName(QString());
+    m_player.clearNetworkStream();
+}
+
+void MainWindowModel::open(const QString &fileOrAddress, const QString &workingFolder)
+{
+    const QUrl url = QUrl::fromUserInput(fileOrAddress, workingFolder, QUrl::AssumeLocalFile);
+    // An address goes on as it was written; only its cleaning decides what it means.
+    if (url.isLocalFile() && !fileOrAddress.trimmed().startsWith(u'<'))
+        openFile(url);
+    else
+        m_player.openRemote(fileOrAddress, std::nullopt);
+}
+
+bool MainWindowModel::openDropped(const QList<QUrl> &urls, const QString &text)
+{
+    if (!urls.isEmpty()) {
+        if (urls.first().isLocalFile())
+            openFile(urls.first());
+        else
+            m_player.openRemote(urls.first().toString(QUrl::FullyEncoded), std::nullopt);
+        return true;
+    }
+    if (text.trimmed().isEmpty())
+        return false;
+    m_player.openRemote(text, std::nullopt);
+    return true;
+}
+
+void MainWindowModel::openFile(const QUrl &file)
+{
+    if (isChannelList(file))
+        m_player.importM3UFile(file, std::nullopt);
+    else
+        m_player.playFile(file);
+}
+
+void MainWindowModel::openFile()
+{
+    m_player.openFile();
+}
+
+void MainWindowModel::importPlaylist()
+{
+    m_player.importLocalM3U(optionalName(m_displayNameShown, m_displayName));
+}
+
+void MainWindowModel::playChannel(int index)
+{
+    const PlaylistEntries &playlist = m_player.playlist();
+    if (index < 0 || index >= playlist.size())
+        return;
+    const PlaylistEntry entry = playlist.at(index);
+    m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
+}
+
+// Controls and pointer
+
+void MainWindowModel::observe(const QString &name, QObject *object)
+{
+    if (name == notification::playerMouseMoved || name == notification::playerSurfaceClicked) {
+        setCursorHidden(false);
+        showFullScreenControls();
+        scheduleCursorHideIfNeeded(object);
+    } else if (name == notification::openLocalM3UTab) {
+        setSidebarSection(PlayerSidebarSection::localM3U);
+        setSidebarVisible(true);
+    }
+}
+
+void MainWindowModel::showFullScreenControls()
+{
+    m_controlsShown = true;
+    updateControlsVisible();
+    m_controlsHideTask.start(controlsHideDelay, [this] {
+        m_controlsShown = false;
+        updateControlsVisible();
+    });
+}
+
+void MainWindowModel::setControlsInUse(bool inUse)
+{
+    if (m_controlsInUse == inUse)
+        return;
+    m_controlsInUse = inUse;
+    Q_EMIT controlsInUseChanged();
+    // Leaving them starts the pause before they go.
+    showFullScreenControls();
+}
+
+bool MainWindowModel::controlsVisible() const
+{
+    return m_controlsVisible;
+}
+
+void MainWindowModel::updateControlsVisible()
+{
+    const bool visible = m_controlsShown || m_controlsInUse || !m_player.isPlaying();
+    if (m_controlsVisible == visible)
+        return;
+    m_controlsVisible = visible;
+    Q_EMIT controlsVisibleChanged();
+}
+
+void MainWindowModel::scheduleCursorHideIfNeeded(QObject *window)
+{
+    m_cursorHideTask.cancel();
+    if (!m_isFullScreen || !window)
+        return;
+    m_cursorHideTask.start(cursorHideDelay, [this, window = QPointer(window)] {
+        if (window && window->property("active").toBool() && !m_controlsInUse)
+            setCursorHidden(true);
+    });
+}
+
+void MainWindowModel::setCursorHidden(bool hidden)
+{
+    if (m_cursorHidden == hidden)
+        return;
+    m_cursorHidden = hidden;
+    Q_EMIT cursorHiddenChanged();
+}
+
+// Over the picture
+
+void MainWindowModel::setPictureNotice(const QString &notice)
+{
+    if (m_pictureNotice == notice)
+        return;
+    m_pictureNotice = notice;
+    Q_EMIT pictureNoticeChanged();
+}
+
+QString MainWindowModel::noticeFor(MediaPlayer::ItemFailure failure) const
+{
+    switch (failure) {
+    case MediaPlayer::ItemFailure::Unreachable:
+        return m_player.currentURL().isLocalFile()
+            ? QStringLiteral("This file cannot be opened. It may have been moved or deleted.")
+            : QStringLiteral("This address does not answer. It may be offline or out of date.");
+    case MediaPlayer::ItemFailure::Unplayable:
+        return QStringLiteral("There is nothing here that Lumaro can play.");
+    case MediaPlayer::ItemFailure::Unsupported:
+        return QStringLiteral("Lumaro does not open addresses of this kind.");
+    }
+    Q_UNREACHABLE();
+}
+
+void MainWindowModel::showWebContentNotice()
+{
+    const bool shown = m_player.youtubeContent() || m_player.okVideoContent();
+    setPictureNotice(shown ? QStringLiteral("This version cannot show this site's own player yet.")
+                           : QString());
+}
+
+} // namespace lumaro

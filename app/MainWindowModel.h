@@ -1,0 +1,132 @@
+#pragma once
+
+#include "platform/DelayedTask.h"
+#include "player/PlayerModel.h"
+
+#include <QObject>
+#include <QPointer>
+
+namespace lumaro {
+
+class NotificationCenter;
+class UserDefaults;
+
+/// What the main window decides beyond the player: what the sidebar shows, when a typed address
+/// opens, when the controls and the pointer hide, what stands over the picture. Main thread.
+class MainWindowModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool sidebarVisible READ sidebarVisible WRITE setSidebarVisible NOTIFY
+                   sidebarVisibleChanged)
+    Q_PROPERTY(PlayerSidebarSection sidebarSection READ sidebarSection WRITE setSidebarSection
+                   NOTIFY sidebarSectionChanged)
+    /// What stands in the address field; a change schedules its automatic opening.
+    Q_PROPERTY(QString addressText READ addressText WRITE setAddressText NOTIFY addressTextChanged)
+    /// The optional movie or playlist name, given to what the address field opens.
+    Q_PROPERTY(QString displayName READ displayName WRITE setDisplayName NOTIFY displayNameChanged)
+    Q_PROPERTY(bool displayNameShown READ displayNameShown WRITE setDisplayNameShown NOTIFY
+                   displayNameShownChanged)
+    Q_PROPERTY(bool isFullScreen READ isFullScreen WRITE setIsFullScreen NOTIFY isFullScreenChanged)
+    /// The controls over the picture are wanted now.
+    Q_PROPERTY(bool controlsVisible READ controlsVisible NOTIFY controlsVisibleChanged)
+    /// The pointer or the keyboard is on the controls, so they must stay.
+    Q_PROPERTY(
+        bool controlsInUse READ controlsInUse WRITE setControlsInUse NOTIFY controlsInUseChanged)
+    Q_PROPERTY(bool cursorHidden READ cursorHidden NOTIFY cursorHiddenChanged)
+    /// One sentence in place of a picture that cannot be shown; empty for none.
+    Q_PROPERTY(QString pictureNotice READ pictureNotice NOTIFY pictureNoticeChanged)
+
+public:
+    enum class PlayerSidebarSection { network, localM3U };
+    Q_ENUM(PlayerSidebarSection)
+
+    static constexpr std::chrono::milliseconds automaticOpenDelay{450};
+    static constexpr std::chrono::milliseconds controlsHideDelay{2500};
+    static constexpr std::chrono::milliseconds cursorHideDelay{2000};
+
+    /// All arguments outlive the model.
+    MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer, Scheduler &scheduler,
+                    NotificationCenter &notifications, UserDefaults &defaults,
+                    QObject *parent = nullptr);
+
+    bool sidebarVisible() const { return m_sidebarVisible; }
+    void setSidebarVisible(bool visible);
+    PlayerSidebarSection sidebarSection() const { return m_sidebarSection; }
+    void setSidebarSection(PlayerSidebarSection section);
+    const QString &addressText() const { return m_addressText; }
+    void setAddressText(const QString &text);
+    const QString &displayName() const { return m_displayName; }
+    void setDisplayName(const QString &name);
+    bool displayNameShown() const { return m_displayNameShown; }
+    void setDisplayNameShown(bool shown);
+    bool isFullScreen() const { return m_isFullScreen; }
+    void setIsFullScreen(bool fullScreen);
+    bool controlsVisible() const;
+    bool controlsInUse() const { return m_controlsInUse; }
+    void setControlsInUse(bool inUse);
+    bool cursorHidden() const { return m_cursorHidden; }
+    const QString &pictureNotice() const { return m_pictureNotice; }
+
+    /// Opens `text` after a pause, unless another call comes first or it is no complete address.
+    void scheduleAutomaticOpen(const QString &text);
+    /// Opens the address field's text at once, complete or not.
+    Q_INVOKABLE void openTypedAddress();
+    /// Forgets the typed address and everything that came from the network.
+    Q_INVOKABLE void clearNetwork();
+
+    Q_INVOKABLE void showFullScreenControls();
+    /// Hides the pointer after a pause in `window` if that is still the key window then.
+    void scheduleCursorHideIfNeeded(QObject *window);
+
+    /// Opens what was dropped or named on the command line: a file or an address.
+    void open(const QString &fileOrAddress, const QString &workingFolder);
+    /// Opens the first of `urls`, else `text`. False when there is nothing to open.
+    Q_INVOKABLE bool openDropped(const QList<QUrl> &urls, const QString &text);
+    Q_INVOKABLE void importPlaylist();
+    Q_INVOKABLE void openFile();
+    /// Plays the channel at `index` of the player's playlist.
+    Q_INVOKABLE void playChannel(int index);
+
+Q_SIGNALS:
+    void sidebarVisibleChanged();
+    void sidebarSectionChanged();
+    void addressTextChanged();
+    void displayNameChanged();
+    void displayNameShownChanged();
+    void isFullScreenChanged();
+    void controlsVisibleChanged();
+    void controlsInUseChanged();
+    void cursorHiddenChanged();
+    void pictureNoticeChanged();
+    /// The user should be able to type an address now.
+    void addressFieldRequested();
+
+private:
+    void observe(const QString &notification, QObject *object);
+    void openFile(const QUrl &file);
+    void openAddress(const QString &address);
+    void updateControlsVisible();
+    void setCursorHidden(bool hidden);
+    void setPictureNotice(const QString &notice);
+    void showWebContentNotice();
+    QString noticeFor(MediaPlayer::ItemFailure failure) const;
+
+    PlayerModel &m_player;
+    UserDefaults &m_defaults;
+    bool m_sidebarVisible = true;
+    PlayerSidebarSection m_sidebarSection = PlayerSidebarSection::network;
+    QString m_addressText;
+    QString m_displayName;
+    bool m_displayNameShown = false;
+    bool m_isFullScreen = false;
+    bool m_controlsShown = true;
+    bool m_controlsInUse = false;
+    bool m_controlsVisible = true;
+    bool m_cursorHidden = false;
+    QString m_pictureNotice;
+    DelayedTask m_autoOpenTask;
+    DelayedTask m_controlsHideTask;
+    DelayedTask m_cursorHideTask;
+};
+
+} // namespace lumaro

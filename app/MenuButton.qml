@@ -1,0 +1,69 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Lumaro.App
+import Lumaro.Ui
+
+// One menu of the application: its title, the pop-up with its commands, and their shortcuts,
+// which work whether or not the menu was ever opened.
+Item {
+    id: root
+
+    required property string title
+    required property list<MenuCommand> commands
+    readonly property bool opened: loader.item ? loader.item.visible : false
+
+    implicitWidth: button.implicitWidth
+    implicitHeight: button.implicitHeight
+
+    function open(): void {
+        loader.active = true;
+        loader.item.popup(root, 0, root.height + Theme.spacing);
+    }
+
+    TextButton {
+        id: button
+
+        onOverlay: true
+        text: root.title
+        down: root.opened
+        onClicked: root.open()
+    }
+
+    Repeater {
+        model: root.commands
+
+        Item {
+            id: shortcutHost
+
+            required property MenuCommand modelData
+
+            Shortcut {
+                sequence: shortcutHost.modelData.shortcut
+                enabled: shortcutHost.modelData.shortcut !== ""
+                onActivated: shortcutHost.modelData.trigger()
+            }
+        }
+    }
+
+    Loader {
+        id: loader
+
+        active: false
+        sourceComponent: Menu {
+            id: menu
+
+            Repeater {
+                model: root.commands
+
+                MenuItem {
+                    required property MenuCommand modelData
+
+                    text: modelData.title
+                    shortcutText: modelData.shortcut
+                    onTriggered: modelData.trigger()
+                }
+            }
+        }
+    }
+}

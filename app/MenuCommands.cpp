@@ -1,0 +1,96 @@
+#include "app/MenuCommands.h"
+
+#include "app/MainWindowModel.h"
+#include "player/PlayerModel.h"
+
+namespace lumaro {
+
+namespace {
+
+std::function<QString()> always(const QString &text)
+{
+    return [text] { return text; };
+}
+
+} // namespace
+
+MenuCommand::MenuCommand(Description description, QObject *parent)
+    : QObject(parent)
+    , m_description(std::move(description))
+{
+}
+
+MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, QObject *parent)
+    : QObject(parent)
+{
+    m_file = {
+        make({always(QStringLiteral("Open Media…")), QStringLiteral("Ctrl+O"),
+              [&window] { window.openFile(); }}),
+        make({always(QStringLiteral("Open Address…")), QStringLiteral("Ctrl+L"),
+              [&window] {
+                  window.setSidebarSection(MainWindowModel::PlayerSidebarSection::network);
+                  window.setSidebarVisible(true);
+                  Q_EMIT window.addressFieldRequested();
+              }}),
+        make({always(QStringLiteral("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),
+              [&window] { window.importPlaylist(); }}),
+        make({.title = always(QStringLiteral("Quit")),
+              .shortcut = QStringLiteral("Ctrl+Q"),
+              .action = [this] { Q_EMIT quitRequested(); },
+              .startsGroup = true}),
+    };
+
+    MenuCommand *playPause =
+        make({[&player] {
+                  return player.isPlaying() ? QStringLiteral("Pause") : QStringLiteral("Play");
+              },
+              {},
+              [&player] { player.togglePlayback(); }});
+    connect(&player, &PlayerModel::isPlayingChanged, playPause, &MenuCommand::titleChanged);
+    m_playback = {playPause,
+                  make({always(QStringLiteral("Stop")), {}, [&player] { player.stop(); }})};
+    for (const int seconds : {5, 20, 60}) {
+        const QString amount = QStringLiteral(" %1 Seconds").arg(seconds);
+        m_playback << make({.title = always(u"Back" + amount),
+                            .shortcut = {},
+                            .action = [&player, seconds] { player.skip(-seconds); },
+                            .startsGroup = seconds == 5})
+                   << make({always(u"Forward" + amount), {}, [&player, seconds] {
+                                player.skip(seconds);
+                            }});
+    }
+    MenuCommand *mute =
+        make({.title =
+                  [&player] {
+                      return player.isMuted() ? QStringLiteral("Unmute") : QStringLiteral("Mute");
+                  },
+              .shortcut = QStringLiteral("Ctrl+M"),
+              .action = [&player] { player.toggleMute(); },
+              .startsGroup = true});
+    connect(&player, &PlayerModel::isMutedChanged, mute, &MenuCommand::titleChanged);
+    m_playback << mute;
+
+    MenuCommand *sidebar =
+        make({[&window] {
+                  return window.sidebarVisible() ? QStringLiteral("Hide Sidebar")
+                                                 : QStringLiteral("Show Sidebar");
+              },
+              QStringLiteral("Ctrl+B"),
+              [&window] { window.setSidebarVisible(!window.sidebarVisible()); }});
+    connect(&window, &MainWindowModel::sidebarVisibleChanged, sidebar, &MenuCommand::titleChanged);
+    MenuCommand *fullScreen = make(
+        {[&window] {
+             return window.isFullScreen() ? QStringLiteral("Exit Full Screen")
+                                          : QStringLiteral("Enter Full Screen");
+         },
+         QStringLiteral("F11"), [&window] { window.setIsFullScreen(!window.isFullScreen()); }});
+    connect(&window, &MainWindowModel::isFullScreenChanged, fullScreen, &MenuCommand::titleChanged);
+    m_view = {sidebar, fullScreen};
+}
+
+MenuCommand *MenuCommands::make(MenuCommand::Description description)
+{
+    return new MenuCommand(std::move(description), this);
+}
+
+} // namespace lumaro

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace lumaro {
+
+class MainWindowModel;
+class PlayerModel;
+
+/// One menu item: its text, its shortcut and what it does.
+class MenuCommand : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    /// In QKeySequence's portable form; empty for none.
+    Q_PROPERTY(QString shortcut READ shortcut CONSTANT)
+    /// Begins a new group of its menu.
+    Q_PROPERTY(bool startsGroup READ startsGroup CONSTANT)
+
+public:
+    struct Description
+    {
+        std::function<QString()> title;
+        QString shortcut;
+        std::function<void()> action;
+        bool startsGroup = false;
+    };
+
+    explicit MenuCommand(Description description, QObject *parent = nullptr);
+
+    QString title() const { return m_description.title(); }
+    const QString &shortcut() const { return m_description.shortcut; }
+    bool startsGroup() const { return m_description.startsGroup; }
+
+    Q_INVOKABLE void trigger() { m_description.action(); }
+
+Q_SIGNALS:
+    void titleChanged();
+
+private:
+    Description m_description;
+};
+
+/// The application's menus. Main thread.
+class MenuCommands : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QList<lumaro::MenuCommand *> file READ file CONSTANT)
+    Q_PROPERTY(QList<lumaro::MenuCommand *> playback READ playback CONSTANT)
+    Q_PROPERTY(QList<lumaro::MenuCommand *> view READ view CONSTANT)
+
+public:
+    /// Both models outlive the commands.
+    MenuCommands(PlayerModel &player, MainWindowModel &window, QObject *parent = nullptr);
+
+    const QList<MenuCommand *> &file() const { return m_file; }
+    const QList<MenuCommand *> &playback() const { return m_playback; }
+    const QList<MenuCommand *> &view() const { return m_view; }
+
+Q_SIGNALS:
+    void quitRequested();
+
+private:
+    MenuCommand *make(MenuCommand::Description description);
+
+    QList<MenuCommand *> m_file;
+    QList<MenuCommand *> m_playback;
+    QList<MenuCommand *> m_view;
+};
+
+} // namespace lumaro

@@ -1,0 +1,130 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Playlist
+import Lumaro.Ui
+
+// The address field with its optional name, the error line, and the channels of the playlist.
+Item {
+    id: root
+
+    required property PlayerModel player
+    required property MainWindowModel shell
+    required property ChannelListModel channels
+    signal dismissed()
+
+    Column {
+        id: form
+
+        anchors {
+            left: parent.left; right: parent.right; top: parent.top
+            leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
+        }
+        spacing: Theme.spacing * 2
+
+        TextField {
+            id: addressField
+
+            width: parent.width
+            iconName: "link"
+            placeholderText: "Stream or playlist address"
+            text: root.shell.addressText
+            onTextEdited: root.shell.addressText = text
+            onCleared: root.shell.addressText = ""
+            onAccepted: {
+                root.shell.openTypedAddress();
+                root.dismissed();
+            }
+            Keys.onEscapePressed: root.dismissed()
+            Accessible.name: "Stream or playlist address"
+        }
+
+        TextField {
+            width: parent.width
+            visible: root.shell.displayNameShown
+            iconName: "edit"
+            placeholderText: "Movie or playlist name"
+            text: root.shell.displayName
+            onTextEdited: root.shell.displayName = text
+            onCleared: root.shell.displayName = ""
+            onAccepted: root.shell.openTypedAddress()
+            Keys.onEscapePressed: root.dismissed()
+            Accessible.name: "Movie or playlist name"
+        }
+
+        Item {
+            width: parent.width
+            height: actions.implicitHeight
+
+            Row {
+                id: actions
+
+                spacing: Theme.spacing
+
+                IconButton {
+                    iconName: root.shell.displayNameShown ? "chevron-down" : "plus"
+                    text: root.shell.displayNameShown ? "Hide movie or playlist name"
+                                                      : "Add an optional movie or playlist name"
+                    onClicked: root.shell.displayNameShown = !root.shell.displayNameShown
+                }
+                IconButton {
+                    iconName: "import"
+                    text: "Import M3U Playlist…"
+                    shortcutText: "Ctrl+I"
+                    onClicked: root.shell.importPlaylist()
+                }
+                IconButton {
+                    iconName: "trash"
+                    text: "Clear address, channels and stream"
+                    enabled: root.shell.addressText !== "" || root.channels.count > 0
+                             || root.player.currentURL.toString() !== ""
+                    onClicked: root.shell.clearNetwork()
+                }
+            }
+            BusyIndicator {
+                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+                size: 20
+                running: root.player.isLoading
+                visible: running
+            }
+        }
+
+        ErrorLine {
+            width: parent.width
+            visible: text !== ""
+            text: root.player.errorMessage
+        }
+    }
+
+    ChannelListView {
+        anchors {
+            left: parent.left; right: parent.right
+            top: form.bottom; bottom: parent.bottom
+            topMargin: Theme.spacing * 2
+        }
+        visible: root.channels.count > 0
+        channels: root.channels
+        onChannelActivated: index => root.shell.playChannel(index)
+        onDismissed: root.dismissed()
+    }
+
+    EmptyState {
+        anchors {
+            left: parent.left; right: parent.right
+            verticalCenter: parent.verticalCenter
+            margins: Theme.spacing * 6
+        }
+        visible: root.channels.count === 0 && !root.player.isLoading
+        iconName: "tv"
+        title: "No channels"
+        text: "Paste the address of an IPTV playlist, or import an M3U file."
+    }
+
+    Connections {
+        target: root.shell
+
+        function onAddressFieldRequested() {
+            addressField.forceActiveFocus(Qt.ShortcutFocusReason);
+            addressField.selectAll();
+        }
+    }
+}

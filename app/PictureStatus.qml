@@ -1,0 +1,88 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Ui
+
+// What stands over the picture in place of it or above it: the welcome, the one calm sentence,
+// waiting, loading, and the error line while the sidebar is away.
+Item {
+    id: root
+
+    required property PlayerModel player
+    required property MainWindowModel shell
+    required property bool hasPicture
+
+    readonly property bool isIdle: player.currentURL.toString() === "" && shell.pictureNotice === ""
+
+    Loader {
+        anchors.centerIn: parent
+        width: Math.min(parent.width - Theme.spacing * 12, 420)
+        active: root.isIdle && !root.player.isLoading
+        sourceComponent: EmptyState {
+            onOverlay: true
+            iconName: "film"
+            title: "Nothing is playing"
+            text: "Open a file, paste an address, or drop either of them here."
+            buttonText: "Open Media…"
+            onButtonClicked: root.shell.openFile()
+        }
+    }
+
+    Loader {
+        anchors.centerIn: parent
+        width: Math.min(parent.width - Theme.spacing * 12, 420)
+        active: root.shell.pictureNotice !== ""
+        sourceComponent: EmptyState {
+            onOverlay: true
+            iconName: "alert"
+            title: root.player.title
+            text: root.shell.pictureNotice
+        }
+    }
+
+    Loader {
+        anchors.centerIn: parent
+        active: root.player.isBuffering || (root.player.isLoading && root.isIdle)
+        sourceComponent: Column {
+            spacing: Theme.spacing * 3
+
+            BusyIndicator {
+                anchors.horizontalCenter: parent.horizontalCenter
+                onOverlay: true
+                running: true
+            }
+            Text {
+                anchors.horizontalCenter: parent.horizontalCenter
+                text: root.player.isBuffering ? "Buffering…" : "Loading playlist…"
+                color: Theme.textOnOverlay
+                font.pixelSize: Theme.fontBody
+            }
+        }
+    }
+
+    Loader {
+        anchors {
+            top: parent.top
+            topMargin: 64
+            horizontalCenter: parent.horizontalCenter
+        }
+        width: Math.min(parent.width - Theme.spacing * 8, 560)
+        active: root.player.errorMessage !== "" && (!root.shell.sidebarVisible || root.shell.isFullScreen)
+        sourceComponent: Rectangle {
+            implicitHeight: message.implicitHeight + Theme.spacing * 4
+            radius: Theme.radius
+            color: Theme.overlay
+
+            ErrorLine {
+                id: message
+
+                anchors {
+                    left: parent.left; right: parent.right
+                    verticalCenter: parent.verticalCenter
+                    margins: Theme.spacing * 3
+                }
+                onOverlay: true
+                text: root.player.errorMessage
+            }
+        }
+    }
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "app/MainWindowModel.h"
+#include "app/MenuCommands.h"
+#include "app/TransportModel.h"
+#include "platform/NotificationCenter.h"
+#include "platform/qt/QuickFilePanels.h"
+#include "player/PlayerModel.h"
+#include "playlist/ChannelListModel.h"
+
+#include <QtQml/qqmlregistration.h>
+
+/// Makes the models known to the views by name; the models themselves know nothing of QML.
+namespace lumaro {
+
+struct ChannelListModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::ChannelListModel)
+    QML_NAMED_ELEMENT(ChannelListModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct MainWindowModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::MainWindowModel)
+    QML_NAMED_ELEMENT(MainWindowModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct MenuCommandForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::MenuCommand)
+    QML_NAMED_ELEMENT(MenuCommand)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct MenuCommandsForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::MenuCommands)
+    QML_NAMED_ELEMENT(MenuCommands)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct NotificationCenterForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::NotificationCenter)
+    QML_NAMED_ELEMENT(NotificationCenter)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct PlayerModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::PlayerModel)
+    QML_NAMED_ELEMENT(PlayerModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct QuickFilePanelsForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::QuickFilePanels)
+    QML_NAMED_ELEMENT(QuickFilePanels)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct TransportModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::TransportModel)
+    QML_NAMED_ELEMENT(TransportModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+} // namespace lumaro

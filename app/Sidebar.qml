@@ -1,0 +1,64 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Ui
+
+// The panel beside the picture, with its two sections.
+Rectangle {
+    id: root
+
+    required property PlayerModel player
+    required property MainWindowModel shell
+    required property ChannelListModel channels
+    // The user is done typing here.
+    signal dismissed()
+
+    color: Theme.background
+
+    Rectangle {
+        anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
+        width: 1
+        color: Theme.stroke
+    }
+
+    SegmentedControl {
+        id: sections
+
+        anchors {
+            left: parent.left; right: parent.right; top: parent.top
+            margins: Theme.spacing * 3
+        }
+        model: [
+            { "text": "Network", "iconName": "link" },
+            { "text": "Local M3U", "iconName": "library" }
+        ]
+        currentIndex: root.shell.sidebarSection
+        onActivated: index => root.shell.sidebarSection = index
+    }
+
+    NetworkSection {
+        anchors {
+            left: parent.left; right: parent.right
+            top: sections.bottom; bottom: parent.bottom
+            topMargin: Theme.spacing * 3
+        }
+        visible: root.shell.sidebarSection === MainWindowModel.network
+        player: root.player
+        shell: root.shell
+        channels: root.channels
+        onDismissed: root.dismissed()
+    }
+
+    Loader {
+        anchors {
+            left: parent.left; right: parent.right
+            verticalCenter: parent.verticalCenter
+            margins: Theme.spacing * 6
+        }
+        active: root.shell.sidebarSection === MainWindowModel.localM3U
+        sourceComponent: EmptyState {
+            iconName: "library"
+            title: "Local M3U"
+            text: "No local M3U8 links yet. Choose an M3U file or click + to add a link."
+        }
+    }
+}

@@ -1,0 +1,393 @@
+#include "app/MenuCommands.h"
+#include "tests/app/ShellWorld.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace std::chrono_literals;
+using namespace Qt::Literals::StringLiterals;
+using namespace lumaro;
+
+using Section = MainWindowModel::PlayerSidebarSection;
+
+namespace {
+
+/// A window as far as the pointer's hiding is concerned.
+class FakeWindow : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool active MEMBER active)
+
+public:
+    bool active = true;
+};
+
+} // namespace
+
+class MainWindowModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_world = std::make_unique<ShellWorld>(); }
+    void cleanup() { m_world.reset(); }
+
+    void opensTypedAddressAfterAPause();
+    void neverOpensWithoutAScheme();
+    void enterOpensAtOnce();
+    void passesTheOptionalName_data();
+    void passesTheOptionalName();
+    void clearForgetsThePendingOpen();
+
+    void controlsHideAfterTheLastShow();
+    void controlsStay_data();
+    void controlsStay();
+    void pointerHidesInFullScreen();
+
+    void opensWhatItIsGiven_data();
+    void opensWhatItIsGiven();
+    void dropsPreferFiles();
+    void playsAChannel();
+
+    void sidebarFollowsEvents();
+    void remembersTheSidebar();
+    void explainsMissingPictures_data();
+    void explainsMissingPictures();
+    void noticeGoesWithItsCause();
+    void menusFollowTheState();
+
+private:
+    void post(const char16_t *name, QObject *object = nullptr)
+    {
+        m_world->notifications.post(QString::fromUtf16(name), object);
+    }
+    QStringList opened() const { return m_world->mediaPlayer.log.filter(u"load"_s); }
+
+    std::unique_ptr<ShellWorld> m_world;
+};
+
+void MainWindowModelTest::opensTypedAddressAfterAPause()
+{
+    const QString address = u"https://host/a.m3u8"_s;
+    for (qsizetype length = 1; length <= address.size(); ++length) {
+        m_world->shell.setAddressText(address.first(length));
+        m_world->scheduler.advance(449ms);
+    }
+    QCOMPARE(opened(), QStringList());
+    m_world->scheduler.advance(1ms);
+    QCOMPARE(opened(), QStringList{u"load https://host/a.m3u8"_s});
+    QVERIFY(m_world->player.isLiveStream());
+    m_world->scheduler.advance(10s);
+    QCOMPARE(opened().size(), 1);
+}
+
+void MainWindowModelTest::neverOpensWithoutAScheme()
+{
+    m_world->shell.setAddressText(u"https://host/a.m3u8"_s);
+    // The edit replaces the address that was about to open.
+    m_world->shell.setAddressText(u"host/a.m3u8"_s);
+    m_world->scheduler.advance(10s);
+    QCOMPARE(opened(), QStringList());
+    QCOMPARE(m_world->player.errorMessage(), QString());
+}
+
+void MainWindowModelTest::enterOpensAtOnce()
+{
+    m_world->shell.setAddressText(u"http://host/a.mp4"_s);
+    m_world->shell.openTypedAddress();
+    QCOMPARE(opened().size(), 1);
+    m_world->scheduler.advance(10s);
+    QCOMPARE(opened().size(), 1);
+
+    m_world->shell.setAddressText(u"nonsense"_s);
+    m_world->shell.openTypedAddress();
+    QCOMPARE(m_world->player.errorMessage(), u"Enter a valid HTTP or HTTPS address."_s);
+}
+
+void MainWindowModelTest::passesTheOptionalName_data()
+{
+    QTest::addColumn<bool>("shown");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("shown") << true << u"My film"_s;
+    QTest::newRow("hidden") << false << u"Lumaro"_s;
+}
+
+void MainWindowModelTest::passesTheOptionalName()
+{
+    QFETCH(const bool, shown);
+    m_world->shell.setDisplayNameShown(shown);
+    m_world->shell.setAddressText(u"http://host/a.mp4"_s);
+    // Typed while the address already waits.
+    m_world->shell.setDisplayName(u" My film "_s);
+    m_world->scheduler.advance(450ms);
+    QTEST(m_world->player.title(), "title");
+}
+
+void MainWindowModelTest::clearForgetsThePendingOpen()
+{
+    m_world->shell.setAddressText(u"http://host/a.mp4"_s);
+    m_world->shell.clearNetwork();
+    m_world->scheduler.advance(10s);
+    QCOMPARE(opened(), QStringList());
+    QCOMPARE(m_world->shell.addressText(), QString());
+}
+
+void MainWindowModelTest::controlsHideAfterTheLastShow()
+{
+    m_world->player.playFile(QUrl::fromLocalFile(u"/a.mp4"_s));
+    m_world->scheduler.advance(2s);
+    m_world->shell.showFullScreenControls();
+    m_world->scheduler.advance(2499ms);
+    QVERIFY(m_world->shell.controlsVisible());
+    m_world->scheduler.advance(1ms);
+    QVERIFY(!m_world->shell.controlsVisible());
+
+    for (const char16_t *event :
+         {notification::playerMouseMoved, notification::playerSurfaceClicked}) {
+        post(event);
+        QVERIFY(m_world->shell.controlsVisible());
+        m_world->scheduler.advance(2500ms);
+        QVERIFY(!m_world->shell.controlsVisible());
+    }
+}
+
+void MainWindowModelTest::controlsStay_data()
+{
+    QTest::addColumn<bool>("inUse");
+    QTest::addColumn<bool>("paused");
+    QTest::newRow("in use") << true << false;
+    QTest::newRow("nothing plays") << false << true;
+}
+
+void MainWindowModelTest::controlsStay()
+{
+    QFETCH(const bool, inUse);
+    QFETCH(const bool, paused);
+    m_world->player.playFile(QUrl::fromLocalFile(u"/a.mp4"_s));
+    m_world->shell.setControlsInUse(inUse);
+    if (paused)
+        m_world->player.togglePlayback();
+    m_world->scheduler.advance(1min);
+    QVERIFY(m_world->shell.controlsVisible());
+
+    m_world->shell.setControlsInUse(false);
+    if (paused)
+        m_world->player.togglePlayback();
+    m_world->scheduler.advance(2500ms);
+    QVERIFY(!m_world->shell.controlsVisible());
+}
+
+void MainWindowModelTest::pointerHidesInFullScreen()
+{
+    FakeWindow window;
+    post(notification::playerMouseMoved, &window);
+    m_world->scheduler.advance(1min);
+    QVERIFY2(!m_world->shell.cursorHidden(), "hidden outside full screen");
+
+    m_world->shell.setIsFullScreen(true);
+    post(notification::playerMouseMoved, &window);
+    m_world->scheduler.advance(1999ms);
+    post(notification::playerMouseMoved, &window);
+    m_world->scheduler.advance(1999ms);
+    QVERIFY(!m_world->shell.cursorHidden());
+    m_world->scheduler.advance(1ms);
+    QVERIFY(m_world->shell.cursorHidden());
+    post(notification::playerMouseMoved, &window);
+    QVERIFY(!m_world->shell.cursorHidden());
+
+    window.active = false;
+    m_world->scheduler.advance(1min);
+    QVERIFY2(!m_world->shell.cursorHidden(), "hidden over another window");
+
+    window.active = true;
+    post(notification::playerMouseMoved, &window);
+    m_world->scheduler.advance(2s);
+    m_world->shell.setIsFullScreen(false);
+    QVERIFY(!m_world->shell.cursorHidden());
+}
+
+void MainWindowModelTest::opensWhatItIsGiven_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QByteArray>("content"); // of the file named by the argument, if any
+    QTest::addColumn<QString>("outcome");
+    const QByteArray channels("#EXTM3U\n#EXTINF:-1,One\nhttp://h/1.ts\n");
+    const QByteArray stream("#EXTM3U\n#EXT-X-TARGETDURATION:2\n#EXTINF:2,\na.ts\n");
+    QTest::newRow("film") << u"a film.mp4"_s << QByteArray("x") << u"play a film.mp4"_s;
+    QTest::newRow("channel list") << u"list.M3U"_s << channels << u"import"_s;
+    QTest::newRow("channel list as m3u8") << u"list.m3u8"_s << channels << u"import"_s;
+    QTest::newRow("stream from disk") << u"hls.m3u8"_s << stream << u"play hls.m3u8"_s;
+    QTest::newRow("missing file") << u"gone.mp4"_s << QByteArray() << u"play gone.mp4"_s;
+    QTest::newRow("address") << u"http://h/live.m3u8"_s << QByteArray() << u"play Lumaro"_s;
+    QTest::newRow("address in brackets")
+        << u"<http://h/live.m3u8>"_s << QByteArray() << u"play Lumaro"_s;
+    QTest::newRow("address of another kind")
+        << u"ftp://h/a.mp4"_s << QByteArray() << u"Enter a valid HTTP or HTTPS address."_s;
+}
+
+void MainWindowModelTest::opensWhatItIsGiven()
+{
+    QFETCH(const QString, argument);
+    QFETCH(const QByteArray, content);
+    const QTemporaryDir folder;
+    if (!content.isEmpty()) {
+        QFile file(folder.filePath(argument));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+    m_world->shell.open(argument, folder.path());
+
+    PlayerModel &player = m_world->player;
+    QString outcome = player.errorMessage();
+    if (player.isLoading())
+        outcome = u"import"_s;
+    else if (!player.currentURL().isEmpty())
+        outcome = u"play "_s + player.title();
+    QTEST(outcome, "outcome");
+}
+
+void MainWindowModelTest::dropsPreferFiles()
+{
+    QVERIFY(m_world->shell.openDropped({QUrl::fromLocalFile(u"/a.mp4"_s)}, u"file:///a.mp4"_s));
+    QCOMPARE(m_world->player.title(), u"a.mp4"_s);
+    QVERIFY(m_world->shell.openDropped({}, u" https://h/live.m3u8 "_s));
+    QVERIFY(m_world->player.isLiveStream());
+    QVERIFY(m_world->shell.openDropped({QUrl(u"https://h/b.mp4"_s)}, {}));
+    QVERIFY(!m_world->player.isLiveStream());
+    QVERIFY(!m_world->shell.openDropped({}, u" \n"_s));
+}
+
+void MainWindowModelTest::playsAChannel()
+{
+    const QUrl list(u"http://h/list.m3u"_s);
+    m_world->player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200,
+                          "#EXTINF:-1,One\nlive.m3u8\n#EXTINF:-1,Two\nhttp://h/two.ts\n");
+    m_world->scheduler.runBackground();
+
+    m_world->shell.playChannel(0);
+    QCOMPARE(m_world->player.title(), u"One"_s);
+    QVERIFY(m_world->player.isLiveStream());
+    m_world->shell.playChannel(1);
+    QCOMPARE(m_world->player.title(), u"Two"_s);
+    QVERIFY(!m_world->player.isLiveStream());
+    m_world->shell.playChannel(2);
+    m_world->shell.playChannel(-1);
+    QCOMPARE(m_world->player.title(), u"Two"_s);
+}
+
+void MainWindowModelTest::sidebarFollowsEvents()
+{
+    MainWindowModel &shell = m_world->shell;
+    shell.setSidebarVisible(false);
+    post(notification::openLocalM3UTab);
+    QVERIFY(shell.sidebarVisible());
+    QCOMPARE(shell.sidebarSection(), Section::localM3U);
+
+    // Channels that have just arrived are worth seeing.
+    shell.setSidebarVisible(false);
+    const QUrl list(u"http://h/list.m3u"_s);
+    m_world->player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200, "http://h/1.ts\n");
+    m_world->scheduler.runBackground();
+    QVERIFY(shell.sidebarVisible());
+    QCOMPARE(shell.sidebarSection(), Section::network);
+}
+
+void MainWindowModelTest::remembersTheSidebar()
+{
+    QVERIFY(m_world->shell.sidebarVisible());
+    m_world->shell.setSidebarVisible(false);
+    const MainWindowModel next(m_world->player, m_world->mediaPlayer, m_world->scheduler,
+                               m_world->notifications, m_world->defaults);
+    QVERIFY(!next.sidebarVisible());
+}
+
+void MainWindowModelTest::explainsMissingPictures_data()
+{
+    QTest::addColumn<QUrl>("url");
+    QTest::addColumn<MediaPlayer::ItemFailure>("failure");
+    QTest::addColumn<QString>("notice");
+    const QUrl file = QUrl::fromLocalFile(u"/a.mp4"_s);
+    const QUrl stream(u"http://h/a.m3u8"_s);
+    using Failure = MediaPlayer::ItemFailure;
+    QTest::newRow("file gone")
+        << file << Failure::Unreachable
+        << u"This file cannot be opened. It may have been moved or deleted."_s;
+    QTest::newRow("stream gone")
+        << stream << Failure::Unreachable
+        << u"This address does not answer. It may be offline or out of date."_s;
+    QTest::newRow("no media") << stream << Failure::Unplayable
+                              << u"There is nothing here that Lumaro can play."_s;
+    QTest::newRow("other scheme") << QUrl(u"edl://x"_s) << Failure::Unsupported
+                                  << u"Lumaro does not open addresses of this kind."_s;
+}
+
+void MainWindowModelTest::explainsMissingPictures()
+{
+    QFETCH(const QUrl, url);
+    QFETCH(const MediaPlayer::ItemFailure, failure);
+    m_world->player.play(url, u"x"_s, false);
+    Q_EMIT m_world->mediaPlayer.itemFailed(failure);
+    QTEST(m_world->shell.pictureNotice(), "notice");
+    QCOMPARE(m_world->player.errorMessage(), QString());
+}
+
+void MainWindowModelTest::noticeGoesWithItsCause()
+{
+    MainWindowModel &shell = m_world->shell;
+    const QUrl stream(u"http://h/a.m3u8"_s);
+    m_world->player.play(stream, u"x"_s, true);
+    Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
+    m_world->player.play(stream, u"x"_s, true);
+    QCOMPARE(shell.pictureNotice(), QString());
+
+    Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
+    m_world->player.stop();
+    QCOMPARE(shell.pictureNotice(), QString());
+
+    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
+    QVERIFY(!shell.pictureNotice().isEmpty());
+    m_world->player.play(stream, u"x"_s, true);
+    QCOMPARE(shell.pictureNotice(), QString());
+}
+
+void MainWindowModelTest::menusFollowTheState()
+{
+    MenuCommands commands(m_world->player, m_world->shell);
+    const auto titles = [](const QList<MenuCommand *> &menu) {
+        QStringList list;
+        for (const MenuCommand *command : menu)
+            list << command->title() + u" "_s + command->shortcut();
+        return list;
+    };
+    QCOMPARE(titles(commands.playback()),
+             (QStringList{u"Play "_s, u"Stop "_s, u"Back 5 Seconds "_s, u"Forward 5 Seconds "_s,
+                          u"Back 20 Seconds "_s, u"Forward 20 Seconds "_s, u"Back 60 Seconds "_s,
+                          u"Forward 60 Seconds "_s, u"Mute Ctrl+M"_s}));
+    QCOMPARE(titles(commands.file()).first(), u"Open Media… Ctrl+O"_s);
+
+    MenuCommand *playPause = commands.playback().first();
+    QSignalSpy changes(playPause, &MenuCommand::titleChanged);
+    m_world->player.playFile(QUrl::fromLocalFile(u"/a.mp4"_s));
+    QCOMPARE(playPause->title(), u"Pause"_s);
+    m_world->player.stop();
+    QCOMPARE(playPause->title(), u"Play"_s);
+    QCOMPARE(changes.count(), 2);
+
+    m_world->player.playFile(QUrl::fromLocalFile(u"/a.mp4"_s));
+    m_world->mediaPlayer.time = 100;
+    m_world->mediaPlayer.length = 1000;
+    m_world->mediaPlayer.tick();
+    m_world->mediaPlayer.log.clear();
+    for (MenuCommand *command : commands.playback())
+        command->trigger();
+    QCOMPARE(m_world->mediaPlayer.log,
+             (QStringList{u"pause"_s, u"pause"_s, u"remove"_s, u"mute"_s}));
+    QCOMPARE(commands.playback().last()->title(), u"Unmute"_s);
+}
+
+QTEST_GUILESS_MAIN(MainWindowModelTest)
+#include "tst_mainwindowmodel.moc"
