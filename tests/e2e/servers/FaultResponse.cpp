@@ -1,0 +1,111 @@
+#include "tests/e2e/servers/FaultResponse.h"
+
+#include <algorithm>
+
+#include <zlib.h>
+
+namespace lumaro {
+
+namespace {
+
+constexpr qint64 blockSize = 1 << 20;
+
+qint64 blocksFor(qint64 size)
+{
+    return size == RepeatedBody::endless ? RepeatedBody::endless
+                                         : (size + blockSize - 1) / blockSize;
+}
+
+/// `block` as DEFLATE data that ends on a byte border and refers to nothing before it, so that it
+/// may follow itself (RFC 1951 section 3.2.3).
+QByteArray deflatedBlock(const QByteArray &block)
+{
+    z_stream stream{};
+    constexpr int rawDeflate = -MAX_WBITS;
+    if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, rawDeflate, 9, Z_DEFAULT_STRATEGY)
+        != Z_OK)
+        return {};
+    QByteArray input = block;
+    QByteArray output(qsizetype(deflateBound(&stream, uLong(block.size()))) + 16, '\0');
+    stream.next_in = reinterpret_cast<Bytef *>(input.data());
+    stream.avail_in = uInt(input.size());
+    stream.next_out = reinterpret_cast<Bytef *>(output.data());
+    stream.avail_out = uInt(output.size());
+    const int result = deflate(&stream, Z_FULL_FLUSH);
+    output.truncate(output.size() - qsizetype(stream.avail_out));
+    deflateEnd(&stream);
+    return result == Z_OK ? output : QByteArray();
+}
+
+void appendLittleEndian(QByteArray &bytes, quint32 value)
+{
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes.append(char(value >> shift & 0xff));
+}
+
+/// The end of the last block, then the gzip trailer (RFC 1952 section 2.3.1).
+QByteArray gzipTail(const QByteArray &block, qint64 times)
+{
+    const uLong blockSum =
+        crc32(0, reinterpret_cast<const Bytef *>(block.constData()), uInt(block.size()));
+    uLong sum = crc32(0, nullptr, 0);
+    for (qint64 i = 0; i < times; ++i)
+        sum = crc32_combine(sum, blockSum, z_off_t(block.size()));
+    QByteArray tail = QByteArrayLiteral("\x03\x00");
+    appendLittleEndian(tail, quint32(sum));
+    appendLittleEndian(tail, quint32(times * block.size()));
+    return tail;
+}
+
+} // namespace
+
+qint64 RepeatedBody::size() const
+{
+    return times == endless ? endless : head.size() + times * part.size() + tail.size();
+}
+
+QByteArray RepeatedBody::read(qint64 offset, qint64 count) const
+{
+    if (offset < head.size())
+        return head.mid(offset, count);
+    offset -= head.size();
+    if (times == endless || offset < times * part.size())
+        return part.mid(offset % part.size(), count);
+    return tail.mid(offset - times * part.size(), count);
+}
+
+FaultResponse FaultResponse::of(const QByteArray &contentType, const QByteArray &body)
+{
+    FaultResponse response;
+    response.contentType = contentType;
+    response.body.head = body;
+    return response;
+}
+
+FaultResponse FaultResponse::longLine(qint64 size)
+{
+    FaultResponse response = of("audio/x-mpegurl", "#EXTM3U\n#EXTINF:-1,");
+    response.body.part = QByteArray(blockSize, 'x');
+    response.body.times = blocksFor(size);
+    if (size == RepeatedBody::endless)
+        response.framing = Framing::UntilClose;
+    return response;
+}
+
+FaultResponse FaultResponse::gzipBomb(qint64 inflatedSize)
+{
+    const QByteArray block(blockSize, '\n');
+    FaultResponse response = of("audio/x-mpegurl", "\x1f\x8b");
+    // DEFLATE, no flags, no time, slowest compression, unknown system (RFC 1952 section 2.3).
+    response.body.head += QByteArrayLiteral("\x08\x00\x00\x00\x00\x00\x02\xff");
+    response.body.part = deflatedBlock(block);
+    response.body.times = blocksFor(inflatedSize);
+    if (inflatedSize == RepeatedBody::endless)
+        response.framing = Framing::UntilClose;
+    else
+        response.body.tail = gzipTail(block, response.body.times);
+    response.headers.emplaceBack("Content-Encoding", "gzip");
+    return response;
+}
+
+} // namespace lumaro

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include <expected>
+
+namespace lumaro {
+
+enum class Fixture {
+    Movie, ///< MP4, 60 s of a moving test picture, 1280x720 at 30 frames a second, and a tone
+    SolidColor, ///< MP4, 10 s of nothing but MediaFixtures::solidColor, 1280x720
+    Matroska, ///< MKV, 10 s of a moving test picture and a tone
+    AudioOnly, ///< M4A, 10 s of a tone
+    TruncatedMovie, ///< the first half of Movie: plays until the data ends
+    TruncatedIndex, ///< so little of Movie that its index is incomplete: nothing plays
+    RandomBytes, ///< named MP4, but noise
+    Hls, ///< multivariant playlist of a finished stream, 20 s in MPEG-TS segments of 2 s
+    FragmentedHls, ///< the same with fragmented MP4 segments
+    FullHdMovie, ///< as Movie, but 1920x1080 and 75 s
+};
+
+/// Test media, made with ffmpeg when first asked for and then kept. The same recipe gives the same
+/// bytes; a changed recipe gives a new file. Several processes may share a folder.
+class MediaFixtures
+{
+public:
+    /// RGB of Fixture::SolidColor's picture.
+    static constexpr unsigned solidColor = 0x2060c0;
+
+    /// `cacheFolder` is made when missing.
+    explicit MediaFixtures(const QString &cacheFolder);
+
+    /// The file's absolute path; the stream's other files lie beside and below it. May block for
+    /// seconds. The error is an English sentence with what ffmpeg said.
+    std::expected<QString, QString> path(Fixture fixture) const;
+
+private:
+    QString m_cacheFolder;
+};
+
+} // namespace lumaro
