@@ -1,0 +1,55 @@
+# Sourced by the root's commands: installs what is missing, by package name.
+# shellcheck shell=bash
+
+run_packages=(
+    libgl1-mesa-dri fonts-inter
+    qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
+    qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qtquick-layouts
+    qml6-module-qtqml-workerscript qml6-module-qt-labs-folderlistmodel
+    qt6-qpa-plugins qt6-wayland libqt6svg6
+)
+build_packages=(
+    g++ cmake ninja-build ccache pkg-config
+    qt6-base-dev qt6-declarative-dev libqt6svg6-dev libgl-dev qcoro-qt6-dev libmpv-dev
+)
+test_packages=(
+    clang-format-19 clang-tidy-19 xvfb xdotool imagemagick nginx-light ffmpeg
+)
+bench_packages=(mpv libx11-dev libxext-dev nodejs)
+
+# need_packages NAME…: installs those that are not there yet, and says which.
+need_packages() {
+    local missing=() name
+    for name in "$@"; do
+        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'install ok installed' \
+            || missing+=("$name")
+    done
+    ((${#missing[@]} == 0)) && return
+    echo "Installing ${#missing[@]} packages: ${missing[*]}"
+    local as_root=()
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null || {
+            echo "Installing them needs root: apt-get install ${missing[*]}" >&2
+            exit 1
+        }
+        as_root=(sudo)
+    fi
+    "${as_root[@]}" apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [TARGET…]: configures once, then builds what changed.
+build() {
+    local preset=$1
+    shift
+    if [[ ! -f build/$preset/build.ninja ]]; then
+        echo "Configuring build/$preset"
+        cmake --preset "$preset" >"/tmp/lumaro-configure.$$" 2>&1 || {
+            cat "/tmp/lumaro-configure.$$" >&2
+            exit 1
+        }
+        rm -f "/tmp/lumaro-configure.$$"
+    fi
+    cmake --build --preset "$preset" ${1:+--target "$@"}
+}
