@@ -1,5 +1,7 @@
 #include "app/Application.h"
 
+#include "ui/Style.h"
+
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QStandardPaths>
@@ -38,19 +40,22 @@ Application::Application(const Folders &folders)
     m_player.installKeyboardShortcuts();
     QObject::connect(&m_player, &PlayerModel::playlistChanged, &m_channels,
                      [this] { m_channels.setEntries(m_player.playlist()); });
+    QObject::connect(&m_window, &MainWindowModel::currentChannelChanged, &m_channels,
+                     [this] { m_channels.setCurrentEntry(m_window.currentChannel()); });
     QObject::connect(&m_commands, &MenuCommands::quitRequested, qGuiApp, &QGuiApplication::quit,
                      Qt::QueuedConnection);
 }
 
 bool Application::show()
 {
+    applyStyle();
     m_engine.setNetworkAccessManagerFactory(&m_pictureAccess);
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     const auto object = [](auto &model) { return QVariant::fromValue(&model); };
     m_engine.setInitialProperties({
         {QStringLiteral("player"), object(m_player)},
         {QStringLiteral("mediaPlayer"), object(m_mediaPlayer)},
-        {QStringLiteral("model"), object(m_window)},
+        {QStringLiteral("shell"), object(m_window)},
         {QStringLiteral("transport"), object(m_transport)},
         {QStringLiteral("commands"), object(m_commands)},
         {QStringLiteral("channels"), object(m_channels)},

@@ -1,6 +1,7 @@
 import QtQuick
 import Lumaro.App
 import Lumaro.Display
+import Lumaro.Playlist
 import Lumaro.Ui
 
 // Everything inside the main window: the picture, and around and over it the sidebar, the

@@ -105,18 +105,23 @@ Rectangle {
                 }
             }
 
+            IconButton {
+                anchors {
+                    right: transportButtons.left; rightMargin: Theme.spacing * 2
+                    verticalCenter: parent.verticalCenter
+                }
+                onOverlay: true
+                iconName: "stop"
+                text: "Stop"
+                shortcutText: "Ctrl+K"
+                onClicked: root.player.stop()
+            }
             Row {
+                id: transportButtons
+
                 anchors.centerIn: parent
                 spacing: Theme.spacing * 2
 
-                IconButton {
-                    anchors.verticalCenter: parent.verticalCenter
-                    onOverlay: true
-                    iconName: "stop"
-                    text: "Stop"
-                    shortcutText: "Ctrl+K"
-                    onClicked: root.player.stop()
-                }
                 IconButton {
                     anchors.verticalCenter: parent.verticalCenter
                     onOverlay: true

@@ -1,6 +1,7 @@
 import QtQuick
 import Lumaro.App
 import Lumaro.Platform.Mpv
+import Lumaro.Playlist
 import Lumaro.Ui
 
 // The main window: hands the models to its content and follows the full-screen state.
@@ -26,7 +27,7 @@ Window {
     color: "black"
     title: player.title
 
-    onVisibilityChanged: shell.isFullScreen = visibility === Window.FullScreen
+    onVisibilityChanged: state => shell.isFullScreen = state === Window.FullScreen
 
     Connections {
         target: window.shell

@@ -50,16 +50,26 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     , m_autoOpenTask(scheduler)
     , m_controlsHideTask(scheduler)
     , m_cursorHideTask(scheduler)
+    , m_openingTask(scheduler)
 {
     m_sidebarVisible = defaults.data(sidebarVisibleKey()) != "false";
     connect(&notifications, &NotificationCenter::posted, this, &MainWindowModel::observe);
-    connect(&mediaPlayer, &MediaPlayer::itemFailed, this,
-            [this](MediaPlayer::ItemFailure failure) { setPictureNotice(noticeFor(failure)); });
-    connect(&player, &PlayerModel::mediaLoadIDChanged, this,
-            [this] { setPictureNotice(QString()); });
+    connect(&mediaPlayer, &MediaPlayer::itemFailed, this, [this](MediaPlayer::ItemFailure failure) {
+        setIsOpening(false);
+        setPictureNotice(noticeFor(failure));
+    });
+    connect(&mediaPlayer, &MediaPlayer::itemStarted, this, [this] {
+        setIsOpening(false);
+        // An item that failed may have been tried again.
+        setPictureNotice(QString());
+    });
+    connect(&player, &PlayerModel::mediaLoadIDChanged, this, [this] {
+        forgetItem();
+        m_openingTask.start(openingDelay, [this] { setIsOpening(true); });
+    });
     connect(&player, &PlayerModel::currentURLChanged, this, [this] {
         if (m_player.currentURL().isEmpty())
-            setPictureNotice(QString());
+            forgetItem();
     });
     connect(&player, &PlayerModel::youtubeContentChanged, this,
             &MainWindowModel::showWebContentNotice);
@@ -68,6 +78,7 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     connect(&player, &PlayerModel::isPlayingChanged, this,
             &MainWindowModel::showFullScreenControls);
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
+        setCurrentChannel(-1);
         if (m_player.playlist().isEmpty())
             return;
         setSidebarSection(PlayerSidebarSection::network);
@@ -211,6 +222,15 @@ void MainWindowModel::playChannel(int index)
         return;
     const PlaylistEntry entry = playlist.at(index);
     m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
+    setCurrentChannel(index);
+}
+
+void MainWindowModel::setCurrentChannel(int index)
+{
+    if (m_currentChannel == index)
+        return;
+    m_currentChannel = index;
+    Q_EMIT currentChannelChanged();
 }
 
 // Controls and pointer
@@ -281,6 +301,22 @@ void MainWindowModel::setCursorHidden(bool hidden)
 }
 
 // Over the picture
+
+void MainWindowModel::forgetItem()
+{
+    setIsOpening(false);
+    setPictureNotice(QString());
+    setCurrentChannel(-1);
+}
+
+void MainWindowModel::setIsOpening(bool opening)
+{
+    m_openingTask.cancel();
+    if (m_isOpening == opening)
+        return;
+    m_isOpening = opening;
+    Q_EMIT isOpeningChanged();
+}
 
 void MainWindowModel::setPictureNotice(const QString &notice)
 {

@@ -20,6 +20,8 @@ class MainWindowModel : public QObject
                    sidebarVisibleChanged)
     Q_PROPERTY(PlayerSidebarSection sidebarSection READ sidebarSection WRITE setSidebarSection
                    NOTIFY sidebarSectionChanged)
+    /// The same as a yes or no.
+    Q_PROPERTY(bool showsLocalM3U READ showsLocalM3U NOTIFY sidebarSectionChanged)
     /// What stands in the address field; a change schedules its automatic opening.
     Q_PROPERTY(QString addressText READ addressText WRITE setAddressText NOTIFY addressTextChanged)
     /// The optional movie or playlist name, given to what the address field opens.
@@ -33,6 +35,10 @@ class MainWindowModel : public QObject
     Q_PROPERTY(
         bool controlsInUse READ controlsInUse WRITE setControlsInUse NOTIFY controlsInUseChanged)
     Q_PROPERTY(bool cursorHidden READ cursorHidden NOTIFY cursorHiddenChanged)
+    /// The item takes its time to show anything.
+    Q_PROPERTY(bool isOpening READ isOpening NOTIFY isOpeningChanged)
+    /// The channel that plays, as an index into the player's playlist; -1 for none.
+    Q_PROPERTY(int currentChannel READ currentChannel NOTIFY currentChannelChanged)
     /// One sentence in place of a picture that cannot be shown; empty for none.
     Q_PROPERTY(QString pictureNotice READ pictureNotice NOTIFY pictureNoticeChanged)
 
@@ -41,6 +47,7 @@ public:
     Q_ENUM(PlayerSidebarSection)
 
     static constexpr std::chrono::milliseconds automaticOpenDelay{450};
+    static constexpr std::chrono::milliseconds openingDelay{450};
     static constexpr std::chrono::milliseconds controlsHideDelay{2500};
     static constexpr std::chrono::milliseconds cursorHideDelay{2000};
 
@@ -53,6 +60,7 @@ public:
     void setSidebarVisible(bool visible);
     PlayerSidebarSection sidebarSection() const { return m_sidebarSection; }
     void setSidebarSection(PlayerSidebarSection section);
+    bool showsLocalM3U() const { return m_sidebarSection == PlayerSidebarSection::localM3U; }
     const QString &addressText() const { return m_addressText; }
     void setAddressText(const QString &text);
     const QString &displayName() const { return m_displayName; }
@@ -65,6 +73,8 @@ public:
     bool controlsInUse() const { return m_controlsInUse; }
     void setControlsInUse(bool inUse);
     bool cursorHidden() const { return m_cursorHidden; }
+    bool isOpening() const { return m_isOpening; }
+    int currentChannel() const { return m_currentChannel; }
     const QString &pictureNotice() const { return m_pictureNotice; }
 
     /// Opens `text` after a pause, unless another call comes first or it is no complete address.
@@ -97,6 +107,8 @@ Q_SIGNALS:
     void controlsVisibleChanged();
     void controlsInUseChanged();
     void cursorHiddenChanged();
+    void isOpeningChanged();
+    void currentChannelChanged();
     void pictureNoticeChanged();
     /// The user should be able to type an address now.
     void addressFieldRequested();
@@ -107,6 +119,9 @@ private:
     void openAddress(const QString &address);
     void updateControlsVisible();
     void setCursorHidden(bool hidden);
+    void forgetItem();
+    void setIsOpening(bool opening);
+    void setCurrentChannel(int index);
     void setPictureNotice(const QString &notice);
     void showWebContentNotice();
     QString noticeFor(MediaPlayer::ItemFailure failure) const;
@@ -123,10 +138,13 @@ private:
     bool m_controlsInUse = false;
     bool m_controlsVisible = true;
     bool m_cursorHidden = false;
+    bool m_isOpening = false;
+    int m_currentChannel = -1;
     QString m_pictureNotice;
     DelayedTask m_autoOpenTask;
     DelayedTask m_controlsHideTask;
     DelayedTask m_cursorHideTask;
+    DelayedTask m_openingTask;
 };
 
 } // namespace lumaro

@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Lumaro.App
 import Lumaro.Ui
@@ -61,6 +59,7 @@ Item {
 
                     text: modelData.title
                     shortcutText: modelData.shortcut
+                    startsGroup: modelData.startsGroup
                     onTriggered: modelData.trigger()
                 }
             }

@@ -41,7 +41,7 @@ Item {
 
     Loader {
         anchors.centerIn: parent
-        active: root.player.isBuffering || (root.player.isLoading && root.isIdle)
+        active: root.player.isBuffering || root.shell.isOpening || (root.player.isLoading && root.isIdle)
         sourceComponent: Column {
             spacing: Theme.spacing * 3
 
@@ -52,7 +52,7 @@ Item {
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: root.player.isBuffering ? "Buffering…" : "Loading playlist…"
+                text: root.player.isBuffering ? "Buffering…" : root.shell.isOpening ? "Opening…" : "Loading playlist…"
                 color: Theme.textOnOverlay
                 font.pixelSize: Theme.fontBody
             }

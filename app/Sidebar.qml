@@ -1,5 +1,6 @@
 import QtQuick
 import Lumaro.App
+import Lumaro.Playlist
 import Lumaro.Ui
 
 // The panel beside the picture, with its two sections.
@@ -41,7 +42,7 @@ Rectangle {
             top: sections.bottom; bottom: parent.bottom
             topMargin: Theme.spacing * 3
         }
-        visible: root.shell.sidebarSection === MainWindowModel.network
+        visible: !root.shell.showsLocalM3U
         player: root.player
         shell: root.shell
         channels: root.channels
@@ -54,7 +55,7 @@ Rectangle {
             verticalCenter: parent.verticalCenter
             margins: Theme.spacing * 6
         }
-        active: root.shell.sidebarSection === MainWindowModel.localM3U
+        active: root.shell.showsLocalM3U
         sourceComponent: EmptyState {
             iconName: "library"
             title: "Local M3U"

@@ -8,17 +8,22 @@ import Lumaro.Ui
 //   shortcutText  its keys, in a column of their own
 //   checkable, checked   shows a check mark
 //   destructive   what it does loses something
+//   startsGroup   a line sets it off from the command before it
 T.MenuItem {
     id: control
 
     property string iconName
     property string shortcutText
     property bool destructive: false
+    property bool startsGroup: false
+    readonly property int groupGap: startsGroup ? 9 : 0
     readonly property string leadingIcon: checked ? "check" : iconName
     readonly property bool hasLeading: checkable || iconName !== ""
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: 32
+    implicitHeight: 32 + groupGap
+    topPadding: groupGap
+    topInset: groupGap
     leftPadding: 10
     rightPadding: subMenu ? 28 : 10
     hoverEnabled: true
@@ -32,7 +37,7 @@ T.MenuItem {
     arrow: Icon {
         visible: control.subMenu
         x: control.width - width - 8
-        y: (control.height - height) / 2
+        y: control.groupGap + (control.availableHeight - height) / 2
         name: control.subMenu ? "chevron-right" : ""
         size: 16
         color: Theme.textSecondary
@@ -74,5 +79,14 @@ T.MenuItem {
         color: !control.enabled ? "transparent"
              : control.down ? Theme.fillPressed
              : control.highlighted ? Theme.fillHover : "transparent"
+    }
+
+    Rectangle {
+        x: 10
+        y: 4
+        width: control.width - 20
+        height: 1
+        visible: control.startsGroup
+        color: Theme.stroke
     }
 }

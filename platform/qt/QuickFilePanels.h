@@ -8,7 +8,7 @@ namespace lumaro {
 
 /// The panels as a view shows them: the view waits for openRequested, shows the panel that the
 /// properties describe, and ends it with accept() or reject().
-class QuickFilePanels final : public QObject, public FilePanels
+class QuickFilePanels : public QObject, public FilePanels
 {
     Q_OBJECT
     Q_PROPERTY(QString title READ title NOTIFY openRequested)

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void explainsMissingPictures_data();
     void explainsMissingPictures();
     void noticeGoesWithItsCause();
+    void saysWhenOpeningTakesLong();
     void menusFollowTheState();
 
 private:
@@ -276,6 +277,13 @@ void MainWindowModelTest::playsAChannel()
     m_world->shell.playChannel(2);
     m_world->shell.playChannel(-1);
     QCOMPARE(m_world->player.title(), u"Two"_s);
+    QCOMPARE(m_world->shell.currentChannel(), 1);
+    m_world->player.playFile(QUrl(u"file:///a.mp4"_s));
+    QCOMPARE(m_world->shell.currentChannel(), -1);
+    m_world->shell.playChannel(0);
+    QCOMPARE(m_world->shell.currentChannel(), 0);
+    m_world->player.stop();
+    QCOMPARE(m_world->shell.currentChannel(), -1);
 }
 
 void MainWindowModelTest::sidebarFollowsEvents()
@@ -345,6 +353,10 @@ void MainWindowModelTest::noticeGoesWithItsCause()
     QCOMPARE(shell.pictureNotice(), QString());
 
     Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
+    Q_EMIT m_world->mediaPlayer.itemStarted();
+    QCOMPARE(shell.pictureNotice(), QString());
+
+    Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
     m_world->player.stop();
     QCOMPARE(shell.pictureNotice(), QString());
 
@@ -352,6 +364,29 @@ void MainWindowModelTest::noticeGoesWithItsCause()
     QVERIFY(!shell.pictureNotice().isEmpty());
     m_world->player.play(stream, u"x"_s, true);
     QCOMPARE(shell.pictureNotice(), QString());
+}
+
+void MainWindowModelTest::saysWhenOpeningTakesLong()
+{
+    MainWindowModel &shell = m_world->shell;
+    const QUrl film(u"http://h/a.mp4"_s);
+    m_world->player.play(film, u"x"_s, false);
+    m_world->scheduler.advance(449ms);
+    QVERIFY(!shell.isOpening());
+    m_world->scheduler.advance(1ms);
+    QVERIFY(shell.isOpening());
+    Q_EMIT m_world->mediaPlayer.itemStarted();
+    QVERIFY(!shell.isOpening());
+
+    m_world->player.play(film, u"x"_s, false);
+    Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unreachable);
+    m_world->scheduler.advance(1s);
+    QVERIFY(!shell.isOpening());
+
+    m_world->player.play(film, u"x"_s, false);
+    m_world->player.stop();
+    m_world->scheduler.advance(1s);
+    QVERIFY(!shell.isOpening());
 }
 
 void MainWindowModelTest::menusFollowTheState()

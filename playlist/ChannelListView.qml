@@ -1,0 +1,181 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Lumaro.Playlist
+import Lumaro.Ui
+
+// The channels of a playlist under their categories, with a search over them. In the search field
+// the arrows move through the list and Enter plays.
+Item {
+    id: root
+
+    required property ChannelListModel channels
+    // The user picked the channel at this index of the playlist.
+    signal channelActivated(int index)
+    // The user is done here.
+    signal dismissed()
+
+    function move(step: int): void {
+        const from = list.currentIndex < 0 ? (step > 0 ? 0 : list.count - 1) : list.currentIndex + step;
+        const row = channels.channelRow(from, step > 0 ? 1 : -1);
+        if (row < 0)
+            return;
+        list.currentIndex = row;
+        list.positionViewAtIndex(row, ListView.Contain);
+    }
+    function activate(row: int): void {
+        const entry = channels.entryAt(row);
+        if (entry >= 0)
+            channelActivated(entry);
+        else
+            channels.toggleGroup(row);
+    }
+
+    TextField {
+        id: search
+
+        anchors {
+            left: parent.left; right: parent.right; top: parent.top
+            leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
+        }
+        iconName: "search"
+        placeholderText: "Search %1 channels".arg(root.channels.count.toLocaleString(Qt.locale(), "f", 0))
+        text: root.channels.filterText
+        onTextEdited: root.channels.filterText = text
+        onCleared: root.channels.filterText = ""
+        onAccepted: {
+            // Enter right after typing means the first match.
+            if (list.currentIndex < 0)
+                root.move(1);
+            root.activate(list.currentIndex);
+        }
+        Keys.onUpPressed: root.move(-1)
+        Keys.onDownPressed: root.move(1)
+        Keys.onPressed: event => {
+            if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
+                root.move((event.key === Qt.Key_PageDown ? 1 : -1) * Math.max(1, Math.floor(list.height / list.rowHeight) - 1));
+                event.accepted = true;
+            }
+        }
+        Keys.onEscapePressed: {
+            if (text === "")
+                root.dismissed();
+            else
+                root.channels.filterText = "";
+        }
+        Accessible.name: "Search channels"
+    }
+
+    ListView {
+        id: list
+
+        readonly property int rowHeight: 52
+        // While rows fly past, their logos are not worth fetching.
+        readonly property bool isHurried: Math.abs(verticalVelocity) > 3000
+
+        anchors {
+            left: parent.left; right: parent.right
+            top: search.bottom; bottom: parent.bottom
+            topMargin: Theme.spacing * 2
+        }
+        clip: true
+        model: root.channels
+        currentIndex: -1
+        reuseItems: true
+        highlightFollowsCurrentItem: false
+        keyNavigationEnabled: false
+        activeFocusOnTab: true
+        boundsBehavior: Flickable.StopAtBounds
+        T.ScrollBar.vertical: ScrollBar {}
+
+        Accessible.role: Accessible.List
+        Accessible.name: "Channels"
+
+        Keys.onUpPressed: root.move(-1)
+        Keys.onDownPressed: root.move(1)
+        Keys.onReturnPressed: root.activate(currentIndex)
+        Keys.onEnterPressed: root.activate(currentIndex)
+        Keys.onEscapePressed: root.dismissed()
+
+        Connections {
+            target: root.channels
+
+            function onModelReset() {
+                list.currentIndex = -1;
+                list.positionViewAtBeginning();
+            }
+        }
+
+        delegate: T.AbstractButton {
+            id: row
+
+            required property int index
+            required property bool isGroup
+            required property string name
+            required property string logo
+            required property string group
+            required property string country
+            required property string initial
+            required property int channelCount
+            required property bool collapsed
+            required property bool isCurrent
+
+            width: ListView.view.width
+            height: list.rowHeight
+            focusPolicy: Qt.NoFocus
+            hoverEnabled: true
+            text: name
+            onClicked: {
+                list.currentIndex = index;
+                root.activate(index);
+            }
+
+            Accessible.role: Accessible.ListItem
+            Accessible.name: isGroup ? "%1, %2 channels".arg(name).arg(channelCount) : name
+            Accessible.description: isGroup ? "" : [country, group].filter(t => t !== "").join(", ")
+            Accessible.selected: ListView.isCurrentItem
+
+            background: Rectangle {
+                anchors { fill: parent; leftMargin: Theme.spacing; rightMargin: Theme.spacing }
+                radius: Theme.radius
+                color: row.down ? Theme.fillPressed
+                     : row.ListView.isCurrentItem ? Theme.accentSoft
+                     : row.hovered ? Theme.fillHover : "transparent"
+            }
+            contentItem: Item {
+                GroupRow {
+                    anchors.fill: parent
+                    visible: row.isGroup
+                    title: row.name
+                    channelCount: row.channelCount
+                    collapsed: row.collapsed
+                    foldable: root.channels.filterText === ""
+                }
+                ChannelRow {
+                    anchors.fill: parent
+                    visible: !row.isGroup
+                    name: row.name
+                    // Under its category's header a channel need not repeat it.
+                    group: root.channels.filterText === "" ? "" : row.group
+                    country: row.country
+                    logo: row.isGroup || list.isHurried ? "" : row.logo
+                    initial: row.initial
+                    isCurrent: row.isCurrent
+                }
+            }
+        }
+    }
+
+    EmptyState {
+        anchors {
+            left: parent.left; right: parent.right
+            top: search.bottom
+            margins: Theme.spacing * 6
+        }
+        visible: root.channels.matchCount === 0 && root.channels.filterText !== ""
+        iconName: "search"
+        title: "No matches"
+        text: "No channel or category contains “%1”.".arg(root.channels.filterText)
+    }
+}

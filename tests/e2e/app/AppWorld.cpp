@@ -1,0 +1,80 @@
+#include "tests/e2e/app/AppWorld.h"
+
+#include "tests/e2e/servers/VirtualDisplay.h"
+
+#include <cstdio>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace lumaro {
+
+namespace {
+
+constexpr int patience = 30'000;
+
+} // namespace
+
+AppWorld::AppWorld()
+    : m_application(std::make_unique<Application>(
+          Application::Folders{m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s)}))
+{
+    if (!m_application->show())
+        qFatal("The main window's views cannot be loaded.");
+    m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));
+    m_window->requestActivate();
+    if (!QTest::qWaitForWindowActive(m_window, patience))
+        qFatal("The main window does not appear.");
+}
+
+AppWorld::~AppWorld() = default;
+
+void AppWorld::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    QTest::keyClick(m_window, key, modifiers);
+}
+
+void AppWorld::type(const QString &text)
+{
+    for (const QChar c : text)
+        QTest::keyClick(m_window, c.toLatin1());
+}
+
+bool AppWorld::playsTo(double seconds)
+{
+    return becomesTrue([&] { return player().isPlaying() && player().currentTime() >= seconds; });
+}
+
+bool AppWorld::pictureChanges()
+{
+    const QImage before = screen();
+    return becomesTrue([&] { return screen() != before; });
+}
+
+bool becomesTrue(const std::function<bool()> &condition)
+{
+    return QTest::qWaitFor(condition, patience);
+}
+
+QStringList channelNames(const PlayerModel &player)
+{
+    QStringList names;
+    for (qsizetype i = 0; i < player.playlist().size(); ++i)
+        names.append(player.playlist().name(i).toString());
+    return names;
+}
+
+int runAppTest(int argc, char *argv[], const std::function<int()> &test)
+{
+    const auto display = VirtualDisplay::start();
+    if (!display) {
+        std::fprintf(stderr, "%s\n", qPrintable(display.error()));
+        return 1;
+    }
+    Application::prepare();
+    const QGuiApplication qt(argc, argv);
+    // A test's windows come and go; its process stays.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    return test();
+}
+
+} // namespace lumaro

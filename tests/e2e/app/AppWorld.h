@@ -1,0 +1,80 @@
+#pragma once
+
+#include "app/Application.h"
+#include "tests/e2e/servers/FaultServer.h"
+#include "tests/e2e/servers/LiveFeed.h"
+#include "tests/e2e/servers/MediaFixtures.h"
+#include "tests/e2e/servers/NginxServer.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+namespace lumaro {
+
+/// The value of `result`; without one the running test fails and a default value is returned.
+template <typename T>
+T valueOrFail(std::expected<T, QString> result)
+{
+    if (result)
+        return std::move(*result);
+    QTest::qFail(qPrintable(result.error()), __FILE__, __LINE__);
+    return {};
+}
+
+/// The whole application in its window, with folders of its own.
+class AppWorld
+{
+public:
+    AppWorld();
+    ~AppWorld();
+    AppWorld(const AppWorld &) = delete;
+    AppWorld &operator=(const AppWorld &) = delete;
+
+    PlayerModel &player() { return m_application->player(); }
+    MainWindowModel &shell() { return m_application->window(); }
+    ChannelListModel &channels() { return m_application->channels(); }
+    QQuickWindow &window() { return *m_window; }
+    void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
+
+    /// The window as the user sees it.
+    QImage screen() { return m_window->grabWindow(); }
+    /// Presses and releases `key` with the window in front.
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    /// Types into whatever has the focus.
+    void type(const QString &text);
+
+    /// Plays at least until `seconds`.
+    bool playsTo(double seconds);
+    /// The picture moves.
+    bool pictureChanges();
+
+private:
+    QTemporaryDir m_folder;
+    std::unique_ptr<Application> m_application;
+    QQuickWindow *m_window = nullptr;
+};
+
+/// Waits for `condition`, as long as the slowest machine may take.
+bool becomesTrue(const std::function<bool()> &condition);
+
+/// The names of the player's channels.
+QStringList channelNames(const PlayerModel &player);
+
+/// Runs `test` in a display of its own.
+int runAppTest(int argc, char *argv[], const std::function<int()> &test);
+
+} // namespace lumaro
+
+#define LUMARO_APP_TEST_MAIN(Test)                                                                 \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        return lumaro::runAppTest(argc, argv, [&] {                                                \
+            Test test;                                                                             \
+            return QTest::qExec(&test, argc, argv);                                                \
+        });                                                                                        \
+    }

@@ -1,0 +1,209 @@
+#include "tests/e2e/app/AppWorld.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace lumaro;
+
+namespace {
+
+/// What `program` prints, when it has ended well.
+QString outputOf(const QString &program, const QStringList &arguments)
+{
+    const QTemporaryDir folder;
+    const QString log = folder.filePath(u"log"_s);
+    ChildProcess process;
+    QFile output(log);
+    if (!process.start(program, arguments, {.logFile = log}) || !process.waitForFinished(20s)
+        || process.exitCode() != 0 || !output.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(output.readAll()).trimmed();
+}
+
+} // namespace
+
+/// The main window driven as a user does, by keys, mouse and drops.
+class AppWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init() { m_world = std::make_unique<AppWorld>(); }
+    void cleanup() { m_world.reset(); }
+
+    void typedAddressOpensByItself();
+    void keysDriveThePlayer();
+    void typingIsNotForThePlayer();
+    void doubleClickTogglesFullScreen();
+    void clickOnThePictureEndsTyping();
+    void dropsPlay_data();
+    void dropsPlay();
+    void programStartsPlaysAndQuits();
+    void programSaysWhatItIs();
+
+private:
+    QPoint pictureCentre()
+    {
+        // Right of the sidebar, above the controls.
+        return {m_world->window().width() - 200, m_world->window().height() / 2};
+    }
+
+    MediaFixtures m_media{QStringLiteral(LUMARO_FIXTURE_FOLDER)};
+    std::unique_ptr<NginxServer> m_nginx;
+    QString m_movie;
+    std::unique_ptr<AppWorld> m_world;
+};
+
+void AppWindowTest::initTestCase()
+{
+    m_nginx = valueOrFail(NginxServer::start());
+    QVERIFY(m_nginx);
+    m_movie = valueOrFail(m_media.path(Fixture::Movie));
+    QVERIFY(m_nginx->publish(m_movie, u"movie.mp4"_s));
+    QVERIFY(m_nginx->writeFile(u"list.m3u"_s, "#EXTINF:-1,One\nmovie.mp4\n"));
+}
+
+void AppWindowTest::typedAddressOpensByItself()
+{
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    m_world->type(m_nginx->url(u"/movie.mp4"_s).toString());
+    QVERIFY(m_world->player().currentURL().isEmpty());
+    QVERIFY(m_world->playsTo(0.2));
+    QCOMPARE(m_world->player().currentURL(), m_nginx->url(u"/movie.mp4"_s));
+}
+
+void AppWindowTest::keysDriveThePlayer()
+{
+    PlayerModel &player = m_world->player();
+    m_world->open(m_movie);
+    QVERIFY(m_world->playsTo(0.2));
+    m_world->press(Qt::Key_Space);
+    QVERIFY(!player.isPlaying());
+    m_world->press(Qt::Key_Right, Qt::AltModifier);
+    QVERIFY(becomesTrue([&] { return player.currentTime() > 20; }));
+    m_world->press(Qt::Key_Left);
+    QVERIFY(becomesTrue([&] { return player.currentTime() < 17; }));
+    m_world->press(Qt::Key_Down);
+    QCOMPARE(player.volume(), 0.95);
+    QCOMPARE(player.toastMessage(), u"Volume: 95%"_s);
+    m_world->press(Qt::Key_M, Qt::ControlModifier);
+    QVERIFY(player.isMuted());
+    m_world->press(Qt::Key_B, Qt::ControlModifier);
+    QVERIFY(!m_world->shell().sidebarVisible());
+    m_world->press(Qt::Key_F);
+    QVERIFY(m_world->shell().isFullScreen());
+    m_world->press(Qt::Key_Escape);
+    QVERIFY(!m_world->shell().isFullScreen());
+    m_world->press(Qt::Key_K, Qt::ControlModifier);
+    QVERIFY(player.currentURL().isEmpty());
+}
+
+void AppWindowTest::typingIsNotForThePlayer()
+{
+    m_world->open(m_movie);
+    QVERIFY(m_world->playsTo(0.2));
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    m_world->type(u"f k"_s);
+    m_world->press(Qt::Key_Left);
+    QVERIFY(m_world->player().isPlaying());
+    QVERIFY(!m_world->shell().isFullScreen());
+    QCOMPARE(m_world->shell().addressText(), u"f k"_s);
+}
+
+void AppWindowTest::doubleClickTogglesFullScreen()
+{
+    QTest::mouseDClick(&m_world->window(), Qt::LeftButton, {}, pictureCentre());
+    QVERIFY(becomesTrue([&] { return m_world->window().visibility() == QWindow::FullScreen; }));
+    QVERIFY(m_world->shell().isFullScreen());
+    QTest::mouseDClick(&m_world->window(), Qt::LeftButton, {}, pictureCentre());
+    QVERIFY(becomesTrue([&] { return m_world->window().visibility() == QWindow::Windowed; }));
+}
+
+void AppWindowTest::clickOnThePictureEndsTyping()
+{
+    m_world->open(m_movie);
+    QVERIFY(m_world->playsTo(0.2));
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    QTest::mouseClick(&m_world->window(), Qt::LeftButton, {}, pictureCentre());
+    m_world->press(Qt::Key_Space);
+    QVERIFY(!m_world->player().isPlaying());
+    QCOMPARE(m_world->shell().addressText(), QString());
+}
+
+void AppWindowTest::dropsPlay_data()
+{
+    QTest::addColumn<QList<QUrl>>("urls");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isList");
+    const QUrl movie = m_nginx->url(u"/movie.mp4"_s);
+    QTest::newRow("file") << QList{QUrl::fromLocalFile(m_movie)} << QString() << false;
+    QTest::newRow("address") << QList{movie} << movie.toString() << false;
+    QTest::newRow("text") << QList<QUrl>() << movie.toString() << false;
+    QTest::newRow("channel list") << QList{QUrl::fromLocalFile(m_nginx->documentRoot()
+                                                               + u"/list.m3u")}
+                                  << QString() << true;
+}
+
+void AppWindowTest::dropsPlay()
+{
+    QFETCH(const QList<QUrl>, urls);
+    QFETCH(const QString, text);
+    QFETCH(const bool, isList);
+    QMimeData data;
+    if (!urls.isEmpty())
+        data.setUrls(urls);
+    if (!text.isEmpty())
+        data.setText(text);
+    QDragEnterEvent enter(pictureCentre(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&m_world->window(), &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(pictureCentre(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&m_world->window(), &drop);
+    QVERIFY(drop.isAccepted());
+    if (isList)
+        QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
+    else
+        QVERIFY(m_world->playsTo(0.2));
+}
+
+void AppWindowTest::programStartsPlaysAndQuits()
+{
+    m_world.reset();
+    const QTemporaryDir home;
+    for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"})
+        qputenv(variable, home.path().toLocal8Bit());
+    ChildProcess program;
+    QVERIFY(program.start(QStringLiteral(LUMARO_PROGRAM), {m_movie}, {}));
+    const QString title = QFileInfo(m_movie).fileName();
+    QString window;
+    QVERIFY(becomesTrue([&] {
+        window = outputOf(u"xdotool"_s, {u"search"_s, u"--name"_s, u"^"_s + title});
+        return !window.isEmpty();
+    }));
+    const auto screen = [&home] {
+        const QString file = home.filePath(u"screen.png"_s);
+        outputOf(u"import"_s, {u"-window"_s, u"root"_s, file});
+        return QImage(file);
+    };
+    const QImage first = screen();
+    QVERIFY(becomesTrue([&] {
+        const QImage now = screen();
+        return !now.isNull() && now != first;
+    }));
+    outputOf(u"xdotool"_s, {u"windowfocus"_s, window.section(u'\n', -1), u"key"_s, u"ctrl+q"_s});
+    QVERIFY(program.waitForFinished(20s));
+    QCOMPARE(program.exitCode(), 0);
+}
+
+void AppWindowTest::programSaysWhatItIs()
+{
+    m_world.reset();
+    QVERIFY(outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--version"_s}).startsWith(u"lumaro "_s));
+    QVERIFY(outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--help"_s}).contains(u"[file|address]"_s));
+}
+
+LUMARO_APP_TEST_MAIN(AppWindowTest)
+#include "tst_app_window.moc"
