@@ -116,6 +116,9 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
     publish(m_isLiveStream, isLiveStream, &PlayerModel::isLiveStreamChanged);
     hideBufferingIndicator();
 
+    // A web player may have had the controls meanwhile.
+    m_platform.player.setVolume(m_volume);
+    m_platform.player.setMuted(m_isMuted);
     m_platform.player.replaceItem(url);
     m_platform.player.play();
     publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);

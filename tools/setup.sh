@@ -10,7 +10,7 @@ run_packages=(
 )
 build_packages=(
     g++ cmake ninja-build ccache pkg-config
-    qt6-base-dev qt6-declarative-dev libqt6svg6-dev libgl-dev qcoro-qt6-dev libmpv-dev
+    qt6-base-dev qt6-declarative-dev libqt6svg6-dev libgl-dev qcoro-qt6-dev libmpv-dev zlib1g-dev
 )
 test_packages=(
     clang-format-19 clang-tidy-19 xvfb xdotool imagemagick nginx-light ffmpeg

@@ -456,8 +456,12 @@ void PlayerModelTest::webContentReplacesTheItemAndBack()
     model.togglePlayback();
     QVERIFY(model.okVideoContent());
 
+    // What the web player was told meanwhile holds for what comes after it.
+    model.setVolume(0.5);
+    m_world->player.log.clear();
     m_world->open(liveStream);
     QVERIFY(!model.okVideoContent());
+    QVERIFY(m_world->player.log.contains(u"volume 0.5"_s));
 }
 
 void PlayerModelTest::commandsGoToTheWebPlayer_data()
