@@ -26,30 +26,6 @@ struct Record
     qint32 country = -1;
 };
 
-/// Random identifiers (RFC 4122, version 4), drawn from the system many at a time.
-class RandomIds
-{
-public:
-    QUuid next()
-    {
-        if (m_used == m_words.size()) {
-            QRandomGenerator::system()->fillRange(m_words.data(), qsizetype(m_words.size()));
-            m_used = 0;
-        }
-        const quint32 *const words = &m_words[m_used];
-        m_used += 4;
-        const auto byte = [words](int i) { return uchar(words[2 + i / 4] >> (i % 4 * 8)); };
-        const QUuid id(words[0], ushort(words[1]), ushort((words[1] >> 16 & 0x0fff) | 0x4000),
-                       uchar((byte(0) & 0x3f) | 0x80), byte(1), byte(2), byte(3), byte(4), byte(5),
-                       byte(6), byte(7));
-        return id;
-    }
-
-private:
-    std::array<quint32, 4096> m_words{};
-    size_t m_used = m_words.size();
-};
-
 std::optional<QString> optionalText(QUtf8StringView text)
 {
     return text.isEmpty() ? std::nullopt : std::optional(text.toString());
@@ -75,7 +51,6 @@ struct PlaylistEntries::Data
     std::vector<Record> records;
     std::vector<QByteArray> groups;
     std::vector<QByteArray> countries;
-    RandomIds ids;
 };
 
 qsizetype PlaylistEntries::size() const
@@ -159,14 +134,11 @@ PlaylistEntries PlaylistEntries::fromList(const QList<PlaylistEntry> &entries)
 {
     PlaylistEntriesBuilder builder{QByteArray()};
     for (const PlaylistEntry &entry : entries) {
-        const auto number = [](const std::optional<QString> &text, auto &&intern) {
-            return text && !text->isEmpty() ? intern(text->toUtf8()) : -1;
-        };
-        builder.append(
-            entry.id, builder.add(entry.name.toUtf8()), builder.add(entry.url.toEncoded()),
-            entry.logoURL ? builder.add(entry.logoURL->toEncoded()) : Slice(),
-            number(entry.groupTitle, [&](QByteArrayView text) { return builder.group(text); }),
-            number(entry.countryCode, [&](QByteArrayView text) { return builder.country(text); }));
+        builder.append(entry.id, builder.add(entry.name.toUtf8()),
+                       builder.add(entry.url.toEncoded()),
+                       builder.add(entry.logoURL.value_or(QUrl()).toEncoded()),
+                       entry.groupTitle.value_or(QString()).toUtf8(),
+                       entry.countryCode.value_or(QString()).toUtf8());
     }
     return builder.build();
 }
@@ -179,8 +151,11 @@ public:
     {
     }
 
+    /// -1 for an empty value.
     int number(QByteArrayView value)
     {
+        if (value.isEmpty())
+            return -1;
         // Neighbours mostly share their group.
         if (m_last >= 0 && QByteArrayView(m_values[size_t(m_last)]) == value)
             return m_last;
@@ -200,10 +175,35 @@ private:
     int m_last = -1;
 };
 
+/// Random identifiers (RFC 4122, version 4), drawn from the system many at a time.
+class PlaylistEntriesBuilder::RandomIds
+{
+public:
+    QUuid next()
+    {
+        if (m_used == m_words.size()) {
+            QRandomGenerator::system()->fillRange(m_words.data(), qsizetype(m_words.size()));
+            m_used = 0;
+        }
+        const quint32 *const words = &m_words[m_used];
+        m_used += 4;
+        const auto byte = [words](int i) { return uchar(words[2 + i / 4] >> (i % 4 * 8)); };
+        const QUuid id(words[0], ushort(words[1]), ushort((words[1] >> 16 & 0x0fff) | 0x4000),
+                       uchar((byte(0) & 0x3f) | 0x80), byte(1), byte(2), byte(3), byte(4), byte(5),
+                       byte(6), byte(7));
+        return id;
+    }
+
+private:
+    std::array<quint32, 4096> m_words{};
+    size_t m_used = m_words.size();
+};
+
 PlaylistEntriesBuilder::PlaylistEntriesBuilder(QByteArray text)
     : m_data(std::make_unique<PlaylistEntries::Data>())
     , m_groups(std::make_unique<Interner>(m_data->groups))
     , m_countries(std::make_unique<Interner>(m_data->countries))
+    , m_ids(std::make_unique<RandomIds>())
 {
     Q_ASSERT(text.size() <= PlaylistEntries::maximumTextSize);
     m_data->text = std::move(text);
@@ -229,25 +229,22 @@ Slice PlaylistEntriesBuilder::add(QByteArrayView value)
     return slice;
 }
 
-int PlaylistEntriesBuilder::group(QByteArrayView title)
+void PlaylistEntriesBuilder::append(Slice name, Slice url, Slice logo, QByteArrayView group,
+                                    QByteArrayView country)
 {
-    return m_groups->number(title);
+    append(m_ids->next(), name, url, logo, group, country);
 }
 
-int PlaylistEntriesBuilder::country(QByteArrayView code)
+void PlaylistEntriesBuilder::append(const QUuid &id, Slice name, Slice url, Slice logo,
+                                    QByteArrayView group, QByteArrayView country)
 {
-    return m_countries->number(code);
+    m_data->records.push_back(
+        {id, name, url, logo, m_groups->number(group), m_countries->number(country)});
 }
 
-void PlaylistEntriesBuilder::append(Slice name, Slice url, Slice logo, int group, int country)
+qsizetype PlaylistEntriesBuilder::addedSize() const
 {
-    append(m_data->ids.next(), name, url, logo, group, country);
-}
-
-void PlaylistEntriesBuilder::append(const QUuid &id, Slice name, Slice url, Slice logo, int group,
-                                    int country)
-{
-    m_data->records.push_back({id, name, url, logo, group, country});
+    return m_data->added.size();
 }
 
 PlaylistEntries PlaylistEntriesBuilder::build()

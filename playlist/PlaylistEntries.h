@@ -20,6 +20,7 @@ public:
     static constexpr qsizetype maximumTextSize = (qsizetype(1) << 31) - 1;
 
     PlaylistEntries() = default;
+    /// An empty logo address, group or country counts as none.
     static PlaylistEntries fromList(const QList<PlaylistEntry> &entries);
 
     qsizetype size() const;
@@ -35,7 +36,8 @@ public:
     /// Empty when there is none.
     QUtf8StringView countryCode(qsizetype index) const;
 
-    /// The number of different groups, and one's title. Groups stand in order of first appearance.
+    /// The number of different groups, and one's title. Groups stand in order of first appearance;
+    /// each has an entry.
     int groupCount() const;
     QString groupTitle(int group) const;
     /// The entry's group; -1 for none.
@@ -77,23 +79,26 @@ public:
     Slice inText(QByteArrayView part) const;
     /// The place of a value that is not in the text.
     Slice add(QByteArrayView value);
-    /// The number that stands for this group or country; values may lie anywhere.
-    int group(QByteArrayView title);
-    int country(QByteArrayView code);
+    /// The bytes that were added so far.
+    qsizetype addedSize() const;
 
-    /// `logo` is empty for none, `group` and `country` are -1 for none. Gives it a fresh id.
-    void append(Slice name, Slice url, Slice logo, int group, int country);
-    void append(const QUuid &id, Slice name, Slice url, Slice logo, int group, int country);
+    /// `logo`, `group` and `country` are empty for none; the last two may lie anywhere. Gives the
+    /// entry a fresh id.
+    void append(Slice name, Slice url, Slice logo, QByteArrayView group, QByteArrayView country);
+    void append(const QUuid &id, Slice name, Slice url, Slice logo, QByteArrayView group,
+                QByteArrayView country);
 
     PlaylistEntries build();
 
 private:
     /// Numbers different values in order of first appearance.
     class Interner;
+    class RandomIds;
 
     std::unique_ptr<PlaylistEntries::Data> m_data;
     std::unique_ptr<Interner> m_groups;
     std::unique_ptr<Interner> m_countries;
+    std::unique_ptr<RandomIds> m_ids;
 };
 
 } // namespace lumaro

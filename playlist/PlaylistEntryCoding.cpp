@@ -43,10 +43,22 @@ std::optional<QUrl> urlField(const QJsonObject &object, QLatin1StringView key)
     return url.isValid() ? std::optional(url) : std::nullopt;
 }
 
+std::optional<QUuid> idField(const QJsonObject &object, QLatin1StringView key)
+{
+    const auto text = stringField(object, key);
+    if (!text)
+        return std::nullopt;
+    const QUuid id = QUuid::fromString(*text);
+    // Reading it forgives too much.
+    const bool exact = id.toString(QUuid::WithoutBraces).compare(*text, Qt::CaseInsensitive) == 0;
+    return exact ? std::optional(id) : std::nullopt;
+}
+
 /// An optional key that is there must be right.
 bool isAbsent(const QJsonObject &object, QLatin1StringView key)
 {
-    return object.value(key).isUndefined();
+    const QJsonValue value = object.value(key);
+    return value.isUndefined() || value.isNull();
 }
 
 std::optional<PlaylistEntry> decodeEntry(const QJsonObject &object)
@@ -54,20 +66,20 @@ std::optional<PlaylistEntry> decodeEntry(const QJsonObject &object)
     constexpr QLatin1StringView logoKey("logoURL");
     constexpr QLatin1StringView groupKey("groupTitle");
     constexpr QLatin1StringView countryKey("countryCode");
-    const auto id = stringField(object, QLatin1StringView("id"));
+    const auto id = idField(object, QLatin1StringView("id"));
     const auto name = stringField(object, QLatin1StringView("name"));
     const auto url = urlField(object, QLatin1StringView("url"));
     if (!id || !name || !url)
         return std::nullopt;
     PlaylistEntry entry{
-        .id = QUuid::fromString(*id),
+        .id = *id,
         .name = *name,
         .url = *url,
         .logoURL = urlField(object, logoKey),
         .groupTitle = stringField(object, groupKey),
         .countryCode = stringField(object, countryKey),
     };
-    const bool complete = !entry.id.isNull() && (entry.logoURL || isAbsent(object, logoKey))
+    const bool complete = (entry.logoURL || isAbsent(object, logoKey))
         && (entry.groupTitle || isAbsent(object, groupKey))
         && (entry.countryCode || isAbsent(object, countryKey));
     return complete ? std::optional(entry) : std::nullopt;
@@ -100,7 +112,8 @@ std::optional<QList<PlaylistEntry>> decodeEntries(const QByteArray &json)
     if (!document.isArray())
         return std::nullopt;
     QList<PlaylistEntry> entries;
-    for (const QJsonValue &value : document.array()) {
+    const QJsonArray array = document.array();
+    for (const auto &value : array) {
         const auto entry = decodeEntry(value.toObject());
         if (!entry)
             return std::nullopt;

@@ -20,6 +20,10 @@ QString description(PlaylistError error);
 class PlaylistParser
 {
 public:
+    /// Addresses that had to be resolved, and the names made of them, take memory beyond the text.
+    /// Once they take this much, in bytes, further lines of that kind are left out.
+    static constexpr qsizetype maximumAddedSize = 256 << 20;
+
     /// The entries of `text`, which is valid UTF-8 and was found at `baseURL`. Shares the text.
     static PlaylistEntries parse(const QByteArray &text, const QUrl &baseURL);
 

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QTextBoundaryFinder>
 
+#include <algorithm>
 #include <cstring>
 
 namespace lumaro::text {
@@ -48,8 +49,8 @@ bool hasLoneCarriageReturn(QByteArrayView text)
 qsizetype lineEndLength(QByteArrayView text)
 {
     const char first = text.front();
-    if (first >= '\n' && first <= '\r')
-        return 1;
+    if (uchar(first) < 0x80)
+        return first >= '\n' && first <= '\r' ? 1 : 0;
     for (const QByteArrayView end : {nextLine, lineSeparator, paragraphSeparator}) {
         if (text.startsWith(end))
             return end.size();
@@ -62,10 +63,16 @@ bool isAsciiSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+/// `codePoint` takes more than one byte.
 bool isUnicodeSpace(QByteArrayView codePoint)
 {
-    const QString decoded = QString::fromUtf8(codePoint);
-    return decoded.size() == 1 && decoded.front().isSpace();
+    // All of it lies within three bytes.
+    if (codePoint.size() > 3)
+        return false;
+    char32_t value = uchar(codePoint.front()) & (codePoint.size() == 2 ? 0x1f : 0x0f);
+    for (const char c : codePoint.sliced(1))
+        value = value << 6 | (uchar(c) & 0x3f);
+    return QChar::isSpace(value);
 }
 
 bool isContinuation(char c)
@@ -114,20 +121,35 @@ qsizetype characterCount(const QString &text)
     return count;
 }
 
-bool isAsciiLetterOrDigit(char c)
+bool isAscii(char c)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+    return uchar(c) < 0x80;
+}
+
+QByteArray latin1ToUtf8(QByteArrayView bytes)
+{
+    const auto ascii = std::ranges::count_if(bytes, isAscii);
+    QByteArray utf8(2 * bytes.size() - ascii, Qt::Uninitialized);
+    char *out = utf8.data();
+    for (const char c : bytes) {
+        if (isAscii(c)) {
+            *out++ = c;
+        } else {
+            *out++ = char(0xc0 | uchar(c) >> 6);
+            *out++ = char(0x80 | (uchar(c) & 0x3f));
+        }
+    }
+    return utf8;
 }
 
 } // namespace
 
 QByteArray decodeUtf8OrLatin1(QByteArray bytes)
 {
-    if (!QUtf8StringView(bytes).isValidUtf8())
-        return QString::fromLatin1(bytes).toUtf8();
+    // One damaged name must not turn the mark into the first line's text.
     if (bytes.startsWith(byteOrderMark))
         bytes.remove(0, byteOrderMark.size());
-    return bytes;
+    return QUtf8StringView(bytes).isValidUtf8() ? bytes : latin1ToUtf8(bytes);
 }
 
 QByteArrayView trimmed(QByteArrayView text)
@@ -159,8 +181,8 @@ QByteArrayView trimmedBlanks(QByteArrayView text)
 
 std::optional<QByteArray> twoCharacterCode(QByteArrayView code)
 {
-    if (code.size() == 2 && isAsciiLetterOrDigit(code[0]) && isAsciiLetterOrDigit(code[1]))
-        return code.toByteArray().toUpper();
+    if (std::ranges::all_of(code, isAscii))
+        return code.size() == 2 ? std::optional(code.toByteArray().toUpper()) : std::nullopt;
     // Longer than any two characters would reasonably be; counting them would take its time.
     constexpr qsizetype longest = 256;
     if (code.size() > longest)

@@ -1,15 +1,14 @@
 #include "playlist/UrlPath.h"
 
-#include <QStringList>
-
 namespace lumaro {
 
 QString lastPathComponent(const QUrl &url)
 {
-    const QStringList components = url.path(QUrl::FullyEncoded).split(u'/', Qt::SkipEmptyParts);
-    if (components.isEmpty())
-        return {};
-    const QByteArray bytes = QByteArray::fromPercentEncoding(components.last().toUtf8());
+    QByteArray path = url.path(QUrl::FullyEncoded).toUtf8();
+    while (path.endsWith('/'))
+        path.chop(1);
+    const QByteArray bytes =
+        QByteArray::fromPercentEncoding(path.sliced(path.lastIndexOf('/') + 1));
     return QUtf8StringView(bytes).isValidUtf8() ? QString::fromUtf8(bytes) : QString();
 }
 
