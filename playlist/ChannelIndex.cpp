@@ -1,16 +1,20 @@
 #include "playlist/ChannelIndex.h"
 
 #include <algorithm>
-#include <cstring>
-#include <string.h>
 
 namespace lumaro {
 
 namespace {
 
-QByteArray folded(const QString &text)
+/// The beginning of `text`, at most `length` bytes of it and whole characters.
+QUtf8StringView beginning(QUtf8StringView text, qsizetype length)
 {
-    return text.toCaseFolded().toUtf8();
+    if (text.size() <= length)
+        return text;
+    const auto isContinuation = [&](qsizetype i) { return (uchar(text.data()[i]) & 0xc0) == 0x80; };
+    while (length > 0 && isContinuation(length))
+        --length;
+    return text.first(length);
 }
 
 } // namespace
@@ -18,7 +22,23 @@ QByteArray folded(const QString &text)
 ChannelIndex::ChannelIndex(const PlaylistEntries &entries)
 {
     arrangeByGroup(entries);
-    foldNames(entries);
+    m_names = FoldedTexts(entries.size(), [&](qsizetype i) { return shown(entries.name(i)); });
+    m_titles = FoldedTexts(qsizetype(m_groups.size()),
+                           [&](qsizetype i) { return m_groups[size_t(i)].title; });
+}
+
+QString ChannelIndex::shown(QUtf8StringView text)
+{
+    constexpr qsizetype longest = 1000;
+    QString line = beginning(text, longest).toString();
+    std::ranges::replace_if(
+        line,
+        [](QChar c) {
+            return c.category() == QChar::Other_Control || c == QChar::LineSeparator
+                || c == QChar::ParagraphSeparator;
+        },
+        u' ');
+    return line;
 }
 
 void ChannelIndex::arrangeByGroup(const PlaylistEntries &entries)
@@ -29,69 +49,40 @@ void ChannelIndex::arrangeByGroup(const PlaylistEntries &entries)
         const int group = entries.groupIndex(entry);
         return size_t(group < 0 ? named : group);
     };
-    std::vector<Group> groups(size_t(named) + 1);
+    m_isGrouped = named > 0;
+    m_groups.resize(size_t(named) + 1);
     for (int group = 0; group < named; ++group)
-        groups[size_t(group)].title = entries.groupTitle(group);
-    groups.back().title = QStringLiteral("Other");
+        m_groups[size_t(group)].title = shown(entries.groupTitle(group).toUtf8());
+    m_groups.back().title = QStringLiteral("Other");
 
     for (qsizetype entry = 0; entry < entries.size(); ++entry)
-        ++groups[slot(entry)].count;
+        ++m_groups[slot(entry)].count;
     qint32 first = 0;
-    for (Group &group : groups)
+    for (Group &group : m_groups)
         group.first = std::exchange(first, first + group.count);
 
-    std::vector<qint32> next(groups.size());
-    std::ranges::transform(groups, next.begin(), &Group::first);
+    std::vector<qint32> next(m_groups.size());
+    std::ranges::transform(m_groups, next.begin(), &Group::first);
     m_order.resize(size_t(entries.size()));
     for (qsizetype entry = 0; entry < entries.size(); ++entry)
         m_order[size_t(next[slot(entry)]++)] = qint32(entry);
 
-    std::erase_if(groups, [](const Group &group) { return group.count == 0; });
-    m_groups = std::move(groups);
-    m_isGrouped = named > 0;
-}
-
-void ChannelIndex::foldNames(const PlaylistEntries &entries)
-{
-    QString names;
-    for (qsizetype entry = 0; entry < entries.size(); ++entry) {
-        const QUtf8StringView name = entries.name(entry);
-        const qsizetype start = names.size();
-        names += name.toString();
-        std::replace(names.begin() + start, names.end(), QChar(u'\n'), QChar(u' '));
-        names += u'\n';
-    }
-    // Folding all names at once is much quicker than one by one, and keeps the line feeds.
-    m_names = folded(names);
-    m_nameEnds.reserve(size_t(entries.size()));
-    for (qsizetype i = m_names.indexOf('\n'); i >= 0; i = m_names.indexOf('\n', i + 1))
-        m_nameEnds.push_back(quint32(i));
+    if (m_groups.back().count == 0)
+        m_groups.pop_back();
 }
 
 std::vector<quint8> ChannelIndex::matches(const QString &text) const
 {
-    const QByteArray needle = folded(text);
-    std::vector<quint8> matched(m_order.size(), needle.isEmpty() ? 1 : 0);
-    if (needle.isEmpty())
+    std::vector<quint8> matched = m_names.containing(text);
+    if (!m_isGrouped)
         return matched;
-
-    const char *const begin = m_names.constData();
-    const char *const end = begin + m_names.size();
-    const char *at = begin;
-    auto nameEnd = m_nameEnds.begin();
-    while (const void *hit =
-               memmem(at, size_t(end - at), needle.constData(), size_t(needle.size()))) {
-        const auto offset = quint32(static_cast<const char *>(hit) - begin);
-        nameEnd = std::lower_bound(nameEnd, m_nameEnds.end(), offset);
-        matched[size_t(nameEnd - m_nameEnds.begin())] = 1;
-        at = begin + *nameEnd + 1;
-    }
-
-    for (const Group &group : m_groups) {
-        if (!m_isGrouped || !folded(group.title).contains(needle))
+    const std::vector<quint8> titles = m_titles.containing(text);
+    for (size_t group = 0; group < m_groups.size(); ++group) {
+        if (titles[group] == 0)
             continue;
-        for (qint32 i = group.first; i < group.first + group.count; ++i)
-            matched[size_t(m_order[size_t(i)])] = 1;
+        const auto entries = m_order.begin() + m_groups[group].first;
+        std::for_each(entries, entries + m_groups[group].count,
+                      [&](qint32 entry) { matched[size_t(entry)] = 1; });
     }
     return matched;
 }

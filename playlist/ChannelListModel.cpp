@@ -16,7 +16,7 @@ bool isWebAddress(QUtf8StringView address)
 /// The first letter or digit of `name`, in upper case.
 QString initialOf(const QString &name)
 {
-    const QList<uint> codePoints = name.first(std::min(name.size(), qsizetype(64))).toUcs4();
+    const QList<uint> codePoints = name.toUcs4();
     const auto first = std::ranges::find_if(
         codePoints, [](uint codePoint) { return QChar::isLetterOrNumber(codePoint); });
     if (first == codePoints.end())
@@ -41,18 +41,9 @@ ChannelListModel::~ChannelListModel()
 void ChannelListModel::setEntries(const PlaylistEntries &entries)
 {
     std::exchange(m_preparation, std::stop_source()).request_stop();
-    beginResetModel();
-    m_entries = {};
-    m_index = std::make_shared<ChannelIndex>();
-    m_matches.clear();
     m_collapsed.clear();
-    m_rows.clear();
-    endResetModel();
-    m_matchCount = 0;
-    m_currentEntry = -1;
-    Q_EMIT countChanged();
-    Q_EMIT matchCountChanged();
-    Q_EMIT currentEntryChanged();
+    setCurrentEntry(-1);
+    show({}, std::make_shared<ChannelIndex>());
     if (!entries.isEmpty())
         prepare(entries, m_preparation.get_token());
 }
@@ -62,13 +53,23 @@ Task<> ChannelListModel::prepare(PlaylistEntries entries, std::stop_token stop)
     const auto indexing = m_scheduler.inBackground(
         [entries] { return std::make_shared<const ChannelIndex>(entries); });
     auto index = co_await indexing;
-    if (stop.stop_requested())
-        co_return;
+    if (!stop.stop_requested())
+        show(entries, std::move(index));
+}
+
+void ChannelListModel::show(const PlaylistEntries &entries,
+                            std::shared_ptr<const ChannelIndex> index)
+{
+    const int before = count();
+    beginResetModel();
     m_entries = entries;
     m_index = std::move(index);
     m_matches = m_index->matches(m_filterText);
-    rebuildRows();
-    Q_EMIT countChanged();
+    m_rows = matchingRows();
+    endResetModel();
+    if (count() != before)
+        Q_EMIT countChanged();
+    countMatches();
 }
 
 void ChannelListModel::setFilterText(const QString &text)
@@ -76,40 +77,41 @@ void ChannelListModel::setFilterText(const QString &text)
     const QString trimmed = text.trimmed();
     if (m_filterText == trimmed)
         return;
+    beginResetModel();
     m_filterText = trimmed;
     m_matches = m_index->matches(m_filterText);
-    rebuildRows();
+    m_rows = matchingRows();
+    endResetModel();
     Q_EMIT filterTextChanged();
+    countMatches();
 }
 
-void ChannelListModel::rebuildRows()
+std::vector<ChannelListModel::Row> ChannelListModel::matchingRows() const
 {
-    beginResetModel();
-    m_rows.clear();
+    std::vector<Row> rows;
     const auto &groups = m_index->groups();
     for (size_t group = 0; group < groups.size(); ++group) {
-        const std::vector<Row> channels = rowsOfGroup(group);
-        if (channels.empty())
-            continue;
+        const auto header = rows.size();
         if (m_index->isGrouped())
-            m_rows.push_back(-1 - Row(group));
+            rows.push_back(-1 - Row(group));
+        const auto first = rows.size();
+        const auto entries = m_index->order().begin() + groups[group].first;
+        std::copy_if(entries, entries + groups[group].count, std::back_inserter(rows),
+                     [this](Row entry) { return m_matches[size_t(entry)] != 0; });
+        if (rows.size() == first)
+            rows.resize(header);
         // A search looks into folded categories too.
-        if (!m_filterText.isEmpty() || !m_collapsed.contains(group))
-            m_rows.insert(m_rows.end(), channels.begin(), channels.end());
+        else if (m_filterText.isEmpty() && m_collapsed.contains(group))
+            rows.resize(first);
     }
-    endResetModel();
-    m_matchCount = int(std::ranges::count(m_matches, quint8(1)));
-    Q_EMIT matchCountChanged();
+    return rows;
 }
 
-std::vector<ChannelListModel::Row> ChannelListModel::rowsOfGroup(size_t group) const
+void ChannelListModel::countMatches()
 {
-    const ChannelIndex::Group &range = m_index->groups()[group];
-    const auto first = m_index->order().begin() + range.first;
-    std::vector<Row> rows;
-    std::copy_if(first, first + range.count, std::back_inserter(rows),
-                 [this](Row entry) { return m_matches[size_t(entry)] != 0; });
-    return rows;
+    const auto matches = int(std::ranges::count(m_matches, quint8(1)));
+    if (std::exchange(m_matchCount, matches) != matches)
+        Q_EMIT matchCountChanged();
 }
 
 void ChannelListModel::toggleGroup(int row)
@@ -117,17 +119,20 @@ void ChannelListModel::toggleGroup(int row)
     const ChannelIndex::Group *group = groupAt(row);
     if (!group || !m_filterText.isEmpty())
         return;
-    const size_t number = size_t(group - m_index->groups().data());
-    const auto after = m_rows.begin() + row + 1;
-    if (m_collapsed.erase(number) > 0) {
-        const std::vector<Row> channels = rowsOfGroup(number);
-        beginInsertRows({}, row + 1, row + int(channels.size()));
-        m_rows.insert(after, channels.begin(), channels.end());
+    const auto number = size_t(group - m_index->groups().data());
+    const int first = row + 1;
+    // Without a search text a category has all of its channels.
+    const int last = row + group->count;
+    if (m_collapsed.contains(number)) {
+        const auto channels = m_index->order().begin() + group->first;
+        beginInsertRows({}, first, last);
+        m_collapsed.erase(number);
+        m_rows.insert(m_rows.begin() + first, channels, channels + group->count);
         endInsertRows();
     } else {
+        beginRemoveRows({}, first, last);
         m_collapsed.insert(number);
-        beginRemoveRows({}, row + 1, row + group->count);
-        m_rows.erase(after, after + group->count);
+        m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
         endRemoveRows();
     }
     Q_EMIT dataChanged(index(row), index(row), {CollapsedRole});
@@ -139,13 +144,17 @@ void ChannelListModel::setCurrentEntry(int entry)
         return;
     const int before = std::exchange(m_currentEntry, entry);
     Q_EMIT currentEntryChanged();
-    for (const int changed : {before, entry}) {
-        const auto row = std::ranges::find(m_rows, Row(changed));
-        if (changed >= 0 && row != m_rows.end()) {
-            const QModelIndex at = index(int(row - m_rows.begin()));
-            Q_EMIT dataChanged(at, at, {CurrentRole});
-        }
-    }
+    announceCurrent(before);
+    announceCurrent(entry);
+}
+
+void ChannelListModel::announceCurrent(int entry)
+{
+    const auto row = entry < 0 ? m_rows.end() : std::ranges::find(m_rows, Row(entry));
+    if (row == m_rows.end())
+        return;
+    const QModelIndex at = index(int(row - m_rows.begin()));
+    Q_EMIT dataChanged(at, at, {CurrentRole});
 }
 
 int ChannelListModel::entryAt(int row) const
@@ -155,10 +164,12 @@ int ChannelListModel::entryAt(int row) const
 
 int ChannelListModel::channelRow(int row, int step) const
 {
-    while (row >= 0 && row < rowCount()) {
-        if (entryAt(row) >= 0)
-            return row;
-        row += step;
+    const qint64 rows = rowCount();
+    for (qint64 at = row; at >= 0 && at < rows; at += step) {
+        if (entryAt(int(at)) >= 0)
+            return int(at);
+        if (step == 0)
+            break;
     }
     return -1;
 }
@@ -180,11 +191,11 @@ QVariant ChannelListModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
     if (const ChannelIndex::Group *group = groupAt(index.row()))
-        return headerData(*group, role);
+        return groupData(*group, role);
     return channelData(m_rows[size_t(index.row())], role);
 }
 
-QVariant ChannelListModel::headerData(const ChannelIndex::Group &group, int role) const
+QVariant ChannelListModel::groupData(const ChannelIndex::Group &group, int role) const
 {
     switch (role) {
     case IsGroupRole:
@@ -202,8 +213,12 @@ QVariant ChannelListModel::headerData(const ChannelIndex::Group &group, int role
             && m_collapsed.contains(size_t(&group - m_index->groups().data()));
     case CurrentRole:
         return false;
-    default:
+    case LogoRole:
+    case CountryRole:
+    case InitialRole:
         return QString();
+    default:
+        return {};
     }
 }
 
@@ -215,19 +230,19 @@ QVariant ChannelListModel::channelData(int entry, int role) const
         return false;
     case Qt::DisplayRole:
     case NameRole:
-        return m_entries.name(entry).toString();
+        return ChannelIndex::shown(m_entries.name(entry));
     case LogoRole: {
         const QUtf8StringView logo = m_entries.logoAddress(entry);
         return isWebAddress(logo) ? logo.toString() : QString();
     }
     case GroupRole: {
         const int group = m_entries.groupIndex(entry);
-        return group < 0 ? QString() : m_entries.groupTitle(group);
+        return group < 0 ? QString() : m_index->groups()[size_t(group)].title;
     }
     case CountryRole:
         return m_entries.countryCode(entry).toString();
     case InitialRole:
-        return initialOf(m_entries.name(entry).toString());
+        return initialOf(ChannelIndex::shown(m_entries.name(entry)));
     case EntryRole:
         return entry;
     case CountRole:

@@ -81,10 +81,12 @@ private:
     using Row = qint32;
 
     Task<> prepare(PlaylistEntries entries, std::stop_token stop);
-    void rebuildRows();
-    std::vector<Row> rowsOfGroup(size_t group) const;
+    void show(const PlaylistEntries &entries, std::shared_ptr<const ChannelIndex> index);
+    std::vector<Row> matchingRows() const;
+    void countMatches();
+    void announceCurrent(int entry);
     const ChannelIndex::Group *groupAt(int row) const;
-    QVariant headerData(const ChannelIndex::Group &group, int role) const;
+    QVariant groupData(const ChannelIndex::Group &group, int role) const;
     QVariant channelData(int entry, int role) const;
 
     Scheduler &m_scheduler;
