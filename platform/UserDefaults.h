@@ -25,7 +25,7 @@ struct UserDefaultsError
 };
 
 /// The user's settings and saved data: named values that outlive the process. A write either
-/// happens whole or not at all. Main thread.
+/// happens whole or not at all. Any thread, but the calls for one key one after another.
 class UserDefaults
 {
 public:
@@ -42,6 +42,11 @@ public:
                                                            const QByteArray &value) = 0;
 
     virtual std::expected<void, UserDefaultsError> remove(const QString &key) = 0;
+
+    /// Keeps what is stored under `key`, readable or not, in another place where no key finds it,
+    /// for somebody to rescue by hand. Nothing is stored under `key` then. Does nothing when
+    /// nothing is.
+    virtual std::expected<void, UserDefaultsError> setAside(const QString &key) = 0;
 };
 
 } // namespace lumaro

@@ -1,8 +1,9 @@
 #include "platform/qt/FileUserDefaults.h"
 
+#include "platform/AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QUrl>
 
 namespace lumaro {
@@ -20,6 +21,19 @@ UserDefaultsError errorOf(const QFileDevice &file)
     default:
         return {UserDefaultsError::Kind::Failed};
     }
+}
+
+UserDefaultsError errorOf(const FileWriteError &error)
+{
+    switch (error.kind) {
+    case FileWriteError::Kind::NoSpace:
+        return {UserDefaultsError::Kind::NoSpace};
+    case FileWriteError::Kind::NotPermitted:
+        return {UserDefaultsError::Kind::NotPermitted};
+    case FileWriteError::Kind::Failed:
+        return {UserDefaultsError::Kind::Failed};
+    }
+    Q_UNREACHABLE();
 }
 
 } // namespace
@@ -51,12 +65,9 @@ std::expected<void, UserDefaultsError> FileUserDefaults::setData(const QString &
     constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
     if (!QDir().mkpath(m_folder))
         return std::unexpected(UserDefaultsError{UserDefaultsError::Kind::NotPermitted});
-    QSaveFile file(path(key));
-    // Permissions come before the content, so that nobody else can read it even for a moment.
-    const bool stored = file.open(QIODevice::WriteOnly) && file.setPermissions(ownerOnly)
-        && file.write(value) == value.size() && file.commit();
+    const auto stored = replaceFile(path(key), value, ownerOnly);
     if (!stored)
-        return std::unexpected(errorOf(file));
+        return std::unexpected(errorOf(stored.error()));
     return {};
 }
 
@@ -64,6 +75,22 @@ std::expected<void, UserDefaultsError> FileUserDefaults::remove(const QString &k
 {
     QFile file(path(key));
     if (file.exists() && !file.remove())
+        return std::unexpected(errorOf(file));
+    return {};
+}
+
+std::expected<void, UserDefaultsError> FileUserDefaults::setAside(const QString &key)
+{
+    QFile file(path(key));
+    if (!file.exists())
+        return {};
+    // No key's file has a blank in its name, and one that was set aside before stays.
+    QString aside;
+    int number = 0;
+    do {
+        aside = path(key) + QStringLiteral(" (unreadable %1)").arg(++number);
+    } while (QFile::exists(aside));
+    if (!file.rename(aside))
         return std::unexpected(errorOf(file));
     return {};
 }

@@ -15,6 +15,8 @@ public:
     std::expected<void, UserDefaultsError> setData(const QString &key,
                                                    const QByteArray &value) override;
     std::expected<void, UserDefaultsError> remove(const QString &key) override;
+    /// The file keeps its name and gets a number after it.
+    std::expected<void, UserDefaultsError> setAside(const QString &key) override;
 
 private:
     QString path(const QString &key) const;
