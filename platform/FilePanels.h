@@ -24,6 +24,21 @@ struct OpenPanelRequest
     bool operator==(const OpenPanelRequest &) const = default;
 };
 
+/// What a save panel asks for: a file to write, in a folder that the user may make there.
+struct SavePanelRequest
+{
+    QString title;
+    /// The accepting button's text; empty for the platform's own.
+    QString prompt;
+    QString proposedName;
+    /// What the written file is called, for the panel's type choice.
+    QString typeDescription;
+    /// The file-name extension without the dot, added to a name that has none.
+    QString extension;
+
+    bool operator==(const SavePanelRequest &) const = default;
+};
+
 /// The platform's panels for choosing files. Main thread; one panel at a time.
 class FilePanels
 {
@@ -36,6 +51,11 @@ public:
     /// The chosen file's URL; empty when the user cancels or another panel is already open.
     virtual Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request,
                                                  std::stop_token stop) = 0;
+
+    /// Where to write; what is there already, the user has agreed to replace. Empty when the user
+    /// cancels or another panel is already open.
+    virtual Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
+                                                    std::stop_token stop) = 0;
 };
 
 } // namespace lumaro

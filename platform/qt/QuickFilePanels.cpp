@@ -2,12 +2,46 @@
 
 namespace lumaro {
 
+namespace {
+
+QString nameFilter(const QString &description, const QStringList &extensions)
+{
+    // File names match whatever the case of their extension.
+    QStringList patterns;
+    for (const QString &extension : extensions)
+        patterns << u"*." + extension << u"*." + extension.toUpper();
+    return description + u" (" + patterns.join(u' ') + u')';
+}
+
+} // namespace
+
 Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
                                                       std::stop_token stop)
 {
+    return show({.title = request.title,
+                 .prompt = request.prompt,
+                 .nameFilters = {nameFilter(request.typeDescription, request.extensions),
+                                 QStringLiteral("All files (*)")}},
+                std::move(stop));
+}
+
+Task<std::optional<QUrl>> QuickFilePanels::chooseNewFile(SavePanelRequest request,
+                                                         std::stop_token stop)
+{
+    return show({.title = request.title,
+                 .prompt = request.prompt,
+                 .nameFilters = {nameFilter(request.typeDescription, {request.extension})},
+                 .isSaving = true,
+                 .proposedName = request.proposedName,
+                 .defaultSuffix = request.extension},
+                std::move(stop));
+}
+
+Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token stop)
+{
     if (m_open || stop.stop_requested())
         co_return std::nullopt;
-    m_request = std::move(request);
+    m_panel = std::move(panel);
     const OneShot<std::optional<QUrl>> choice;
     m_open = choice;
     const std::stop_callback whenStopped(stop, [this] {
@@ -16,16 +50,6 @@ Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
     });
     Q_EMIT openRequested();
     co_return co_await choice;
-}
-
-QStringList QuickFilePanels::nameFilters() const
-{
-    // File names match whatever the case of their extension.
-    QStringList patterns;
-    for (const QString &extension : m_request.extensions)
-        patterns << u"*." + extension << u"*." + extension.toUpper();
-    return {m_request.typeDescription + u" (" + patterns.join(u' ') + u')',
-            QStringLiteral("All files (*)")};
 }
 
 void QuickFilePanels::accept(const QUrl &file)

@@ -15,15 +15,27 @@ class QuickFilePanels : public QObject, public FilePanels
     Q_PROPERTY(QString prompt READ prompt NOTIFY openRequested)
     /// Name filters as Qt's dialogs write them.
     Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY openRequested)
+    /// The panel asks where to write rather than what to read.
+    Q_PROPERTY(bool isSaving READ isSaving NOTIFY openRequested)
+    /// The file name that a saving panel begins with.
+    Q_PROPERTY(QString proposedName READ proposedName NOTIFY openRequested)
+    /// The extension that a saving panel adds to a name without one.
+    Q_PROPERTY(QString defaultSuffix READ defaultSuffix NOTIFY openRequested)
 
 public:
     using QObject::QObject;
 
     Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token stop) override;
 
-    const QString &title() const { return m_request.title; }
-    const QString &prompt() const { return m_request.prompt; }
-    QStringList nameFilters() const;
+    Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
+                                            std::stop_token stop) override;
+
+    const QString &title() const { return m_panel.title; }
+    const QString &prompt() const { return m_panel.prompt; }
+    QStringList nameFilters() const { return m_panel.nameFilters; }
+    bool isSaving() const { return m_panel.isSaving; }
+    const QString &proposedName() const { return m_panel.proposedName; }
+    const QString &defaultSuffix() const { return m_panel.defaultSuffix; }
 
     Q_INVOKABLE void accept(const QUrl &file);
     Q_INVOKABLE void reject();
@@ -34,9 +46,20 @@ Q_SIGNALS:
     void withdrawn();
 
 private:
+    struct Panel
+    {
+        QString title;
+        QString prompt;
+        QStringList nameFilters;
+        bool isSaving = false;
+        QString proposedName{};
+        QString defaultSuffix{};
+    };
+
+    Task<std::optional<QUrl>> show(Panel panel, std::stop_token stop);
     void answer(const std::optional<QUrl> &file);
 
-    OpenPanelRequest m_request;
+    Panel m_panel;
     std::optional<OneShot<std::optional<QUrl>>> m_open;
 };
 

@@ -16,9 +16,16 @@ public:
         co_return choice;
     }
 
+    Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request, std::stop_token) override
+    {
+        saveRequests.append(request);
+        co_return choice;
+    }
+
     /// What the user picks; empty for Cancel.
     std::optional<QUrl> choice;
     QList<OpenPanelRequest> requests;
+    QList<SavePanelRequest> saveRequests;
 };
 
 } // namespace lumaro
