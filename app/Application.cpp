@@ -28,6 +28,7 @@ void Application::prepare()
 Application::Application(const Folders &folders)
     : m_defaults(folders.settings)
     // libmpv requires it, and the application object has just set the user's locale.
+    // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
     , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})

@@ -48,9 +48,11 @@ public:
     virtual void removeItem() = 0;
     virtual bool hasItem() const = 0;
 
+    /// Begins anew at the item's end, and opens an item again that failed.
     virtual void play() = 0;
     virtual void pause() = 0;
-    /// The requested rate: 0 while paused or ended, else positive, even while waiting for data.
+    /// The requested rate: 0 while paused, ended or failed, else positive, even while waiting for
+    /// data.
     virtual double rate() const = 0;
     virtual TimeControlStatus timeControlStatus() const = 0;
 

@@ -74,8 +74,8 @@ std::optional<YouTubeContent> YouTubeContent::fromUrl(const QUrl &url)
     return fromIDs(youTubeVideoID(url, host), queryValue(url, QStringLiteral("list")));
 }
 
-std::optional<YouTubeContent> YouTubeContent::fromIDs(std::optional<QString> videoID,
-                                                      std::optional<QString> playlistID)
+std::optional<YouTubeContent> YouTubeContent::fromIDs(const std::optional<QString> &videoID,
+                                                      const std::optional<QString> &playlistID)
 {
     YouTubeContent content{trimmedOrAbsent(videoID), trimmedOrAbsent(playlistID)};
     if (!content.videoID && !content.playlistID)
@@ -139,7 +139,7 @@ QString normalizedRemoteAddress(const QString &text)
 
 std::optional<QUrl> remoteUrl(const QString &normalizedAddress)
 {
-    const QUrl url(normalizedAddress, QUrl::TolerantMode);
+    QUrl url(normalizedAddress, QUrl::TolerantMode);
     // QUrl lower-cases the scheme.
     const bool isHttp = url.scheme() == u"http" || url.scheme() == u"https";
     if (!url.isValid() || !isHttp || url.host().isEmpty())

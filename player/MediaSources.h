@@ -28,8 +28,8 @@ struct YouTubeContent
     /// Empty when `url` does not lead to a video or a playlist there.
     static std::optional<YouTubeContent> fromUrl(const QUrl &url);
     /// Empty when neither identifier is present and non-empty.
-    static std::optional<YouTubeContent> fromIDs(std::optional<QString> videoID,
-                                                 std::optional<QString> playlistID);
+    static std::optional<YouTubeContent> fromIDs(const std::optional<QString> &videoID,
+                                                 const std::optional<QString> &playlistID);
 
     /// "video|playlist"; tells whether a shown player must load anew.
     QString id() const;

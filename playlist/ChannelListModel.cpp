@@ -206,8 +206,11 @@ QVariant ChannelListModel::groupData(const ChannelIndex::Group &group, int role)
         return group.title;
     case EntryRole:
         return -1;
-    case CountRole:
-        return group.count;
+    case CountRole: {
+        const auto entries = m_index->order().begin() + group.first;
+        return int(std::count_if(entries, entries + group.count,
+                                 [this](Row entry) { return m_matches[size_t(entry)] != 0; }));
+    }
     case CollapsedRole:
         return m_filterText.isEmpty()
             && m_collapsed.contains(size_t(&group - m_index->groups().data()));

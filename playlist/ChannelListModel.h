@@ -38,7 +38,7 @@ public:
         InitialRole,
         /// The index into the playlist; -1 for a header.
         EntryRole,
-        /// A header's number of channels.
+        /// A header's number of channels that the search text leaves.
         CountRole,
         CollapsedRole,
         CurrentRole,

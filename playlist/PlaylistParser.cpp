@@ -118,6 +118,10 @@ std::expected<QByteArray, PlaylistError> PlaylistParser::decode(QByteArray bytes
 {
     if (bytes.size() > PlaylistEntries::maximumTextSize)
         return std::unexpected(PlaylistError::invalidEncoding);
+    // Any bytes can be read as Latin-1, but what has zeros besides is no text: a film or a picture
+    // must not replace the user's channels by nonsense.
+    if (bytes.contains('\0') && !QUtf8StringView(bytes).isValidUtf8())
+        return std::unexpected(PlaylistError::invalidEncoding);
     return text::decodeUtf8OrLatin1(std::move(bytes));
 }
 

@@ -7,7 +7,7 @@ namespace lumaro {
 
 namespace {
 
-constexpr std::array<std::pair<const char *, const char *>, 18> options{{
+constexpr std::array<std::pair<const char *, const char *>, 19> options{{
     {"vo", "libmpv"},
     // The user's own mpv settings and scripts are for mpv.
     {"config", "no"},
@@ -27,6 +27,8 @@ constexpr std::array<std::pair<const char *, const char *>, 18> options{{
     // The scene graph decides when a frame is shown.
     {"video-timing-offset", "0"},
     {"network-timeout", "30"},
+    // Without a sound card there is still a clock to play by.
+    {"audio-fallback-to-null", "yes"},
     {"audio-client-name", "Lumaro"},
     {"user-agent", "Lumaro/0.1"},
 }};

@@ -208,6 +208,7 @@ void MpvMediaPlayer::fail(ItemFailure failure)
 {
     m_state.failed = true;
     updateStatus();
+    notifyTimeObserver();
     Q_EMIT itemFailed(failure);
 }
 
@@ -217,6 +218,9 @@ void MpvMediaPlayer::play()
 {
     if (m_state.ended)
         seek(0);
+    // What failed may do better when it is tried again.
+    if (m_state.failed)
+        replaceItem(QUrl(m_item));
     m_paused = false;
     if (m_core) {
         int value = 0;
@@ -237,7 +241,7 @@ void MpvMediaPlayer::pause()
 
 double MpvMediaPlayer::rate() const
 {
-    return m_paused ? 0 : 1;
+    return m_paused || m_state.failed ? 0 : 1;
 }
 
 void MpvMediaPlayer::seek(double seconds)
