@@ -4,8 +4,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 if (($# == 0)); then
-    # Only what the debug build compiles; fuzzers and benchmarks have builds of their own.
-    mapfile -t files < <(git ls-files '*.cpp' | grep -vE '^(bench|fuzz)/')
+    # What ships, as the debug build compiles it.
+    mapfile -t files < <(git ls-files '*.cpp' | grep -vE '^(bench|fuzz|tests)/')
 else
     files=("$@")
 fi

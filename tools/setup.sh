@@ -39,6 +39,9 @@ need_packages() {
         apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
 
+# Fresh clones, such as those that guard a landing, share what was compiled before.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+
 # build PRESET [TARGET…]: configures once, then builds what changed.
 build() {
     local preset=$1
