@@ -362,7 +362,12 @@ void ServersTest::endlessBodyTakesNoMemory()
         return bytes.indexOf('\n', received == bytes.size() ? 400 : 0) < 0;
     };
     QTRY_VERIFY(receive() && received > 100'000'000);
+#ifdef __SANITIZE_ADDRESS__
+    // The sanitizer holds back what was freed, so memory says nothing here.
+    Q_UNUSED(before);
+#else
     QVERIFY(residentMemory() - before < 30);
+#endif
     client.abort();
     QTRY_COMPARE(m_faults->openConnections(), 0);
 }
