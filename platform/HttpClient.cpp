@@ -19,6 +19,8 @@ QString HttpError::description() const
         return QStringLiteral("The connection to the server was lost.");
     case Kind::UnsupportedAddress:
         return QStringLiteral("The address is not an HTTP or HTTPS address.");
+    case Kind::NotTaken:
+        return QStringLiteral("The received data could not be stored.");
     }
     Q_UNREACHABLE();
 }

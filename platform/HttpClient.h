@@ -6,7 +6,10 @@
 #include <QString>
 #include <QUrl>
 
+#include <chrono>
 #include <expected>
+#include <functional>
+#include <limits>
 
 namespace lumaro {
 
@@ -21,6 +24,7 @@ struct HttpError
         TooManyRedirects,
         Broken, ///< the connection ended in the middle, or the answer was not HTTP
         UnsupportedAddress, ///< neither http nor https, or a redirect to such an address
+        NotTaken, ///< the caller's own HttpBodySink refused the body
     };
 
     Kind kind = Kind::Broken;
@@ -35,7 +39,11 @@ struct HttpRequest
 {
     QUrl url;
     /// The longest body that is accepted, in bytes after decompression.
-    qint64 maximumBodySize = 0;
+    qint64 maximumBodySize = std::numeric_limits<qint64>::max();
+    /// How long the server may send nothing before the request fails.
+    std::chrono::milliseconds patience = std::chrono::seconds(30);
+    /// The User-Agent header (RFC 9110, section 10.1.5); empty for the client's own.
+    QByteArray userAgent;
 };
 
 struct HttpResponse
@@ -45,6 +53,10 @@ struct HttpResponse
     QUrl url;
     QByteArray body;
 };
+
+/// Takes a body piece by piece as it arrives, in order. It is called on a thread of the client's
+/// own and never after its request has ended. False refuses the rest.
+using HttpBodySink = std::function<bool(QByteArrayView bytes)>;
 
 /// Fetches http and https addresses. Follows redirects, never from https to http nor to any other
 /// scheme. Main thread; nothing blocks.
@@ -59,6 +71,11 @@ public:
     /// Fetches the whole body, whatever the status.
     virtual Task<std::expected<HttpResponse, HttpError>> get(HttpRequest request,
                                                              std::stop_token stop) = 0;
+
+    /// Fetches the body into `sink` when the status is a success (200 to 299); the response then
+    /// holds no body. A request that fails may have given a part of it.
+    virtual Task<std::expected<HttpResponse, HttpError>>
+    stream(HttpRequest request, HttpBodySink sink, std::stop_token stop) = 0;
 };
 
 } // namespace lumaro

@@ -47,15 +47,41 @@ HttpError::Kind errorKind(QNetworkReply::NetworkError error)
 
 } // namespace
 
-QtHttpClient::QtHttpClient(std::chrono::milliseconds patience)
-    : m_patience(patience)
+QtHttpClient::QtHttpClient()
 {
     m_network.setAutoDeleteReplies(false);
-    m_network.setTransferTimeout(int(m_patience.count()));
 }
 
 Task<std::expected<HttpResponse, HttpError>> QtHttpClient::get(HttpRequest request,
                                                                std::stop_token stop)
+{
+    const auto body = std::make_shared<QByteArray>();
+    std::function<bool(int, QByteArrayView)> take = [body](int, QByteArrayView bytes) {
+        body->append(bytes);
+        return true;
+    };
+    Task<std::expected<HttpResponse, HttpError>> fetching =
+        fetch(std::move(request), std::move(take), std::move(stop));
+    std::expected<HttpResponse, HttpError> response = co_await fetching;
+    if (response)
+        response->body = std::move(*body);
+    co_return response;
+}
+
+Task<std::expected<HttpResponse, HttpError>>
+QtHttpClient::stream(HttpRequest request, HttpBodySink sink, std::stop_token stop)
+{
+    return fetch(
+        std::move(request),
+        [sink = std::move(sink)](int status, QByteArrayView bytes) {
+            return status / 100 != 2 || sink(bytes);
+        },
+        std::move(stop));
+}
+
+Task<std::expected<HttpResponse, HttpError>>
+QtHttpClient::fetch(HttpRequest request, std::function<bool(int, QByteArrayView)> take,
+                    std::stop_token stop)
 {
     using Outcome = std::expected<HttpResponse, HttpError>;
     const auto failure = [](HttpError::Kind kind) {
@@ -70,17 +96,24 @@ Task<std::expected<HttpResponse, HttpError>> QtHttpClient::get(HttpRequest reque
     networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                                 QNetworkRequest::NoLessSafeRedirectPolicy);
     networkRequest.setMaximumRedirectsAllowed(maximumRedirects);
+    networkRequest.setTransferTimeout(int(request.patience.count()));
+    if (!request.userAgent.isEmpty())
+        networkRequest.setRawHeader(QByteArrayLiteral("User-Agent"), request.userAgent);
     const auto deleteLater = [](QNetworkReply *reply) { reply->deleteLater(); };
     const std::unique_ptr<QNetworkReply, decltype(deleteLater)> reply(m_network.get(networkRequest),
                                                                       deleteLater);
     reply->setReadBufferSize(readBufferSize);
 
-    QByteArray body;
+    qint64 received = 0;
     const OneShot<std::optional<HttpError>> ended;
-    const auto readMore = [&body, &request, ended, source = reply.get()] {
-        body += source->readAll();
-        if (body.size() > request.maximumBodySize)
+    const auto readMore = [&received, &request, &take, ended, source = reply.get()] {
+        const QByteArray bytes = source->readAll();
+        received += bytes.size();
+        const int status = source->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        if (received > request.maximumBodySize)
             ended.complete(HttpError{HttpError::Kind::TooLarge});
+        else if (!bytes.isEmpty() && !take(status, bytes))
+            ended.complete(HttpError{HttpError::Kind::NotTaken});
     };
     QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), readMore);
     QObject::connect(reply.get(), &QNetworkReply::finished, reply.get(), [ended, readMore] {
@@ -102,7 +135,7 @@ Task<std::expected<HttpResponse, HttpError>> QtHttpClient::get(HttpRequest reque
     const bool answered = reply->error() == QNetworkReply::NoError || status >= 400;
     if (!answered)
         co_return failure(errorKind(reply->error()));
-    co_return HttpResponse{status, reply->url(), std::move(body)};
+    co_return HttpResponse{status, reply->url(), {}};
 }
 
 } // namespace lumaro

@@ -4,7 +4,7 @@
 
 #include <QNetworkAccessManager>
 
-#include <chrono>
+#include <functional>
 
 namespace lumaro {
 
@@ -12,14 +12,19 @@ namespace lumaro {
 class QtHttpClient final : public HttpClient
 {
 public:
-    /// `patience` is how long a server may send nothing before the request fails.
-    explicit QtHttpClient(std::chrono::milliseconds patience = std::chrono::seconds(30));
+    QtHttpClient();
 
     Task<std::expected<HttpResponse, HttpError>> get(HttpRequest request,
                                                      std::stop_token stop) override;
+    /// Calls `sink` on the main thread.
+    Task<std::expected<HttpResponse, HttpError>> stream(HttpRequest request, HttpBodySink sink,
+                                                        std::stop_token stop) override;
 
 private:
-    std::chrono::milliseconds m_patience;
+    Task<std::expected<HttpResponse, HttpError>>
+    fetch(HttpRequest request, std::function<bool(int status, QByteArrayView)> take,
+          std::stop_token stop);
+
     QNetworkAccessManager m_network;
 };
 

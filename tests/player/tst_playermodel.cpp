@@ -290,7 +290,7 @@ void PlayerModelTest::playlistFailureKeepsWhatThereIs()
     QCOMPARE(model.currentURL(), liveStream);
     QCOMPARE(model.title(), u"News"_s);
     QVERIFY(!model.isLoading());
-    QCOMPARE(m_world->http.lastMaximumBodySize(), PlayerModel::maximumPlaylistSize);
+    QCOMPARE(m_world->http.lastRequest().maximumBodySize, PlayerModel::maximumPlaylistSize);
 }
 
 void PlayerModelTest::parsedTooLateIsDropped()
