@@ -26,7 +26,8 @@ void Application::prepare()
 }
 
 Application::Application(const Folders &folders)
-    : m_defaults(folders.settings)
+    : m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
+    , m_defaults(folders.settings)
     // libmpv requires it, and the application object has just set the user's locale.
     // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
     , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))

@@ -4,10 +4,10 @@
 #include "app/MenuCommands.h"
 #include "app/TransportModel.h"
 #include "platform/NotificationCenter.h"
+#include "platform/curl/CurlHttpClient.h"
 #include "platform/mpv/MpvMediaPlayer.h"
 #include "platform/qt/BoundedNetworkAccess.h"
 #include "platform/qt/FileUserDefaults.h"
-#include "platform/qt/QtHttpClient.h"
 #include "platform/qt/QtInputMonitor.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/QuickFilePanels.h"
@@ -52,7 +52,7 @@ private:
     // In the order of who needs whom; the engine goes first at the end, and with it every view.
     QtScheduler m_scheduler;
     NotificationCenter m_notifications;
-    QtHttpClient m_http;
+    CurlHttpClient m_http;
     FileUserDefaults m_defaults;
     QuickFilePanels m_panels;
     QtInputMonitor m_input;

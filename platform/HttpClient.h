@@ -43,7 +43,7 @@ struct HttpRequest
     /// How long the server may send nothing before the request fails.
     std::chrono::milliseconds patience = std::chrono::seconds(30);
     /// The User-Agent header (RFC 9110, section 10.1.5); empty for the client's own.
-    QByteArray userAgent;
+    QByteArray userAgent = {};
 };
 
 struct HttpResponse

@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 
 run_packages=(
-    libgl1-mesa-dri fonts-inter
+    libgl1-mesa-dri fonts-inter ca-certificates
     qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
     qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qtquick-layouts
     qml6-module-qtqml-workerscript qml6-module-qt-labs-folderlistmodel
@@ -10,7 +10,8 @@ run_packages=(
 )
 build_packages=(
     g++ cmake ninja-build ccache pkg-config
-    qt6-base-dev qt6-declarative-dev libqt6svg6-dev libgl-dev qcoro-qt6-dev libmpv-dev zlib1g-dev
+    qt6-base-dev qt6-declarative-dev qt6-svg-dev libgl-dev qcoro-qt6-dev libmpv-dev
+    libcurl4-openssl-dev zlib1g-dev
 )
 test_packages=(
     clang-format-19 clang-tidy-19 xvfb xdotool imagemagick nginx-light ffmpeg

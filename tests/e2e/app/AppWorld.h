@@ -5,6 +5,7 @@
 #include "tests/e2e/servers/LiveFeed.h"
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/NginxServer.h"
+#include "tests/e2e/servers/ValueOrFail.h"
 
 #include <QGuiApplication>
 #include <QQuickWindow>
@@ -15,16 +16,6 @@
 #include <memory>
 
 namespace lumaro {
-
-/// The value of `result`; without one the running test fails and a default value is returned.
-template <typename T>
-T valueOrFail(std::expected<T, QString> result)
-{
-    if (result)
-        return std::move(*result);
-    QTest::qFail(qPrintable(result.error()), __FILE__, __LINE__);
-    return {};
-}
 
 /// The whole application in its window, with folders of its own.
 class AppWorld

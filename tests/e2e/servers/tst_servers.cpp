@@ -3,6 +3,7 @@
 #include "tests/e2e/servers/LiveFeed.h"
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/NginxServer.h"
+#include "tests/e2e/servers/ValueOrFail.h"
 #include "tests/e2e/servers/VirtualDisplay.h"
 
 #include <QFile>
@@ -22,16 +23,6 @@ Q_DECLARE_METATYPE(lumaro::FaultResponse)
 Q_DECLARE_METATYPE(lumaro::Fixture)
 
 namespace {
-
-/// The value of `result`; without one the running test fails and a default value is returned.
-template <typename T>
-T valueOrFail(std::expected<T, QString> result)
-{
-    if (result)
-        return std::move(*result);
-    QTest::qFail(qPrintable(result.error()), __FILE__, __LINE__);
-    return {};
-}
 
 /// What ffprobe finds in `file`, such as "audio video".
 QString streamKinds(const QString &file)

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/HttpClient.h"
+
+#include <curl/curl.h>
+
+#include <memory>
+#include <optional>
+
+namespace lumaro {
+
+/// One request on its way through redirects to its answer. Belongs to the thread that makes it
+/// happen.
+class CurlTransfer
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Without a sink the body becomes part of the response.
+    CurlTransfer(quint64 id, HttpRequest request, HttpBodySink sink);
+    CurlTransfer(const CurlTransfer &) = delete;
+    CurlTransfer &operator=(const CurlTransfer &) = delete;
+    ~CurlTransfer() = default;
+
+    CURL *easy() const { return m_easy.get(); }
+    static quint64 idOf(CURL *easy);
+
+    /// Fails for an address that is not http or https.
+    std::expected<void, HttpError> prepare();
+
+    /// When the server has been silent for too long.
+    Clock::time_point deadline() const { return m_lastSign + m_request.patience; }
+
+    /// The answer points somewhere else (RFC 9110, section 15.4).
+    bool isRedirect() const;
+    /// Prepares the request to where the answer points.
+    std::expected<void, HttpError> follow();
+
+    /// What came of it, when libcurl has ended it with `code`.
+    std::expected<HttpResponse, HttpError> result(CURLcode code);
+
+private:
+    static size_t onBody(char *bytes, size_t size, size_t count, void *transfer);
+    static size_t onHeader(char *bytes, size_t size, size_t count, void *transfer);
+    bool take(QByteArrayView bytes);
+    int status() const;
+    std::optional<QByteArray> location() const;
+
+    quint64 m_id = 0;
+    HttpRequest m_request;
+    HttpBodySink m_sink;
+    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_easy;
+    Clock::time_point m_lastSign;
+    QByteArray m_body;
+    qint64 m_received = 0;
+    int m_redirects = 0;
+    /// Why the body was refused here.
+    std::optional<HttpError::Kind> m_refusal;
+};
+
+} // namespace lumaro
