@@ -60,7 +60,8 @@ public:
     virtual std::optional<double> currentTime() const = 0;
     /// Seconds; empty while unknown and for a stream without an end.
     virtual std::optional<double> duration() const = 0;
-    /// Where seek() can go, for a stream without an end too; empty when nowhere.
+    /// Where seek() can go: everywhere, or within what has arrived of a stream without an end or
+    /// from a server that sends no parts; empty when nowhere.
     virtual std::optional<TimeRange> seekableRange() const = 0;
     /// The picture's size as it should be shown, in pixels; empty without a picture.
     virtual QSize presentationSize() const = 0;

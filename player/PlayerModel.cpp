@@ -19,6 +19,9 @@ namespace {
 constexpr std::chrono::milliseconds timeObserverInterval = 250ms;
 constexpr std::chrono::milliseconds bufferingIndicatorDelay = 450ms;
 
+/// Seconds by which the data of a film may begin late and end early.
+constexpr double reachTolerance = 1;
+
 QString productName()
 {
     return QStringLiteral("Lumaro");
@@ -316,21 +319,19 @@ void PlayerModel::skip(double seconds)
         seek(m_currentTime + seconds);
 }
 
-std::optional<MediaPlayer::TimeRange> PlayerModel::reachableRange() const
-{
-    // A stream without an end has no duration to clamp to; what the player can reach of it is
-    // the honest bound, and where it can reach nothing a skip must not move it.
-    if (m_duration > 0)
-        return MediaPlayer::TimeRange{0, m_duration};
-    return seekableRange();
-}
-
 void PlayerModel::seek(double seconds)
 {
-    const auto range = reachableRange();
-    if (!m_platform.player.hasItem() || !range || !std::isfinite(seconds))
+    const auto reachable = seekableRange();
+    if (!reachable || !std::isfinite(seconds))
         return;
-    const double target = std::max(range->start, std::min(seconds, range->end));
+    double target = seconds;
+    if (m_duration > 0) {
+        target = std::clamp(seconds, 0.0, m_duration);
+        // Of a film, somewhere else is no substitute; of a stream without an end, the nearest is.
+        if (target < reachable->start - reachTolerance || target > reachable->end + reachTolerance)
+            return;
+    }
+    target = std::max(reachable->start, std::min(target, reachable->end));
     m_platform.player.seek(target);
     publish(m_currentTime, target, &PlayerModel::currentTimeChanged);
 }

@@ -114,7 +114,7 @@ public:
     Q_INVOKABLE void togglePlayback();
     Q_INVOKABLE void stop();
     Q_INVOKABLE void skip(double seconds);
-    /// Goes to `seconds`, within what can be reached.
+    /// Goes to `seconds`, within what can be reached; nowhere if that part of a film cannot be.
     Q_INVOKABLE void seek(double seconds);
     Q_INVOKABLE void toggleMute();
     Q_INVOKABLE void setVolume(double value);
@@ -170,7 +170,6 @@ private:
     void showWebContent(const LastPlayableSource &source);
     void removePlatformItem();
     const WebPlayerRegistry *activeWebPlayer() const;
-    std::optional<MediaPlayer::TimeRange> reachableRange() const;
 
     void observeTime();
     void refreshBufferingState();

@@ -7,13 +7,17 @@ namespace lumaro {
 
 namespace {
 
-constexpr std::array<std::pair<const char *, const char *>, 19> options{{
+constexpr std::array<std::pair<const char *, const char *>, 23> options{{
     {"vo", "libmpv"},
     // The user's own mpv settings and scripts are for mpv.
     {"config", "no"},
     {"load-scripts", "no"},
     {"ytdl", "no"},
     {"osc", "no"},
+    {"load-stats-overlay", "no"},
+    {"load-osd-console", "no"},
+    // What comes from the network names no local files.
+    {"load-unsafe-playlists", "no"},
     {"terminal", "no"},
     {"input-default-bindings", "no"},
     {"resume-playback", "no"},
@@ -23,6 +27,8 @@ constexpr std::array<std::pair<const char *, const char *>, 19> options{{
     {"keep-open", "yes"},
     {"keep-open-pause", "no"},
     {"hr-seek", "yes"},
+    // Where a server sends no parts of a file, within what has arrived.
+    {"force-seekable", "yes"},
     {"hwdec", "auto-safe"},
     // The scene graph decides when a frame is shown.
     {"video-timing-offset", "0"},

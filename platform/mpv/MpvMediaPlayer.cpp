@@ -19,6 +19,7 @@ struct ObservedProperty
     mpv_format format;
 };
 
+// The cache's state comes after the length, which it is compared with.
 constexpr ObservedProperty observedProperties[] = {
     {Topic::Duration, "duration", MPV_FORMAT_DOUBLE},
     {Topic::Seekable, "seekable", MPV_FORMAT_FLAG},
@@ -47,6 +48,15 @@ quint64 itemNumberOf(quint64 id)
     return id >> 8;
 }
 
+/// A playlist that names itself, or a server that makes up ever new ones, must end somewhere.
+constexpr int maximumPlaylists = 10;
+
+/// How much later than the newest data the end must be to have been told by the file itself.
+constexpr double lengthMargin = 1;
+
+/// How far from the data in the cache a position may lie and still belong to it.
+constexpr double rangeMargin = 0.5;
+
 /// libmpv opens much more than media: devices, its own scripting, playlists made of other files.
 /// An address that came from a playlist must not reach those.
 bool isOpenable(const QUrl &url)
@@ -55,7 +65,9 @@ bool isOpenable(const QUrl &url)
         QStringLiteral(
             "file http https rtmp rtmps rtmpt rtmpe rtsp rtsps rtp udp srt mms mmsh mmst")
             .split(u' ');
-    return url.isValid() && schemes.contains(url.scheme());
+    // A relative path could begin as one of libmpv's own addresses do.
+    return url.isValid() && schemes.contains(url.scheme())
+        && (!url.isLocalFile() || url.toLocalFile().startsWith(u'/'));
 }
 
 QByteArray mpvAddress(const QUrl &url)
@@ -79,6 +91,11 @@ const mpv_node *mapValue(const mpv_node &map, const char *key)
             return &list.values[i];
     }
     return nullptr;
+}
+
+bool flag(const mpv_node *node)
+{
+    return node && node->format == MPV_FORMAT_FLAG && node->u.flag != 0;
 }
 
 std::optional<double> number(const mpv_node *node)
@@ -155,7 +172,7 @@ void MpvMediaPlayer::replaceItem(const QUrl &url)
     m_item = url;
     m_itemIsPending = true;
     ++m_itemNumber;
-    m_playlistEntryId.reset();
+    m_playlist = {};
     m_state = {};
     m_pictureSize = {};
     openPendingItem();
@@ -195,6 +212,7 @@ void MpvMediaPlayer::removeItem()
     m_item.clear();
     m_itemIsPending = false;
     ++m_itemNumber;
+    m_playlist = {};
     m_state = {};
     m_pictureSize = {};
     if (m_core) {
@@ -249,6 +267,7 @@ void MpvMediaPlayer::seek(double seconds)
     if (!m_core || !hasItem())
         return;
     m_state.pendingSeek = seconds;
+    ++m_state.seeksUnderWay;
     m_state.ended = false;
     const QByteArray target = QByteArray::number(seconds, 'f', 6);
     const char *arguments[] = {"seek", target.constData(), "absolute+exact", nullptr};
@@ -279,17 +298,16 @@ std::optional<double> MpvMediaPlayer::currentTime() const
 
 std::optional<double> MpvMediaPlayer::duration() const
 {
-    // For a stream without an end libmpv reports how much it has seen so far.
-    return m_state.seekable && !m_state.onlyCacheSeekable ? m_state.duration : std::nullopt;
+    return m_state.canSeekEverywhere() || m_state.lengthIsTold ? m_state.duration : std::nullopt;
 }
 
 std::optional<MediaPlayer::TimeRange> MpvMediaPlayer::seekableRange() const
 {
-    if (const auto length = duration())
-        return TimeRange{0, *length};
+    if (m_state.canSeekEverywhere() && m_state.duration)
+        return TimeRange{0, *m_state.duration};
     const double now = currentTime().value_or(0);
     const auto around = std::ranges::find_if(m_state.cachedRanges, [now](const TimeRange &range) {
-        return range.start <= now && now <= range.end;
+        return range.start - rangeMargin <= now && now <= range.end + rangeMargin;
     });
     return around == m_state.cachedRanges.end() ? std::nullopt : std::optional(*around);
 }
@@ -374,9 +392,11 @@ void MpvMediaPlayer::handle(const mpv_event &event)
     switch (event.event_id) {
     case MPV_EVENT_START_FILE:
         m_startedEntryId = static_cast<mpv_event_start_file *>(event.data)->playlist_entry_id;
+        if (std::exchange(m_playlist.goesOn, false))
+            m_playlist.entryId = m_startedEntryId;
         break;
     case MPV_EVENT_FILE_LOADED:
-        if (m_playlistEntryId == m_startedEntryId) {
+        if (m_playlist.entryId == m_startedEntryId) {
             m_state.loaded = true;
             requestProperties();
         }
@@ -401,7 +421,9 @@ void MpvMediaPlayer::handle(const mpv_event &event)
     case MPV_EVENT_PLAYBACK_RESTART:
         if (!m_state.loaded)
             break;
-        m_state.pendingSeek.reset();
+        // Otherwise an older seek has ended; the position must not jump back to it.
+        if (m_state.seeksUnderWay == 0 && m_state.pendingSeek)
+            m_state.time = std::exchange(m_state.pendingSeek, std::nullopt);
         requestTime();
         if (!std::exchange(m_state.started, true))
             Q_EMIT itemStarted();
@@ -420,13 +442,14 @@ void MpvMediaPlayer::handleCommandReply(const mpv_event &event)
         const mpv_node &result = static_cast<mpv_event_command *>(event.data)->result;
         const mpv_node *entry = mapValue(result, "playlist_entry_id");
         if (entry && entry->format == MPV_FORMAT_INT64)
-            m_playlistEntryId = entry->u.int64;
+            m_playlist.entryId = entry->u.int64;
         if (event.error < 0)
             fail(failureOf(event.error));
         break;
     }
     case Topic::Seek:
-        if (event.error < 0) {
+        m_state.seeksUnderWay = std::max(0, m_state.seeksUnderWay - 1);
+        if (event.error < 0 && m_state.seeksUnderWay == 0) {
             m_state.pendingSeek.reset();
             requestTime();
         }
@@ -438,15 +461,40 @@ void MpvMediaPlayer::handleCommandReply(const mpv_event &event)
 
 void MpvMediaPlayer::handleEndOfFile(const mpv_event_end_file &end)
 {
-    if (!m_playlistEntryId || end.playlist_entry_id != *m_playlistEntryId)
+    if (!m_playlist.entryId || end.playlist_entry_id != *m_playlist.entryId)
         return;
-    if (end.reason == MPV_END_FILE_REASON_REDIRECT)
-        m_playlistEntryId = end.playlist_insert_id;
-    else if (end.reason == MPV_END_FILE_REASON_ERROR)
-        fail(failureOf(end.error));
-    // Nothing at all could be shown: with anything shown, the last picture would have stayed.
-    else if (end.reason == MPV_END_FILE_REASON_EOF)
-        fail(ItemFailure::Unplayable);
+    switch (end.reason) {
+    case MPV_END_FILE_REASON_REDIRECT:
+        m_playlist.entriesAhead += end.playlist_insert_num_entries;
+        if (++m_playlist.playlistsRead > maximumPlaylists)
+            m_playlist.entriesAhead = 0;
+        goOn(ItemFailure::Unplayable);
+        break;
+    case MPV_END_FILE_REASON_ERROR:
+        goOn(failureOf(end.error));
+        break;
+    case MPV_END_FILE_REASON_EOF:
+        // With anything shown, the last entry's last picture would have stayed.
+        goOn(ItemFailure::Unplayable);
+        break;
+    default:
+        break;
+    }
+}
+
+void MpvMediaPlayer::goOn(ItemFailure failureOtherwise)
+{
+    m_playlist.entryId.reset();
+    if (m_playlist.entriesAhead > 0) {
+        --m_playlist.entriesAhead;
+        m_playlist.goesOn = true;
+        m_state = {};
+        updateStatus();
+        return;
+    }
+    const char *arguments[] = {"stop", nullptr};
+    mpv_command_async(m_core->handle(), 0, arguments);
+    fail(failureOtherwise);
 }
 
 void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &property)
@@ -457,7 +505,7 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
         notifyTimeObserver();
         break;
     case Topic::Duration:
-        m_state.duration = valueOf<double>(property);
+        updateDuration(valueOf<double>(property));
         notifyTimeObserver();
         break;
     case Topic::Seekable:
@@ -468,11 +516,10 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
         m_state.onlyCacheSeekable = flagOf(property);
         notifyTimeObserver();
         break;
-    case Topic::CacheState: {
-        const auto state = valueOf<mpv_node>(property);
-        m_state.cachedRanges = state ? seekableRanges(*state) : QList<TimeRange>();
+    case Topic::CacheState:
+        updateCacheState(valueOf<mpv_node>(property).value_or(mpv_node{}));
+        notifyTimeObserver();
         break;
-    }
     case Topic::CoreIdle:
         m_state.coreIdle = flagOf(property);
         updateStatus();
@@ -503,6 +550,27 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
     default:
         break;
     }
+}
+
+void MpvMediaPlayer::updateDuration(std::optional<double> duration)
+{
+    if (m_state.duration && duration && *duration > *m_state.duration + rangeMargin) {
+        m_state.lengthGrows = true;
+        m_state.lengthIsTold = false;
+    }
+    m_state.duration = duration;
+}
+
+void MpvMediaPlayer::updateCacheState(const mpv_node &state)
+{
+    m_state.cachedRanges = seekableRanges(state);
+    // For a stream without an end libmpv reports how much it has seen so far. What lies beyond
+    // that has been told by the file, and at the end of the data all is known anyway.
+    const std::optional<double> newest = number(mapValue(state, "cache-end"));
+    const bool isBeyondData =
+        m_state.duration && newest && *m_state.duration > *newest + lengthMargin;
+    if (flag(mapValue(state, "eof-cached")) || (isBeyondData && !m_state.lengthGrows))
+        m_state.lengthIsTold = true;
 }
 
 } // namespace lumaro

@@ -78,15 +78,31 @@ private:
         std::optional<double> time;
         std::optional<double> duration;
         std::optional<double> pendingSeek;
+        int seeksUnderWay = 0;
         QList<TimeRange> cachedRanges;
         bool seekable = false;
         bool onlyCacheSeekable = false;
+        bool lengthIsTold = false;
+        bool lengthGrows = false;
         bool coreIdle = true;
         bool waitsForCache = false;
         bool ended = false;
         bool failed = false;
         bool loaded = false;
         bool started = false;
+
+        bool canSeekEverywhere() const { return seekable && !onlyCacheSeekable; }
+    };
+
+    /// The item as libmpv's playlist numbers it; it may turn out to be a playlist itself, whose
+    /// entries take its place.
+    struct PlaylistState
+    {
+        std::optional<qint64> entryId;
+        int entriesAhead = 0;
+        int playlistsRead = 0;
+        /// libmpv begins another of its entries by itself.
+        bool goesOn = false;
     };
 
     void openPendingItem();
@@ -95,7 +111,10 @@ private:
     void handle(const mpv_event &event);
     void handleProperty(MpvTopic topic, const mpv_event_property &property);
     void handleEndOfFile(const mpv_event_end_file &end);
+    void goOn(ItemFailure failureOtherwise);
     void handleCommandReply(const mpv_event &event);
+    void updateDuration(std::optional<double> duration);
+    void updateCacheState(const mpv_node &state);
     void updateStatus();
     void updateClock();
     void requestTime();
@@ -112,8 +131,7 @@ private:
     bool m_itemIsPending = false;
     /// Increases with each item; replies that carry an older number are of an older item.
     quint64 m_itemNumber = 0;
-    /// The item, and what was begun last, as libmpv's playlist numbers them.
-    std::optional<qint64> m_playlistEntryId;
+    PlaylistState m_playlist;
     std::optional<qint64> m_startedEntryId;
     ItemState m_state;
     QSize m_pictureSize;

@@ -37,7 +37,10 @@ public:
 
     std::optional<double> currentTime() const override { return time; }
     std::optional<double> duration() const override { return length; }
-    std::optional<TimeRange> seekableRange() const override { return seekable; }
+    std::optional<TimeRange> seekableRange() const override
+    {
+        return !seekable && length ? TimeRange{0, *length} : seekable;
+    }
     QSize presentationSize() const override { return pictureSize; }
 
     void seek(double seconds) override { log.append(QStringLiteral("seek %1").arg(seconds)); }
@@ -71,6 +74,7 @@ public:
     TimeControlStatus status = TimeControlStatus::Paused;
     std::optional<double> time;
     std::optional<double> length;
+    /// Without it the whole length.
     std::optional<TimeRange> seekable;
     QSize pictureSize;
     std::chrono::milliseconds observerInterval{};

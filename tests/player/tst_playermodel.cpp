@@ -513,6 +513,14 @@ void PlayerModelTest::skips_data()
     QTest::newRow("inside") << 10. << 60. << Range() << 5. << u"seek 15"_s;
     QTest::newRow("past the end") << 50. << 60. << Range() << 20. << u"seek 60"_s;
     QTest::newRow("before the start") << 3. << 60. << Range() << -5. << u"seek 0"_s;
+    QTest::newRow("film, within what has arrived")
+        << 10. << 60. << Range({0, 20}) << 5. << u"seek 15"_s;
+    QTest::newRow("film, to its beginning, where data begins late")
+        << 3. << 60. << Range({0.1, 20}) << -5. << u"seek 0.1"_s;
+    QTest::newRow("film, beyond what has arrived")
+        << 10. << 60. << Range({0, 20}) << 20. << QString();
+    QTest::newRow("film, before what is kept")
+        << 30. << 60. << Range({20, 40}) << -20. << QString();
     QTest::newRow("live, nowhere to go") << 100. << 0. << Range() << -5. << QString();
     QTest::newRow("live, within the window")
         << 100. << 0. << Range({80, 110}) << -5. << u"seek 95"_s;

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void playsFiles();
     void playsAddresses_data();
     void playsAddresses();
+    void skipsWithinWhatHasArrived();
     void playsALiveStream();
     void liveStreamStallsAndRecovers();
     void seeksExactly();
@@ -84,6 +85,7 @@ void AppPlaybackTest::playsAddresses_data()
     QTest::newRow("finished HLS") << u"/hls/master.m3u8"_s << 20.0;
     QTest::newRow("HLS in fragmented MP4") << u"/fmp4/master.m3u8"_s << 20.0;
     QTest::newRow("redirected") << u"/redirect/302/movie.mp4"_s << 60.0;
+    QTest::newRow("film from a server that sends no parts") << u"/whole/400000/movie.mp4"_s << 60.0;
 }
 
 void AppPlaybackTest::playsAddresses()
@@ -97,6 +99,25 @@ void AppPlaybackTest::playsAddresses()
     QVERIFY(std::abs(m_world->player().videoAspectRatio() - 16.0 / 9) < 0.01);
     QVERIFY(m_world->pictureChanges());
     QCOMPARE(m_world->player().errorMessage(), QString());
+}
+
+void AppPlaybackTest::skipsWithinWhatHasArrived()
+{
+    PlayerModel &player = m_world->player();
+    m_world->open(m_nginx->url(u"/whole/400000/movie.mp4"_s).toString());
+    QVERIFY(m_world->playsTo(0.5));
+    QVERIFY(becomesTrue([&] {
+        return player.duration() > 0
+            && player.seekableRange().value_or(MediaPlayer::TimeRange()).end > 10;
+    }));
+    const double before = player.currentTime();
+    player.skip(3600);
+    QCOMPARE(player.currentTime(), before);
+    player.skip(-3600);
+    QVERIFY(player.currentTime() < 0.5);
+    player.skip(5);
+    QVERIFY(m_world->playsTo(5.3));
+    QVERIFY(m_world->pictureChanges());
 }
 
 void AppPlaybackTest::playsALiveStream()

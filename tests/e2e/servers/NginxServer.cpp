@@ -56,6 +56,11 @@ http {
             limit_rate $rate;
             alias "%FOLDER%/root/$target";
         }
+        location ~ ^/whole/(?<rate>[0-9]+)/(?<target>.+)$ {
+            max_ranges 0;
+            limit_rate $rate;
+            alias "%FOLDER%/root/$target";
+        }
 %LOCATIONS%    }
 }
 )"_s;

@@ -17,6 +17,7 @@ namespace lumaro {
 /// /redirect?to=LOCATION      302 to LOCATION as it stands, of any scheme; not percent-decoded
 /// /redirect-loop/a, …/b      302 to each other
 /// /slow/RATE/PATH            the file PATH at RATE bytes a second
+/// /whole/RATE/PATH           the same without byte ranges; RATE 0 for no limit
 ///
 /// Needs an application object.
 class NginxServer

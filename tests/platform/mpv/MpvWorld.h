@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/mpv/MpvMediaPlayer.h"
+
+#include <QQuickWindow>
+#include <QTest>
+
+#include <expected>
+#include <memory>
+
+namespace lumaro {
+
+/// The value of `result`; without one the running test fails and a default value is returned.
+template <typename T>
+T valueOrFail(std::expected<T, QString> result)
+{
+    if (result)
+        return std::move(*result);
+    QTest::qFail(qPrintable(result.error()), __FILE__, __LINE__);
+    return {};
+}
+
+/// libmpv as the media player, with its picture in a window on a display.
+class MpvWorld
+{
+public:
+    MpvWorld();
+    ~MpvWorld();
+    MpvWorld(const MpvWorld &) = delete;
+    MpvWorld &operator=(const MpvWorld &) = delete;
+
+    void open(const QUrl &url);
+    bool playsTo(double seconds);
+
+    std::unique_ptr<MpvMediaPlayer> player;
+    std::unique_ptr<QQuickWindow> window;
+    int started = 0;
+    QList<MediaPlayer::ItemFailure> failures;
+};
+
+/// Waits for `condition`, as long as the slowest machine may take.
+bool becomesTrue(const std::function<bool()> &condition);
+
+/// Runs `test` in a display of its own.
+int runMpvTest(int argc, char *argv[], const std::function<int()> &test);
+
+} // namespace lumaro
+
+#define LUMARO_MPV_TEST_MAIN(Test)                                                                 \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        return lumaro::runMpvTest(argc, argv, [&] {                                                \
+            Test test;                                                                             \
+            return QTest::qExec(&test, argc, argv);                                                \
+        });                                                                                        \
+    }
