@@ -36,6 +36,25 @@ QUrl decodeUrl(QUtf8StringView text)
     return QUrl::fromEncoded(QByteArray(text.data(), text.size()));
 }
 
+bool isSameText(QUtf8StringView left, QUtf8StringView right)
+{
+    return left.size() == right.size()
+        && (left.data() == right.data()
+            || std::memcmp(left.data(), right.data(), size_t(left.size())) == 0);
+}
+
+/// The number of `value` among `values`, where it is put if it is new; -1 for an empty one.
+qint32 numberOf(std::vector<QByteArray> &values, const QByteArray &value)
+{
+    if (value.isEmpty())
+        return -1;
+    const auto known = std::ranges::find(values, value);
+    const auto number = qint32(known - values.begin());
+    if (known == values.end())
+        values.push_back(value);
+    return number;
+}
+
 } // namespace
 
 struct PlaylistEntries::Data
@@ -44,6 +63,28 @@ struct PlaylistEntries::Data
     {
         const QByteArray &source = slice.offset & addedFlag ? added : text;
         return {source.constData() + (slice.offset & ~addedFlag), qsizetype(slice.length)};
+    }
+
+    Slice add(QByteArrayView value)
+    {
+        // What does not fit any more is lost, which beats another entry's value in its place.
+        if (value.isEmpty() || added.size() + value.size() > maximumTextSize)
+            return {};
+        const Slice slice{quint32(added.size()) | addedFlag, quint32(value.size())};
+        added.append(value);
+        return slice;
+    }
+
+    Record record(const PlaylistEntry &entry)
+    {
+        return {
+            .id = entry.id,
+            .name = add(entry.name.toUtf8()),
+            .url = add(entry.url.toEncoded()),
+            .logo = add(entry.logoURL.value_or(QUrl()).toEncoded()),
+            .group = numberOf(groups, entry.groupTitle.value_or(QString()).toUtf8()),
+            .country = numberOf(countries, entry.countryCode.value_or(QString()).toUtf8()),
+        };
     }
 
     QByteArray text;
@@ -79,6 +120,31 @@ QList<PlaylistEntry> PlaylistEntries::toList() const
     for (qsizetype i = 0; i < size(); ++i)
         list.append(at(i));
     return list;
+}
+
+PlaylistEntries PlaylistEntries::replacing(qsizetype first, qsizetype count,
+                                           const QList<PlaylistEntry> &with) const
+{
+    auto data = m_data ? std::make_shared<Data>(*m_data) : std::make_shared<Data>();
+    std::vector<Record> records;
+    for (const PlaylistEntry &entry : with)
+        records.push_back(data->record(entry));
+    const auto place = data->records.begin() + first;
+    data->records.insert(data->records.erase(place, place + count), records.begin(), records.end());
+    return PlaylistEntries(std::move(data));
+}
+
+const QUuid &PlaylistEntries::id(qsizetype index) const
+{
+    return m_data->records[size_t(index)].id;
+}
+
+qsizetype PlaylistEntries::indexOf(const QUuid &id) const
+{
+    if (!m_data)
+        return -1;
+    const auto found = std::ranges::find(m_data->records, id, &Record::id);
+    return found == m_data->records.end() ? -1 : found - m_data->records.begin();
 }
 
 QUtf8StringView PlaylistEntries::name(qsizetype index) const
@@ -117,6 +183,22 @@ int PlaylistEntries::groupIndex(qsizetype index) const
     return m_data->records[size_t(index)].group;
 }
 
+QUtf8StringView PlaylistEntries::group(qsizetype index) const
+{
+    const qint32 group = m_data->records[size_t(index)].group;
+    return group < 0 ? QUtf8StringView() : QUtf8StringView(m_data->groups[size_t(group)]);
+}
+
+bool PlaylistEntries::isSame(qsizetype index, const PlaylistEntries &other,
+                             qsizetype otherIndex) const
+{
+    return id(index) == other.id(otherIndex) && isSameText(name(index), other.name(otherIndex))
+        && isSameText(address(index), other.address(otherIndex))
+        && isSameText(logoAddress(index), other.logoAddress(otherIndex))
+        && isSameText(group(index), other.group(otherIndex))
+        && isSameText(countryCode(index), other.countryCode(otherIndex));
+}
+
 bool operator==(const PlaylistEntries &left, const PlaylistEntries &right)
 {
     if (left.m_data == right.m_data)
@@ -124,7 +206,7 @@ bool operator==(const PlaylistEntries &left, const PlaylistEntries &right)
     if (left.size() != right.size())
         return false;
     for (qsizetype i = 0; i < left.size(); ++i) {
-        if (left.at(i) != right.at(i))
+        if (!left.isSame(i, right, i))
             return false;
     }
     return true;
@@ -220,13 +302,7 @@ Slice PlaylistEntriesBuilder::inText(QByteArrayView part) const
 
 Slice PlaylistEntriesBuilder::add(QByteArrayView value)
 {
-    QByteArray &added = m_data->added;
-    // What does not fit any more is lost, which beats another entry's value in its place.
-    if (value.isEmpty() || added.size() + value.size() > PlaylistEntries::maximumTextSize)
-        return {};
-    const Slice slice{quint32(added.size()) | addedFlag, quint32(value.size())};
-    added.append(value);
-    return slice;
+    return m_data->add(value);
 }
 
 void PlaylistEntriesBuilder::append(Slice name, Slice url, Slice logo, QByteArrayView group,

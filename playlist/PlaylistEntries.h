@@ -29,6 +29,14 @@ public:
     PlaylistEntry at(qsizetype index) const;
     QList<PlaylistEntry> toList() const;
 
+    /// These entries with `with` in place of the `count` from `first` on. What both hold, they
+    /// share.
+    PlaylistEntries replacing(qsizetype first, qsizetype count,
+                              const QList<PlaylistEntry> &with) const;
+
+    const QUuid &id(qsizetype index) const;
+    /// The entry with this id, the first if there are several; -1 for none.
+    qsizetype indexOf(const QUuid &id) const;
     QUtf8StringView name(qsizetype index) const;
     /// Empty when there is none.
     QUtf8StringView logoAddress(qsizetype index) const;
@@ -42,6 +50,11 @@ public:
     QString groupTitle(int group) const;
     /// The entry's group; -1 for none.
     int groupIndex(qsizetype index) const;
+    /// The title of the entry's group; empty when there is none.
+    QUtf8StringView group(qsizetype index) const;
+
+    /// The entry at `index` equals the one of `other` at `otherIndex` in every field.
+    bool isSame(qsizetype index, const PlaylistEntries &other, qsizetype otherIndex) const;
 
     /// Equal in every field of every entry.
     friend bool operator==(const PlaylistEntries &left, const PlaylistEntries &right);

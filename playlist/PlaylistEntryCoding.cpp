@@ -1,125 +1,230 @@
 #include "playlist/PlaylistEntryCoding.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "playlist/AddressReader.h"
+#include "playlist/JsonReader.h"
+
+#include <algorithm>
 
 namespace lumaro {
 
 namespace {
 
+using Slice = PlaylistEntriesBuilder::Slice;
+
+void writeEscaped(QByteArray &json, char c)
+{
+    constexpr char hexDigits[] = "0123456789abcdef";
+    switch (c) {
+    case '"':
+    case '\\':
+        json += '\\';
+        json += c;
+        break;
+    case '\b':
+        json += "\\b";
+        break;
+    case '\f':
+        json += "\\f";
+        break;
+    case '\n':
+        json += "\\n";
+        break;
+    case '\r':
+        json += "\\r";
+        break;
+    case '\t':
+        json += "\\t";
+        break;
+    default:
+        json += "\\u00";
+        json += hexDigits[c >> 4];
+        json += hexDigits[c & 0xf];
+    }
+}
+
 /// A JSON string (RFC 8259, section 7), with its quotes.
-QByteArray jsonString(const QString &text)
+void writeString(QByteArray &json, QByteArrayView text)
 {
-    const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
-    return array.sliced(1).chopped(1);
+    const auto mustBeEscaped = [](char c) { return uchar(c) < 0x20 || c == '"' || c == '\\'; };
+    json += '"';
+    const char *at = text.begin();
+    while (true) {
+        const char *const special = std::find_if(at, text.end(), mustBeEscaped);
+        json.append(at, special - at);
+        if (special == text.end())
+            break;
+        writeEscaped(json, *special);
+        at = special + 1;
+    }
+    json += '"';
 }
 
-QString urlText(const QUrl &url)
-{
-    return url.toString(QUrl::FullyEncoded);
-}
-
-void writeField(QByteArray &json, const char *key, const QString &value)
+void writeField(QByteArray &json, const char *key, QByteArrayView value)
 {
     json += json.endsWith('{') ? "\"" : ",\"";
     json += key;
     json += "\":";
-    json += jsonString(value);
+    writeString(json, value);
 }
 
-std::optional<QString> stringField(const QJsonObject &object, QLatin1StringView key)
+void writeOptionalField(QByteArray &json, const char *key, QByteArrayView value)
 {
-    const QJsonValue value = object.value(key);
-    return value.isString() ? std::optional(value.toString()) : std::nullopt;
+    if (!value.isEmpty())
+        writeField(json, key, value);
 }
 
-std::optional<QUrl> urlField(const QJsonObject &object, QLatin1StringView key)
+QByteArrayView bytes(QUtf8StringView text)
 {
-    const auto text = stringField(object, key);
-    if (!text)
+    return {text.data(), text.size()};
+}
+
+/// The form that is written, in either case; reading an id by itself forgives more.
+std::optional<QUuid> idOf(const JsonReader::String &string)
+{
+    constexpr qsizetype length = 36;
+    const QByteArray text = string.text();
+    if (text.size() != length || text.front() == '{')
         return std::nullopt;
-    const QUrl url(*text, QUrl::StrictMode);
-    return url.isValid() ? std::optional(url) : std::nullopt;
-}
-
-std::optional<QUuid> idField(const QJsonObject &object, QLatin1StringView key)
-{
-    const auto text = stringField(object, key);
-    if (!text)
-        return std::nullopt;
-    const QUuid id = QUuid::fromString(*text);
-    // Reading it forgives too much.
-    const bool exact = id.toString(QUuid::WithoutBraces).compare(*text, Qt::CaseInsensitive) == 0;
+    const QUuid id = QUuid::fromString(QLatin1StringView(text));
+    const bool exact = id.toByteArray(QUuid::WithoutBraces).compare(text, Qt::CaseInsensitive) == 0;
     return exact ? std::optional(id) : std::nullopt;
 }
 
-/// An optional key that is there must be right.
-bool isAbsent(const QJsonObject &object, QLatin1StringView key)
+/// Reads the array's objects into a builder.
+class EntriesDecoder
 {
-    const QJsonValue value = object.value(key);
-    return value.isUndefined() || value.isNull();
-}
+public:
+    explicit EntriesDecoder(const QByteArray &json)
+        : m_reader(json)
+        , m_builder(json)
+    {
+    }
 
-std::optional<PlaylistEntry> decodeEntry(const QJsonObject &object)
-{
-    constexpr QLatin1StringView logoKey("logoURL");
-    constexpr QLatin1StringView groupKey("groupTitle");
-    constexpr QLatin1StringView countryKey("countryCode");
-    const auto id = idField(object, QLatin1StringView("id"));
-    const auto name = stringField(object, QLatin1StringView("name"));
-    const auto url = urlField(object, QLatin1StringView("url"));
-    if (!id || !name || !url)
-        return std::nullopt;
-    PlaylistEntry entry{
-        .id = *id,
-        .name = *name,
-        .url = *url,
-        .logoURL = urlField(object, logoKey),
-        .groupTitle = stringField(object, groupKey),
-        .countryCode = stringField(object, countryKey),
+    std::optional<PlaylistEntries> decode()
+    {
+        if (!m_reader.enterArray())
+            return std::nullopt;
+        while (m_reader.nextElement()) {
+            if (!readEntry())
+                return std::nullopt;
+        }
+        return m_reader.atEnd() ? std::optional(m_builder.build()) : std::nullopt;
+    }
+
+private:
+    struct Fields
+    {
+        std::optional<QUuid> id;
+        std::optional<Slice> name;
+        std::optional<Slice> url;
+        Slice logo;
+        QByteArray group;
+        QByteArray country;
     };
-    const bool complete = (entry.logoURL || isAbsent(object, logoKey))
-        && (entry.groupTitle || isAbsent(object, groupKey))
-        && (entry.countryCode || isAbsent(object, countryKey));
-    return complete ? std::optional(entry) : std::nullopt;
-}
+
+    bool readEntry()
+    {
+        Fields fields;
+        JsonReader::String key;
+        m_reader.enterObject();
+        while (m_reader.nextKey(key)) {
+            if (!readField(key.text(), fields))
+                return false;
+        }
+        if (m_reader.failed() || !fields.id || !fields.name || !fields.url)
+            return false;
+        m_builder.append(*fields.id, *fields.name, *fields.url, fields.logo, fields.group,
+                         fields.country);
+        return true;
+    }
+
+    bool readField(const QByteArray &key, Fields &fields)
+    {
+        JsonReader::String value;
+        if (key == "id")
+            return m_reader.readString(value) && (fields.id = idOf(value));
+        if (key == "name") {
+            if (m_reader.readString(value))
+                fields.name = text(value);
+            return fields.name.has_value();
+        }
+        if (key == "url")
+            return m_reader.readString(value) && (fields.url = address(value));
+        if (key == "logoURL")
+            return readOptionalAddress(fields.logo);
+        if (key == "groupTitle")
+            return readOptionalText(fields.group);
+        if (key == "countryCode")
+            return readOptionalText(fields.country);
+        return m_reader.skipValue();
+    }
+
+    // An optional key that is there must be right.
+
+    bool readOptionalAddress(Slice &logo)
+    {
+        JsonReader::String value;
+        if (m_reader.skipNull())
+            return true;
+        if (!m_reader.readString(value))
+            return false;
+        const auto slice = address(value);
+        logo = slice.value_or(Slice());
+        return slice.has_value();
+    }
+
+    bool readOptionalText(QByteArray &text)
+    {
+        JsonReader::String value;
+        if (m_reader.skipNull())
+            return true;
+        if (!m_reader.readString(value))
+            return false;
+        text = value.text();
+        return true;
+    }
+
+    Slice text(const JsonReader::String &string)
+    {
+        return string.hasEscapes ? m_builder.add(string.text()) : m_builder.inText(string.raw);
+    }
+
+    std::optional<Slice> address(const JsonReader::String &string)
+    {
+        if (!string.hasEscapes && m_addresses.isPlainWebAddress(string.raw))
+            return m_builder.inText(string.raw);
+        const auto url = AddressReader::parsed(string.text());
+        return url ? std::optional(m_builder.add(url->toEncoded())) : std::nullopt;
+    }
+
+    JsonReader m_reader;
+    PlaylistEntriesBuilder m_builder;
+    AddressReader m_addresses{QUrl()};
+};
 
 } // namespace
 
-QByteArray encodeEntries(const QList<PlaylistEntry> &entries)
+QByteArray encodeEntries(const PlaylistEntries &entries)
 {
     QByteArray json("[");
-    for (const PlaylistEntry &entry : entries) {
+    for (qsizetype i = 0; i < entries.size(); ++i) {
         json += json.endsWith('[') ? "{" : ",{";
-        writeField(json, "id", entry.id.toString(QUuid::WithoutBraces).toUpper());
-        writeField(json, "name", entry.name);
-        writeField(json, "url", urlText(entry.url));
-        if (entry.logoURL)
-            writeField(json, "logoURL", urlText(*entry.logoURL));
-        if (entry.groupTitle)
-            writeField(json, "groupTitle", *entry.groupTitle);
-        if (entry.countryCode)
-            writeField(json, "countryCode", *entry.countryCode);
+        writeField(json, "id", entries.id(i).toByteArray(QUuid::WithoutBraces).toUpper());
+        writeField(json, "name", bytes(entries.name(i)));
+        writeField(json, "url", bytes(entries.address(i)));
+        writeOptionalField(json, "logoURL", bytes(entries.logoAddress(i)));
+        writeOptionalField(json, "groupTitle", bytes(entries.group(i)));
+        writeOptionalField(json, "countryCode", bytes(entries.countryCode(i)));
         json += '}';
     }
     return json + ']';
 }
 
-std::optional<QList<PlaylistEntry>> decodeEntries(const QByteArray &json)
+std::optional<PlaylistEntries> decodeEntries(const QByteArray &json)
 {
-    const QJsonDocument document = QJsonDocument::fromJson(json);
-    if (!document.isArray())
+    if (json.size() > PlaylistEntries::maximumTextSize)
         return std::nullopt;
-    QList<PlaylistEntry> entries;
-    const QJsonArray array = document.array();
-    for (const auto &value : array) {
-        const auto entry = decodeEntry(value.toObject());
-        if (!entry)
-            return std::nullopt;
-        entries.append(*entry);
-    }
-    return entries;
+    return EntriesDecoder(json).decode();
 }
 
 } // namespace lumaro

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "playlist/PlaylistEntry.h"
+#include "playlist/PlaylistEntries.h"
 
 #include <QByteArray>
-#include <QList>
 
 #include <optional>
 
@@ -11,10 +10,10 @@ namespace lumaro {
 
 /// The entries as a JSON array of objects with the keys id, name, url, logoURL, groupTitle and
 /// countryCode, in this order; the last three only where they are set. Any thread.
-QByteArray encodeEntries(const QList<PlaylistEntry> &entries);
+QByteArray encodeEntries(const PlaylistEntries &entries);
 
-/// What encodeEntries() made. Empty when the data is no such array or a single entry lacks its
-/// id, name or url.
-std::optional<QList<PlaylistEntry>> decodeEntries(const QByteArray &json);
+/// What encodeEntries() made; shares its bytes. Empty when the data is no such array or a single
+/// entry lacks its id, name or url.
+std::optional<PlaylistEntries> decodeEntries(const QByteArray &json);
 
 } // namespace lumaro

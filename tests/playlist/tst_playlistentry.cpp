@@ -85,7 +85,7 @@ void PlaylistEntryTest::encodesInOrder()
     QCOMPARE(encodeEntries({}), "[]"_ba);
     const QByteArray bare = R"({"id":"F81D4FAE-7DEC-11D0-A765-00A0C91E6BF6","name":"News",)"
                             R"("url":"http://h/a.m3u8")";
-    QCOMPARE(encodeEntries({fullEntry(), bareEntry()}),
+    QCOMPARE(encodeEntries(PlaylistEntries::fromList({fullEntry(), bareEntry()})),
              '[' + bare + R"(,"logoURL":"http://l/a.png","groupTitle":"Group","countryCode":"DE"},)"
                  + bare + "}]");
 }
@@ -109,13 +109,13 @@ void PlaylistEntryTest::restoresWhatWasEncoded()
     QFETCH(const QString, address);
     PlaylistEntry entry = fullEntry();
     entry.name = name;
-    entry.groupTitle = name;
+    entry.groupTitle = u"in " + name;
     entry.url = QUrl(address);
     entry.logoURL = QUrl(address);
     const QList<PlaylistEntry> entries{entry, bareEntry()};
-    const auto decoded = decodeEntries(encodeEntries(entries));
+    const auto decoded = decodeEntries(encodeEntries(PlaylistEntries::fromList(entries)));
     QVERIFY(decoded);
-    QCOMPARE(*decoded, entries);
+    QCOMPARE(decoded->toList(), entries);
 }
 
 void PlaylistEntryTest::decodes_data()

@@ -1,0 +1,90 @@
+#include "playlist/LocalM3UStore.h"
+
+#include "playlist/PlaylistEntryCoding.h"
+#include "playlist/UrlPath.h"
+
+namespace lumaro {
+
+namespace {
+
+QString withoutExtension(const QString &fileName)
+{
+    const qsizetype dot = fileName.lastIndexOf(u'.');
+    return dot > 0 ? fileName.first(dot) : fileName;
+}
+
+QString nameFor(const QUrl &url, const QString &given)
+{
+    for (const QString &name :
+         {given.trimmed(), withoutExtension(lastPathComponent(url)), url.host()}) {
+        if (!name.isEmpty())
+            return name;
+    }
+    return QStringLiteral("Stream");
+}
+
+PlaylistEntries load(UserDefaults &defaults)
+{
+    const QString key = LocalM3UStore::defaultsKey;
+    if (const auto data = defaults.data(key)) {
+        if (auto entries = decodeEntries(*data))
+            return *std::move(entries);
+    }
+    // The next write must not destroy what somebody might still rescue. If this fails, so will
+    // the write.
+    (void)defaults.setAside(key);
+    return {};
+}
+
+} // namespace
+
+LocalM3UStore::LocalM3UStore(UserDefaults &defaults, Scheduler &scheduler, QObject *parent)
+    : QObject(parent)
+    , m_entries(load(defaults))
+    , m_addresses(m_entries)
+    , m_writer(defaults, scheduler, defaultsKey, [this](const DefaultsWriter::Result &result) {
+        setErrorMessage(result ? QString()
+                               : u"Local M3U could not be saved. " + result.error().description());
+    })
+{
+}
+
+void LocalM3UStore::setEntries(const PlaylistEntries &entries)
+{
+    m_entries = entries;
+    m_addresses = AddressIndex(entries);
+    Q_EMIT entriesChanged();
+}
+
+void LocalM3UStore::save(const QUrl &url, const QString &name)
+{
+    save({.id = QUuid::createUuid(),
+          .name = nameFor(url, name),
+          .url = url,
+          .logoURL = {},
+          .groupTitle = {},
+          .countryCode = {}});
+}
+
+void LocalM3UStore::save(const PlaylistEntry &entry)
+{
+    const qsizetype same = m_addresses.indexOf(entry.url);
+    const PlaylistEntries others = same < 0 ? m_entries : m_entries.replacing(same, 1, {});
+    setEntries(others.replacing(0, 0, {entry}));
+    persist();
+}
+
+void LocalM3UStore::persist()
+{
+    m_writer.write([entries = m_entries] { return encodeEntries(entries); });
+}
+
+void LocalM3UStore::setErrorMessage(const QString &message)
+{
+    if (m_errorMessage == message)
+        return;
+    m_errorMessage = message;
+    Q_EMIT errorMessageChanged();
+}
+
+} // namespace lumaro

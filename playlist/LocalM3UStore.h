@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/DefaultsWriter.h"
+#include "playlist/AddressIndex.h"
+
+#include <QObject>
+
+namespace lumaro {
+
+/// The user's own library of links, newest first, kept in the user defaults. Main thread.
+class LocalM3UStore : public QObject
+{
+    Q_OBJECT
+    /// Why the library as it is now is not stored; empty while it is or soon will be.
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+
+public:
+    static constexpr QLatin1StringView defaultsKey{"Lumaro.LocalM3U.SavedEntries"};
+
+    /// Loads the library; data that is no library is set aside. Both outlive the store, which
+    /// stores what is not stored yet when it goes.
+    LocalM3UStore(UserDefaults &defaults, Scheduler &scheduler, QObject *parent = nullptr);
+
+    const PlaylistEntries &entries() const { return m_entries; }
+    /// Call persist() afterwards.
+    void setEntries(const PlaylistEntries &entries);
+    const QString &errorMessage() const { return m_errorMessage; }
+
+    /// Some entry's address has the same absolute string as `url`.
+    bool contains(const QUrl &url) const { return m_addresses.indexOf(url) >= 0; }
+
+    /// Puts a new entry first, in place of the first one with the same address, and persists. A
+    /// blank name is made up from the address.
+    void save(const QUrl &url, const QString &name);
+    /// The same for an entry that is already made up.
+    void save(const PlaylistEntry &entry);
+
+    /// Stores the entries soon, in the background. A failure leaves what is stored as it is and
+    /// shows in errorMessage.
+    void persist();
+
+Q_SIGNALS:
+    void entriesChanged();
+    void errorMessageChanged();
+
+private:
+    void setErrorMessage(const QString &message);
+
+    PlaylistEntries m_entries;
+    AddressIndex m_addresses;
+    QString m_errorMessage;
+    DefaultsWriter m_writer;
+};
+
+} // namespace lumaro
