@@ -1,31 +1,10 @@
 #include "playlist/ChannelListModel.h"
 
+#include "playlist/ChannelTexts.h"
+
 #include <algorithm>
 
 namespace lumaro {
-
-namespace {
-
-/// Anything else could make the list read the user's own files and devices.
-bool isWebAddress(QUtf8StringView address)
-{
-    const QByteArrayView bytes(address.data(), address.size());
-    return bytes.startsWith("http://") || bytes.startsWith("https://");
-}
-
-/// The first letter or digit of `name`, in upper case.
-QString initialOf(const QString &name)
-{
-    const QList<uint> codePoints = name.toUcs4();
-    const auto first = std::ranges::find_if(
-        codePoints, [](uint codePoint) { return QChar::isLetterOrNumber(codePoint); });
-    if (first == codePoints.end())
-        return {};
-    const char32_t upper = QChar::toUpper(*first);
-    return QString::fromUcs4(&upper, 1);
-}
-
-} // namespace
 
 ChannelListModel::ChannelListModel(Scheduler &scheduler, QObject *parent)
     : QAbstractListModel(parent)

@@ -116,7 +116,8 @@ void LocalM3UEditorTest::checks_data()
         row(u"logo"_s, &LocalM3UForm::logoAddress, text, badLogo, Field::LogoAddress);
     for (const QString &text : {u"T"_s, u"USA"_s, u"t r"_s})
         row(u"country"_s, &LocalM3UForm::countryCode, text, badCountry, Field::CountryCode);
-    for (const QString &text : {u"http://h/ü.m3u8"_s, u"HTTPS://h"_s, u"http://[::1]:80/?a=b%7Cc"_s})
+    for (const QString &text :
+         {u"http://h/ü.m3u8"_s, u"HTTPS://h"_s, u"http://[::1]:80/?a=b%7Cc"_s})
         row(u"good address"_s, &LocalM3UForm::address, text, {}, Field::None);
     for (const QString &text : {u"file:///home/me/a%20b.png"_s, u"logo.png"_s})
         row(u"good logo"_s, &LocalM3UForm::logoAddress, text, {}, Field::None);
