@@ -2,9 +2,9 @@
 
 #include "platform/NotificationCenter.h"
 #include "platform/UserDefaults.h"
+#include "player/PlaylistFile.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QVariant>
 
 namespace lumaro {
 
@@ -13,24 +13,6 @@ namespace {
 QString sidebarVisibleKey()
 {
     return QStringLiteral("Lumaro.MainWindow.SidebarVisible");
-}
-
-/// An HLS playlist is one stream, even from disk; any other M3U text is a list of channels
-/// (RFC 8216, section 4.3: every HLS playlist has one of these tags).
-bool isStreamPlaylist(const QString &path)
-{
-    constexpr qint64 enoughToTell = 64 * 1024;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray start = file.read(enoughToTell);
-    return start.contains("#EXT-X-TARGETDURATION") || start.contains("#EXT-X-STREAM-INF");
-}
-
-bool isChannelList(const QUrl &file)
-{
-    const QString extension = pathExtension(file);
-    return extension == u"m3u" || (extension == u"m3u8" && !isStreamPlaylist(file.toLocalFile()));
 }
 
 /// The name for what an address opens; absent when the field is not shown.
@@ -79,7 +61,7 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
             &MainWindowModel::showFullScreenControls);
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
         setCurrentChannel(-1);
-        if (m_player.playlist().isEmpty())
+        if (m_player.playlist().isEmpty() || m_keepsSection)
             return;
         setSidebarSection(PlayerSidebarSection::network);
         setSidebarVisible(true);
@@ -199,7 +181,7 @@ bool MainWindowModel::openDropped(const QList<QUrl> &urls, const QString &text)
 
 void MainWindowModel::openFile(const QUrl &file)
 {
-    if (isChannelList(file))
+    if (isChannelListFile(file))
         m_player.importM3UFile(file, std::nullopt);
     else
         m_player.playFile(file);

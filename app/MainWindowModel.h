@@ -77,6 +77,9 @@ public:
     int currentChannel() const { return m_currentChannel; }
     const QString &pictureNotice() const { return m_pictureNotice; }
 
+    /// A playlist that arrives does not bring its section up; to be ended when it has arrived.
+    void setKeepsSection(bool keeps) { m_keepsSection = keeps; }
+
     /// Opens `text` after a pause, unless another call comes first or it is no complete address.
     void scheduleAutomaticOpen(const QString &text);
     /// Opens the address field's text at once, complete or not.
@@ -130,6 +133,7 @@ private:
     UserDefaults &m_defaults;
     bool m_sidebarVisible = true;
     PlayerSidebarSection m_sidebarSection = PlayerSidebarSection::network;
+    bool m_keepsSection = false;
     QString m_addressText;
     QString m_displayName;
     bool m_displayNameShown = false;

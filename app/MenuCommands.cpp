@@ -20,6 +20,12 @@ MenuCommand::MenuCommand(Description description, QObject *parent)
 {
 }
 
+void MenuCommand::trigger()
+{
+    if (isEnabled())
+        m_description.action();
+}
+
 MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, QObject *parent)
     : QObject(parent)
 {

@@ -19,6 +19,7 @@ class MenuCommand : public QObject
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
     /// In QKeySequence's portable form; empty for none.
     Q_PROPERTY(QString shortcut READ shortcut CONSTANT)
+    Q_PROPERTY(bool isEnabled READ isEnabled NOTIFY isEnabledChanged)
     /// Begins a new group of its menu.
     Q_PROPERTY(bool startsGroup READ startsGroup CONSTANT)
 
@@ -29,18 +30,23 @@ public:
         QString shortcut;
         std::function<void()> action;
         bool startsGroup = false;
+        /// Without it the command is always enabled.
+        std::function<bool()> isEnabled{};
     };
 
     explicit MenuCommand(Description description, QObject *parent = nullptr);
 
     QString title() const { return m_description.title(); }
     const QString &shortcut() const { return m_description.shortcut; }
+    bool isEnabled() const { return !m_description.isEnabled || m_description.isEnabled(); }
     bool startsGroup() const { return m_description.startsGroup; }
 
-    Q_INVOKABLE void trigger() { m_description.action(); }
+    /// Does nothing while it is not enabled.
+    Q_INVOKABLE void trigger();
 
 Q_SIGNALS:
     void titleChanged();
+    void isEnabledChanged();
 
 private:
     Description m_description;

@@ -22,11 +22,6 @@ constexpr std::chrono::milliseconds bufferingIndicatorDelay = 450ms;
 /// Seconds by which the data of a film may begin late and end early.
 constexpr double reachTolerance = 1;
 
-QString productName()
-{
-    return QStringLiteral("Lumaro");
-}
-
 /// `text` trimmed, or `fallback` when it is absent or blank.
 QString trimmedOr(const std::optional<QString> &text, const QString &fallback)
 {
@@ -35,6 +30,11 @@ QString trimmedOr(const std::optional<QString> &text, const QString &fallback)
 }
 
 } // namespace
+
+QString productName()
+{
+    return QStringLiteral("Lumaro");
+}
 
 PlayerModel::PlayerModel(const PlayerPlatform &platform, QObject *parent)
     : QObject(parent)

@@ -20,6 +20,9 @@ class FilePanels;
 class HttpClient;
 class NotificationCenter;
 
+/// The title while nothing better is known.
+QString productName();
+
 /// What a player model works with. All of it outlives the model.
 struct PlayerPlatform
 {

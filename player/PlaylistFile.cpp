@@ -1,11 +1,33 @@
 #include "player/PlaylistFile.h"
 
 #include "playlist/PlaylistParser.h"
+#include "playlist/UrlPath.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 namespace lumaro {
+
+namespace {
+
+/// Every HLS playlist has one of these tags (RFC 8216, section 4.3).
+bool isStreamPlaylist(const QString &path)
+{
+    constexpr qint64 enoughToTell = 64 * 1024;
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray start = file.read(enoughToTell);
+    return start.contains("#EXT-X-TARGETDURATION") || start.contains("#EXT-X-STREAM-INF");
+}
+
+} // namespace
+
+bool isChannelListFile(const QUrl &file)
+{
+    const QString extension = pathExtension(file);
+    return extension == u"m3u" || (extension == u"m3u8" && !isStreamPlaylist(file.toLocalFile()));
+}
 
 std::expected<PlaylistEntries, QString> readPlaylist(const QByteArray &bytes, const QUrl &base)
 {

@@ -68,7 +68,7 @@ void LocalM3UStore::save(const QUrl &url, const QString &name)
 
 void LocalM3UStore::save(const PlaylistEntry &entry)
 {
-    const qsizetype same = m_addresses.indexOf(entry.url);
+    const qsizetype same = indexOf(entry.url);
     const PlaylistEntries others = same < 0 ? m_entries : m_entries.replacing(same, 1, {});
     setEntries(others.replacing(0, 0, {entry}));
     persist();

@@ -26,8 +26,10 @@ public:
     void setEntries(const PlaylistEntries &entries);
     const QString &errorMessage() const { return m_errorMessage; }
 
+    /// The first entry whose address has the same absolute string as `url`; -1 for none.
+    qsizetype indexOf(const QUrl &url) const { return m_addresses.indexOf(url); }
     /// Some entry's address has the same absolute string as `url`.
-    bool contains(const QUrl &url) const { return m_addresses.indexOf(url) >= 0; }
+    bool contains(const QUrl &url) const { return indexOf(url) >= 0; }
 
     /// Puts a new entry first, in place of the first one with the same address, and persists. A
     /// blank name is made up from the address.

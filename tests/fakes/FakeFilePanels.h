@@ -13,13 +13,14 @@ public:
     Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token) override
     {
         requests.append(request);
-        co_return choice;
+        co_return std::as_const(choice);
     }
 
     Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request, std::stop_token) override
     {
         saveRequests.append(request);
-        co_return choice;
+        // Otherwise the coroutine would move it out of here.
+        co_return std::as_const(choice);
     }
 
     /// What the user picks; empty for Cancel.

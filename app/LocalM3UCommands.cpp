@@ -1,0 +1,71 @@
+#include "app/LocalM3UCommands.h"
+
+#include "app/LocalM3UModel.h"
+
+namespace lumaro {
+
+LocalM3UCommands::LocalM3UCommands(LocalM3UModel &library, QObject *parent)
+    : QObject(parent)
+{
+    const auto make = [this](const QString &title, const QString &shortcut,
+                             std::function<void()> action, std::function<bool()> isEnabled = {},
+                             bool startsGroup = false) {
+        const auto command = new MenuCommand({.title = [title] { return title; },
+                                              .shortcut = shortcut,
+                                              .action = std::move(action),
+                                              .startsGroup = startsGroup,
+                                              .isEnabled = std::move(isEnabled)},
+                                             this);
+        m_all.append(command);
+        return command;
+    };
+    LocalM3UHistory *const history = library.history();
+    const auto isFilled = [&library] { return library.list()->count() > 0; };
+
+    make(QStringLiteral("Show Local M3U"), QStringLiteral("Ctrl+Shift+L"),
+         [&library] { library.show(); });
+    MenuCommand *const saveCurrent =
+        new MenuCommand({.title =
+                             [&library] {
+                                 return library.isCurrentSaved()
+                                     ? QStringLiteral("Show in Local M3U")
+                                     : QStringLiteral("Save to Local M3U");
+                             },
+                         .shortcut = QStringLiteral("Ctrl+D"),
+                         .action = [&library] { library.saveCurrent(); },
+                         .startsGroup = false,
+                         .isEnabled = [&library] { return library.canSaveCurrent(); }},
+                        this);
+    m_all.append(saveCurrent);
+    connect(&library, &LocalM3UModel::currentChanged, saveCurrent, &MenuCommand::titleChanged);
+    connect(&library, &LocalM3UModel::currentChanged, saveCurrent, &MenuCommand::isEnabledChanged);
+    make(QStringLiteral("Add Link…"), QStringLiteral("Ctrl+N"), [&library] { library.add(); });
+
+    MenuCommand *const undo = make(
+        QStringLiteral("Undo"), QStringLiteral("Ctrl+Z"), [history] { history->undo(); },
+        [history] { return history->canUndo(); }, true);
+    MenuCommand *const redo = make(
+        QStringLiteral("Redo"), QStringLiteral("Ctrl+Shift+Z"), [history] { history->redo(); },
+        [history] { return history->canRedo(); });
+    for (MenuCommand *command : {undo, redo})
+        connect(history, &LocalM3UHistory::changed, command, &MenuCommand::isEnabledChanged);
+
+    make(
+        QStringLiteral("Import M3U File…"), QStringLiteral("Ctrl+Shift+I"),
+        [&library] {
+            library.show();
+            library.importLocalPlaylist();
+        },
+        {}, true);
+    MenuCommand *const exportFile = make(
+        QStringLiteral("Export M3U File…"), QStringLiteral("Ctrl+Shift+E"),
+        [&library] { library.exportLocalPlaylistAsM3U(); }, isFilled);
+    MenuCommand *const removeAll = make(
+        QStringLiteral("Delete All…"), QStringLiteral("Ctrl+Shift+Backspace"),
+        [&library] { library.removeAll(); }, isFilled);
+    for (MenuCommand *command : {exportFile, removeAll})
+        connect(library.list(), &LocalM3UListModel::countChanged, command,
+                &MenuCommand::isEnabledChanged);
+}
+
+} // namespace lumaro

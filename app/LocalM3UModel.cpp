@@ -1,0 +1,374 @@
+#include "app/LocalM3UModel.h"
+
+#include "app/MainWindowModel.h"
+#include "platform/AtomicFile.h"
+#include "player/PlaylistFile.h"
+#include "playlist/PlaylistWriter.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+namespace lumaro {
+
+namespace {
+
+/// Longer names are not worth quoting in a question.
+constexpr qsizetype longestQuotedName = 200;
+
+QString linkCount(qsizetype count)
+{
+    return count == 1 ? QStringLiteral("1 link") : QLocale().toString(count) + u" links";
+}
+
+/// Everything else that a library holds is a stream, whatever its address looks like.
+bool isForTheRecognisers(const QUrl &url)
+{
+    return pathExtension(url) == u"m3u" || YouTubeContent::fromUrl(url)
+        || OKVideoContent::fromUrl(url);
+}
+
+} // namespace
+
+QString exportFileName(QDate day)
+{
+    return u"Lumaro " + day.toString(Qt::ISODate) + u".m3u";
+}
+
+LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
+    : QObject(parent)
+    , m_store(parts.store)
+    , m_player(parts.player)
+    , m_window(parts.window)
+    , m_panels(parts.panels)
+    , m_scheduler(parts.scheduler)
+    , m_list(parts.store, parts.scheduler)
+    , m_editor(parts.panels)
+    , m_history(parts.store)
+{
+    connect(&m_store, &LocalM3UStore::entriesChanged, this, &LocalM3UModel::currentChanged);
+    connect(&m_store, &LocalM3UStore::entriesChanged, this, [this] { setImportError({}); });
+    connect(&m_store, &LocalM3UStore::errorMessageChanged, this, [this] {
+        Q_EMIT errorMessageChanged();
+        if (isNotStored())
+            m_player.showToast(m_store.errorMessage(), PlayerModel::toastDuration);
+    });
+    connect(&m_player, &PlayerModel::currentURLChanged, this, [this] {
+        m_list.setCurrentURL(m_player.currentURL());
+        Q_EMIT currentChanged();
+    });
+    connect(&m_editor, &LocalM3UEditor::saved, this, &LocalM3UModel::storeEdited);
+}
+
+LocalM3UModel::~LocalM3UModel()
+{
+    m_lifetime.request_stop();
+}
+
+QString LocalM3UModel::errorMessage() const
+{
+    return isNotStored() ? m_store.errorMessage() : m_importError;
+}
+
+void LocalM3UModel::tryAgain()
+{
+    m_store.persist();
+}
+
+void LocalM3UModel::setImportError(const QString &message)
+{
+    if (m_importError == message)
+        return;
+    m_importError = message;
+    Q_EMIT errorMessageChanged();
+}
+
+void LocalM3UModel::show()
+{
+    m_window.setSidebarSection(MainWindowModel::PlayerSidebarSection::localM3U);
+    m_window.setSidebarVisible(true);
+    Q_EMIT focusRequested();
+}
+
+// One link
+
+/// An entry without an id when there is none.
+PlaylistEntry LocalM3UModel::entryWithId(const QUuid &id) const
+{
+    const qsizetype index = m_store.entries().indexOf(id);
+    return index < 0 ? PlaylistEntry() : m_store.entries().at(index);
+}
+
+void LocalM3UModel::play(int row)
+{
+    const PlaylistEntry entry = entryWithId(m_list.idAt(row));
+    if (entry.url.isEmpty())
+        return;
+    if (isForTheRecognisers(entry.url))
+        m_player.openRemote(entry.url.toString(QUrl::FullyEncoded), entry.name);
+    else
+        m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
+}
+
+QString LocalM3UModel::addressAt(int row) const
+{
+    return entryWithId(m_list.idAt(row)).url.toString(QUrl::FullyEncoded);
+}
+
+void LocalM3UModel::add()
+{
+    show();
+    m_editor.beginAdding({});
+}
+
+void LocalM3UModel::edit(int row)
+{
+    const PlaylistEntry entry = entryWithId(m_list.idAt(row));
+    if (!entry.url.isEmpty())
+        m_editor.beginEditing(entry);
+}
+
+void LocalM3UModel::storeEdited(const PlaylistEntry &entry)
+{
+    const qsizetype index = m_store.entries().indexOf(entry.id);
+    if (index < 0) {
+        if (m_store.contains(entry.url))
+            m_player.showToast(QStringLiteral("Replaced the link with the same address."),
+                               PlayerModel::toastDuration);
+        m_store.save(entry);
+        m_list.setFilterText({});
+    } else if (m_store.entries().at(index) != entry) {
+        m_store.setEntries(m_store.entries().replacing(index, 1, {entry}));
+        m_store.persist();
+    }
+    m_list.select(entry.id);
+}
+
+// Questions
+
+void LocalM3UModel::remove(int row)
+{
+    if (const QUuid id = m_list.idAt(row); m_store.entries().indexOf(id) >= 0)
+        ask(Question::DeleteOne, id);
+}
+
+void LocalM3UModel::removeAll()
+{
+    if (!m_store.entries().isEmpty())
+        ask(Question::DeleteAll, {});
+}
+
+void LocalM3UModel::ask(Question question, const QUuid &id)
+{
+    m_question = question;
+    m_questionedId = id;
+    Q_EMIT questionChanged();
+}
+
+void LocalM3UModel::agree()
+{
+    const Question question = m_question;
+    const QUuid id = m_questionedId;
+    disagree();
+    if (question == Question::DeleteOne)
+        m_history.deleteForGood(id);
+    else if (question == Question::DeleteAll)
+        m_history.deleteAllForGood();
+}
+
+void LocalM3UModel::disagree()
+{
+    if (m_question != Question::None)
+        ask(Question::None, {});
+}
+
+QString LocalM3UModel::questionTitle() const
+{
+    switch (m_question) {
+    case Question::None:
+        return {};
+    case Question::DeleteOne:
+        return QStringLiteral("Delete Channel?");
+    case Question::DeleteAll:
+        return QStringLiteral("Delete All Local M3U8 Links?");
+    }
+    Q_UNREACHABLE();
+}
+
+QString LocalM3UModel::questionText() const
+{
+    switch (m_question) {
+    case Question::None:
+        return {};
+    case Question::DeleteOne: {
+        const QString name = entryWithId(m_questionedId).name.trimmed();
+        if (name.isEmpty() || name.size() > longestQuotedName)
+            return QStringLiteral("Are you sure you want to delete this channel? This action "
+                                  "cannot be undone.");
+        return u"Are you sure you want to delete \"" + name
+            + u"\" from Local M3U? This action cannot be undone.";
+    }
+    case Question::DeleteAll:
+        return QStringLiteral("This permanently deletes every saved local M3U8 link. This action "
+                              "cannot be undone.");
+    }
+    Q_UNREACHABLE();
+}
+
+QString LocalM3UModel::questionButton() const
+{
+    switch (m_question) {
+    case Question::None:
+        return {};
+    case Question::DeleteOne:
+        return QStringLiteral("Delete");
+    case Question::DeleteAll:
+        return QStringLiteral("Delete Permanently");
+    }
+    Q_UNREACHABLE();
+}
+
+// Saving from the player
+
+bool LocalM3UModel::canSaveCurrent() const
+{
+    return !m_player.currentURL().isEmpty();
+}
+
+bool LocalM3UModel::isCurrentSaved() const
+{
+    return canSaveCurrent() && m_store.contains(m_player.currentURL());
+}
+
+void LocalM3UModel::saveToLocalM3U(int index)
+{
+    const PlaylistEntries &playlist = m_player.playlist();
+    if (index < 0 || index >= playlist.size())
+        return;
+    PlaylistEntry entry = playlist.at(index);
+    // The library may hold the playlist's own entry already.
+    entry.id = QUuid::createUuid();
+    m_store.save(entry);
+    notifySaved();
+}
+
+void LocalM3UModel::saveCurrent()
+{
+    if (!canSaveCurrent())
+        return;
+    if (isCurrentSaved()) {
+        show();
+        m_list.setFilterText({});
+        m_list.select(m_store.entries().id(m_store.indexOf(m_player.currentURL())));
+    } else if (m_window.currentChannel() >= 0) {
+        saveToLocalM3U(m_window.currentChannel());
+    } else {
+        // A stream without a title of its own is better named after its address.
+        const bool isNamed = m_player.title() != productName();
+        m_store.save(m_player.currentURL(), isNamed ? m_player.title() : QString());
+        notifySaved();
+    }
+}
+
+void LocalM3UModel::notifySaved()
+{
+    m_player.showToast(u"Saved to Local M3U: " + m_store.entries().at(0).name,
+                       PlayerModel::toastDuration);
+}
+
+// Files
+
+void LocalM3UModel::importLocalPlaylist()
+{
+    importFrom({}, m_lifetime.get_token());
+}
+
+bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
+{
+    const QUrl url = urls.value(0, QUrl(text.trimmed(), QUrl::StrictMode));
+    if (url.isLocalFile() && isChannelListFile(url))
+        importFrom(url, m_lifetime.get_token());
+    else if (url.scheme() == u"http" || url.scheme() == u"https")
+        m_editor.beginAdding(url.toString(QUrl::FullyEncoded));
+    else
+        return m_window.openDropped(urls, text);
+    return true;
+}
+
+Task<> LocalM3UModel::importFrom(std::optional<QUrl> file, std::stop_token stop)
+{
+    setImportError({});
+    // A panel that is closed leaves the player's message as it was.
+    bool failed = false;
+    const auto watch = connect(&m_player, &PlayerModel::errorMessageChanged, this, [&] {
+        failed = m_player.errorMessage().startsWith(u"Could not import playlist: ");
+    });
+    // The list that is read becomes the player's too, which must not lead away from here.
+    m_window.setKeepsSection(true);
+    const auto reading =
+        file ? m_player.importM3UFile(*file, std::nullopt) : m_player.importLocalM3U(std::nullopt);
+    const std::optional<PlaylistEntries> entries = co_await reading;
+    if (stop.stop_requested())
+        co_return;
+    disconnect(watch);
+    m_window.setKeepsSection(false);
+    if (entries)
+        replaceLibrary(*entries);
+    else if (failed)
+        setImportError(m_player.errorMessage());
+}
+
+void LocalM3UModel::replaceLibrary(const PlaylistEntries &entries)
+{
+    const qsizetype before = m_store.entries().size();
+    m_list.setFilterText({});
+    m_store.setEntries(entries);
+    m_store.persist();
+    QString notice = u"Imported " + linkCount(entries.size());
+    if (before > 0)
+        notice += u" in place of " + linkCount(before) + u". Undo brings them back.";
+    m_player.showToast(notice, PlayerModel::toastDuration);
+}
+
+void LocalM3UModel::exportLocalPlaylistAsM3U()
+{
+    exportTo(m_lifetime.get_token());
+}
+
+Task<> LocalM3UModel::exportTo(std::stop_token stop)
+{
+    const SavePanelRequest request{
+        .title = QStringLiteral("Export Local M3U Playlist"),
+        .prompt = QStringLiteral("Export"),
+        .proposedName = exportFileName(QDate::currentDate()),
+        .typeDescription = QStringLiteral("M3U playlists"),
+        .extension = QStringLiteral("m3u"),
+    };
+    const std::optional<QUrl> file = co_await m_panels.chooseNewFile(request, stop);
+    if (!file || stop.stop_requested())
+        co_return;
+    const QString path = file->toLocalFile();
+    const auto writing = m_scheduler.inBackground(
+        [path, entries = m_store.entries()] { return replaceFile(path, writePlaylist(entries)); });
+    const std::expected<void, FileWriteError> written = co_await writing;
+    if (stop.stop_requested())
+        co_return;
+    if (written)
+        m_player.showToast(u"Exported: " + QFileInfo(path).fileName(), PlayerModel::toastDuration);
+    else
+        setExportError(written.error().description);
+}
+
+void LocalM3UModel::closeExportError()
+{
+    setExportError({});
+}
+
+void LocalM3UModel::setExportError(const QString &message)
+{
+    if (m_exportError == message)
+        return;
+    m_exportError = message;
+    Q_EMIT exportErrorChanged();
+}
+
+} // namespace lumaro
