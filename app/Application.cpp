@@ -37,6 +37,9 @@ Application::Application(const Folders &folders)
     , m_transport(m_player)
     , m_commands(m_player, m_window)
     , m_channels(m_scheduler)
+    , m_library(m_defaults, m_scheduler)
+    , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler})
+    , m_libraryCommands(m_librarySection)
     , m_pictureAccess(folders.cache + QStringLiteral("/logos"))
 {
     m_player.installKeyboardShortcuts();
@@ -61,6 +64,8 @@ bool Application::show()
         {QStringLiteral("transport"), object(m_transport)},
         {QStringLiteral("commands"), object(m_commands)},
         {QStringLiteral("channels"), object(m_channels)},
+        {QStringLiteral("library"), object(m_librarySection)},
+        {QStringLiteral("libraryCommands"), object(m_libraryCommands)},
         {QStringLiteral("panels"), object(m_panels)},
         {QStringLiteral("notifications"), object(m_notifications)},
     });

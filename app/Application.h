@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LocalM3UCommands.h"
+#include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
 #include "app/TransportModel.h"
@@ -46,6 +48,8 @@ public:
     PlayerModel &player() { return m_player; }
     MainWindowModel &window() { return m_window; }
     ChannelListModel &channels() { return m_channels; }
+    LocalM3UStore &library() { return m_library; }
+    LocalM3UModel &librarySection() { return m_librarySection; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
 private:
@@ -64,6 +68,9 @@ private:
     TransportModel m_transport;
     MenuCommands m_commands;
     ChannelListModel m_channels;
+    LocalM3UStore m_library;
+    LocalM3UModel m_librarySection;
+    LocalM3UCommands m_libraryCommands;
     BoundedNetworkAccess m_pictureAccess;
     QQmlApplicationEngine m_engine;
 };

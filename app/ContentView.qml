@@ -14,6 +14,8 @@ FocusScope {
     required property TransportModel transport
     required property MenuCommands commands
     required property ChannelListModel channels
+    required property LocalM3UModel library
+    required property LocalM3UCommands libraryCommands
     required property NotificationCenter notifications
     required property Item picture
 
@@ -53,6 +55,7 @@ FocusScope {
             player: root.player
             shell: root.shell
             commands: root.commands
+            libraryCommands: root.libraryCommands
         }
 
         ControlBar {
@@ -68,6 +71,16 @@ FocusScope {
             player: root.player
             shell: root.shell
             transport: root.transport
+
+            IconButton {
+                onOverlay: true
+                iconName: "star"
+                checked: root.library.isCurrentSaved
+                enabled: root.library.canSaveCurrent
+                text: root.library.isCurrentSaved ? "Show in Local M3U" : "Save to Local M3U"
+                shortcutText: "Ctrl+D"
+                onClicked: root.library.saveCurrent()
+            }
         }
 
         Toast {
@@ -89,6 +102,7 @@ FocusScope {
         player: root.player
         shell: root.shell
         channels: root.channels
+        library: root.library
         onDismissed: surface.forceActiveFocus()
     }
 
@@ -123,15 +137,21 @@ FocusScope {
     DropArea {
         id: dropArea
 
-        anchors.fill: parent
+        // The library takes what is dropped on it.
+        anchors {
+            fill: parent
+            leftMargin: sidebar.visible && root.shell.showsLocalM3U ? sidebar.width : 0
+        }
         onDropped: drop => {
             if (root.shell.openDropped(drop.urls, drop.hasText ? drop.text : ""))
                 drop.accept(Qt.CopyAction);
         }
     }
 
+    LocalM3UDialogs { library: root.library }
+
     Rectangle {
-        anchors.fill: parent
+        anchors.fill: dropArea
         anchors.margins: Theme.spacing * 2
         visible: dropArea.containsDrag
         radius: Theme.radiusLarge

@@ -14,6 +14,8 @@ Window {
     required property TransportModel transport
     required property MenuCommands commands
     required property ChannelListModel channels
+    required property LocalM3UModel library
+    required property LocalM3UCommands libraryCommands
     required property QuickFilePanels panels
     required property NotificationCenter notifications
 
@@ -54,6 +56,8 @@ Window {
         transport: window.transport
         commands: window.commands
         channels: window.channels
+        library: window.library
+        libraryCommands: window.libraryCommands
         notifications: window.notifications
         picture: MpvVideoItem { player: window.mediaPlayer }
     }

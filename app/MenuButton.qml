@@ -38,7 +38,7 @@ Item {
 
             Shortcut {
                 sequence: shortcutHost.modelData.shortcut
-                enabled: shortcutHost.modelData.shortcut !== ""
+                enabled: shortcutHost.modelData.shortcut !== "" && shortcutHost.modelData.isEnabled
                 onActivated: shortcutHost.modelData.trigger()
             }
         }
@@ -60,6 +60,7 @@ Item {
                     text: modelData.title
                     shortcutText: modelData.shortcut
                     startsGroup: modelData.startsGroup
+                    enabled: modelData.isEnabled
                     onTriggered: modelData.trigger()
                 }
             }

@@ -10,6 +10,7 @@ Item {
     required property PlayerModel player
     required property MainWindowModel shell
     required property ChannelListModel channels
+    required property LocalM3UModel library
     signal dismissed()
 
     Column {
@@ -104,6 +105,8 @@ Item {
         visible: root.channels.count > 0
         channels: root.channels
         onChannelActivated: index => root.shell.playChannel(index)
+        onChannelSaved: index => root.library.saveToLocalM3U(index)
+        onMenuRequested: (index, x, y) => channelMenu.popup(index, x, y)
         onDismissed: root.dismissed()
     }
 
@@ -117,6 +120,34 @@ Item {
         iconName: "tv"
         title: "No channels"
         text: "Paste the address of an IPTV playlist, or import an M3U file."
+    }
+
+    Loader {
+        id: channelMenu
+
+        property int channel: -1
+
+        function popup(index: int, x: real, y: real): void {
+            channel = index;
+            active = true;
+            (item as Menu).popup(root, x, y);
+        }
+
+        active: false
+        sourceComponent: Menu {
+            MenuItem {
+                text: "Play"
+                iconName: "play"
+                shortcutText: "Enter"
+                onTriggered: root.shell.playChannel(channelMenu.channel)
+            }
+            MenuItem {
+                text: "Save to Local M3U"
+                iconName: "star"
+                shortcutText: "Ctrl+S"
+                onTriggered: root.library.saveToLocalM3U(channelMenu.channel)
+            }
+        }
     }
 
     Connections {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/LocalM3UCommands.h"
+#include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
 #include "app/TransportModel.h"
@@ -11,6 +13,22 @@
 
 /// Makes the models known to the views by name; the models themselves know nothing of QML.
 namespace lumaro {
+
+struct LocalM3UCommandsForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::LocalM3UCommands)
+    QML_NAMED_ELEMENT(LocalM3UCommands)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct LocalM3UModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::LocalM3UModel)
+    QML_NAMED_ELEMENT(LocalM3UModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
 
 struct MainWindowModelForQml
 {

@@ -10,6 +10,7 @@ Rectangle {
     required property PlayerModel player
     required property MainWindowModel shell
     required property ChannelListModel channels
+    required property LocalM3UModel library
     // The user is done typing here.
     signal dismissed()
 
@@ -46,20 +47,23 @@ Rectangle {
         player: root.player
         shell: root.shell
         channels: root.channels
+        library: root.library
         onDismissed: root.dismissed()
     }
 
     Loader {
         anchors {
             left: parent.left; right: parent.right
-            verticalCenter: parent.verticalCenter
-            margins: Theme.spacing * 6
+            top: sections.bottom; bottom: parent.bottom
+            topMargin: Theme.spacing * 3
         }
-        active: root.shell.showsLocalM3U
-        sourceComponent: EmptyState {
-            iconName: "library"
-            title: "Local M3U"
-            text: "No local M3U8 links yet. Choose an M3U file or click + to add a link."
+        visible: root.shell.showsLocalM3U
+        // Made when it is first shown.
+        active: visible || item
+        sourceComponent: LocalM3USection {
+            library: root.library
+            isLoading: root.player.isLoading
+            onDismissed: root.dismissed()
         }
     }
 }

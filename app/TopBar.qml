@@ -11,6 +11,7 @@ Item {
     required property PlayerModel player
     required property MainWindowModel shell
     required property MenuCommands commands
+    required property LocalM3UCommands libraryCommands
     property bool shown: true
 
     readonly property bool inUse: hover.hovered || openMenus > 0
@@ -62,6 +63,11 @@ Item {
             MenuButton {
                 title: "Playback"
                 commands: root.commands.playback
+                onOpenedChanged: root.openMenus += opened ? 1 : -1
+            }
+            MenuButton {
+                title: "Library"
+                commands: root.libraryCommands.all
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {

@@ -13,6 +13,10 @@ Item {
     required property ChannelListModel channels
     // The user picked the channel at this index of the playlist.
     signal channelActivated(int index)
+    // The user wants to keep it.
+    signal channelSaved(int index)
+    // The user asks what can be done with it, at this place.
+    signal menuRequested(int index, real x, real y)
     // The user is done here.
     signal dismissed()
 
@@ -30,6 +34,23 @@ Item {
             channelActivated(entry);
         else
             channels.toggleGroup(row);
+    }
+
+    function save(row: int): void {
+        if (channels.entryAt(row) >= 0)
+            channelSaved(channels.entryAt(row));
+    }
+    function askForMenu(row: int, item: Item, x: real, y: real): void {
+        if (channels.entryAt(row) < 0)
+            return;
+        const place = item.mapToItem(root.parent, x, y);
+        menuRequested(channels.entryAt(row), place.x, place.y);
+    }
+
+    Shortcut {
+        sequence: "Ctrl+S"
+        enabled: search.activeFocus || list.activeFocus
+        onActivated: root.save(list.currentIndex)
     }
 
     TextField {
@@ -97,6 +118,7 @@ Item {
         Keys.onReturnPressed: root.activate(currentIndex)
         Keys.onEnterPressed: root.activate(currentIndex)
         Keys.onEscapePressed: root.dismissed()
+        Keys.onMenuPressed: if (currentItem) root.askForMenu(currentIndex, currentItem, 56, rowHeight)
 
         Connections {
             target: root.channels
@@ -129,6 +151,14 @@ Item {
             onClicked: {
                 list.currentIndex = index;
                 root.activate(index);
+            }
+
+            TapHandler {
+                acceptedButtons: Qt.RightButton
+                onTapped: point => {
+                    list.currentIndex = row.index;
+                    root.askForMenu(row.index, row, point.position.x, point.position.y);
+                }
             }
 
             Accessible.role: Accessible.ListItem

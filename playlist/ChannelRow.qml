@@ -34,6 +34,8 @@ Item {
             width: parent.width
             text: root.name
             textFormat: Text.PlainText
+            // Beside the logo, whichever way it is written.
+            horizontalAlignment: Text.AlignLeft
             elide: Text.ElideRight
             maximumLineCount: 1
             color: root.isCurrent ? Theme.accentText : Theme.text

@@ -174,8 +174,10 @@ void LocalM3UListModel::select(const QUuid &id)
 {
     const auto entry = qint32(m_entries.indexOf(id));
     const auto row = std::ranges::find(m_rows, entry);
-    if (row != m_rows.end())
-        setSelectedRow(int(row - m_rows.begin()));
+    if (row == m_rows.end())
+        return;
+    setSelectedRow(int(row - m_rows.begin()));
+    Q_EMIT revealRequested(m_selectedRow);
 }
 
 void LocalM3UListModel::moveSelection(int by)
@@ -185,6 +187,8 @@ void LocalM3UListModel::moveSelection(int by)
         selectRow(by > 0 ? 0 : last);
     else
         selectRow(int(std::clamp(qint64(m_selectedRow) + by, qint64(0), qint64(last))));
+    if (m_selectedRow >= 0)
+        Q_EMIT revealRequested(m_selectedRow);
 }
 
 void LocalM3UListModel::setCurrentURL(const QUrl &url)

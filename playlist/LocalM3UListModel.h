@@ -68,6 +68,8 @@ Q_SIGNALS:
     void countChanged();
     void matchCountChanged();
     void selectedRowChanged();
+    /// The user should see this row.
+    void revealRequested(int row);
 
 private:
     class SearchIndex;

@@ -9,6 +9,8 @@ import Lumaro.Ui
 //   acceptText    the main button's text
 //   cancelText    the other button's; empty leaves it out
 //   destructive   accepting loses something
+//   initialFocus  has the focus at first instead of a button
+//   closesOnAccept, acceptRequested()   without the first, the main button only asks by the second
 //   further items lie between the text and the buttons
 T.Dialog {
     id: control
@@ -17,6 +19,9 @@ T.Dialog {
     property string acceptText: "OK"
     property string cancelText: "Cancel"
     property bool destructive: false
+    property Item initialFocus: null
+    property bool closesOnAccept: true
+    signal acceptRequested()
     default property alias extras: extraItems.data
 
     parent: T.Overlay.overlay
@@ -32,7 +37,8 @@ T.Dialog {
 
     onAboutToShow: {
         before.remember(contentItem);
-        (destructive && cancelText !== "" ? cancelButton : acceptButton).forceActiveFocus(Qt.TabFocusReason);
+        const first = destructive && cancelText !== "" ? cancelButton : acceptButton;
+        (initialFocus ?? first).forceActiveFocus(Qt.TabFocusReason);
     }
     onClosed: before.giveBack(contentItem)
 
@@ -114,7 +120,7 @@ T.Dialog {
                         text: control.acceptText
                         primary: !control.destructive
                         destructive: control.destructive
-                        onClicked: control.accept()
+                        onClicked: control.closesOnAccept ? control.accept() : control.acceptRequested()
                     }
                 }
             }

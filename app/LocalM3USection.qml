@@ -1,0 +1,223 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Playlist
+import Lumaro.Ui
+
+// The user's own library of links: what can be done with it, and its list.
+Item {
+    id: root
+
+    required property LocalM3UModel library
+    property bool isLoading: false
+    signal dismissed()
+
+    readonly property bool isEmpty: library.list.count === 0
+
+    Column {
+        id: head
+
+        anchors {
+            left: parent.left; right: parent.right; top: parent.top
+            leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
+        }
+        spacing: Theme.spacing * 2
+
+        Item {
+            width: parent.width
+            height: actions.implicitHeight
+
+            Row {
+                id: actions
+
+                spacing: Theme.spacing
+
+                IconButton {
+                    id: addButton
+
+                    iconName: "plus"
+                    text: "Add Link…"
+                    shortcutText: "Ctrl+N"
+                    onClicked: root.library.add()
+                }
+                IconButton {
+                    iconName: "import"
+                    text: "Import M3U File…"
+                    shortcutText: "Ctrl+Shift+I"
+                    onClicked: root.library.importLocalPlaylist()
+                }
+                IconButton {
+                    iconName: "export"
+                    text: "Export M3U File…"
+                    shortcutText: "Ctrl+Shift+E"
+                    enabled: !root.isEmpty
+                    onClicked: root.library.exportLocalPlaylistAsM3U()
+                }
+            }
+            Row {
+                anchors.right: parent.right
+                spacing: Theme.spacing
+
+                BusyIndicator {
+                    anchors.verticalCenter: parent.verticalCenter
+                    size: 20
+                    running: root.isLoading
+                    visible: running
+                }
+                IconButton {
+                    id: moreButton
+
+                    iconName: "more"
+                    text: "More"
+                    onClicked: moreMenu.popup()
+                }
+            }
+        }
+
+        ErrorLine {
+            width: parent.width
+            visible: text !== ""
+            text: root.library.errorMessage
+        }
+        Button {
+            visible: root.library.isNotStored
+            text: "Try Again"
+            onClicked: root.library.tryAgain()
+        }
+    }
+
+    LocalM3UListView {
+        id: list
+
+        anchors {
+            left: parent.left; right: parent.right
+            top: head.bottom; bottom: parent.bottom
+            topMargin: Theme.spacing * 2
+        }
+        visible: !root.isEmpty
+        links: root.library.list
+        onPlayed: row => root.library.play(row)
+        onEdited: row => root.library.edit(row)
+        onDeleted: row => root.library.remove(row)
+        onMenuRequested: (row, x, y) => linkMenu.popup(row, x, y)
+        onDismissed: root.dismissed()
+    }
+
+    EmptyState {
+        anchors {
+            left: parent.left; right: parent.right
+            verticalCenter: parent.verticalCenter
+            margins: Theme.spacing * 6
+        }
+        visible: root.isEmpty
+        iconName: "library"
+        title: "Local M3U"
+        text: "No local M3U8 links yet. Choose an M3U file or click + to add a link."
+        buttonText: "Choose M3U File…"
+        onButtonClicked: root.library.importLocalPlaylist()
+    }
+
+    Loader {
+        id: linkMenu
+
+        property int row: -1
+
+        function popup(index: int, x: real, y: real): void {
+            row = index;
+            active = true;
+            (item as Menu).popup(root, x, y);
+        }
+
+        active: false
+        sourceComponent: Menu {
+            MenuItem {
+                text: "Play"
+                iconName: "play"
+                shortcutText: "Enter"
+                onTriggered: root.library.play(linkMenu.row)
+            }
+            MenuItem {
+                text: "Edit…"
+                iconName: "edit"
+                shortcutText: "F2"
+                onTriggered: root.library.edit(linkMenu.row)
+            }
+            MenuItem {
+                text: "Delete…"
+                iconName: "trash"
+                shortcutText: "Del"
+                destructive: true
+                startsGroup: true
+                onTriggered: root.library.remove(linkMenu.row)
+            }
+        }
+    }
+
+    Loader {
+        id: moreMenu
+
+        function popup(): void {
+            active = true;
+            (item as Menu).popup(moreButton, 0, moreButton.height);
+        }
+
+        active: false
+        sourceComponent: Menu {
+            MenuItem {
+                text: "Undo"
+                shortcutText: "Ctrl+Z"
+                enabled: root.library.history.canUndo
+                onTriggered: root.library.history.undo()
+            }
+            MenuItem {
+                text: "Redo"
+                shortcutText: "Ctrl+Shift+Z"
+                enabled: root.library.history.canRedo
+                onTriggered: root.library.history.redo()
+            }
+            MenuItem {
+                text: "Delete All…"
+                iconName: "trash"
+                shortcutText: "Ctrl+Shift+Backspace"
+                destructive: true
+                startsGroup: true
+                enabled: !root.isEmpty
+                onTriggered: root.library.removeAll()
+            }
+        }
+    }
+
+    DropArea {
+        id: dropArea
+
+        anchors.fill: parent
+        onDropped: drop => {
+            if (root.library.drop(drop.urls, drop.hasText ? drop.text : ""))
+                drop.accept(Qt.CopyAction);
+        }
+    }
+    Rectangle {
+        anchors { fill: parent; margins: Theme.spacing * 2 }
+        visible: dropArea.containsDrag
+        radius: Theme.radiusLarge
+        color: Theme.overlay
+        border { width: 2; color: Theme.accent }
+
+        EmptyState {
+            anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
+            onOverlay: true
+            iconName: "import"
+            title: "Drop to import"
+        }
+    }
+
+    Connections {
+        target: root.library
+
+        function onFocusRequested() {
+            if (root.isEmpty)
+                addButton.forceActiveFocus(Qt.TabFocusReason);
+            else
+                list.takeFocus();
+        }
+    }
+}

@@ -1,0 +1,198 @@
+import QtQuick
+import QtQuick.Templates as T
+import Lumaro.Playlist
+import Lumaro.Ui
+
+// The library's links with a search over them. In the search field the arrows move through the
+// list, Enter plays, F2 edits, and Delete asks to delete where there is nothing to delete in the
+// text.
+Item {
+    id: root
+
+    required property LocalM3UListModel links
+    signal played(int row)
+    signal edited(int row)
+    signal deleted(int row)
+    // The user asks what can be done with the link at `row`, at this place.
+    signal menuRequested(int row, real x, real y)
+    // The user is done here.
+    signal dismissed()
+
+    function takeFocus(): void {
+        search.forceActiveFocus(Qt.ShortcutFocusReason);
+    }
+    function play(): void {
+        // Enter right after typing means the first match.
+        if (links.selectedRow < 0)
+            links.moveSelection(1);
+        played(links.selectedRow);
+    }
+    function handleKey(event: KeyEvent): void {
+        const page = Math.max(1, Math.floor(list.height / list.rowHeight) - 1);
+        event.accepted = true;
+        switch (event.key) {
+        case Qt.Key_Up: links.moveSelection(-1); break;
+        case Qt.Key_Down: links.moveSelection(1); break;
+        case Qt.Key_PageUp: links.moveSelection(-page); break;
+        case Qt.Key_PageDown: links.moveSelection(page); break;
+        case Qt.Key_F2: edited(links.selectedRow); break;
+        default: event.accepted = false;
+        }
+    }
+    function askForMenu(row: int, item: Item, x: real, y: real): void {
+        links.selectedRow = row;
+        const place = item.mapToItem(root.parent, x, y);
+        menuRequested(row, place.x, place.y);
+    }
+
+    TextField {
+        id: search
+
+        anchors {
+            left: parent.left; right: parent.right; top: parent.top
+            leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
+        }
+        iconName: "search"
+        placeholderText: root.links.count === 1 ? "Search 1 link"
+                       : "Search %1 links".arg(root.links.count.toLocaleString(Qt.locale(), "f", 0))
+        text: root.links.filterText
+        onTextEdited: root.links.filterText = text
+        onCleared: root.links.filterText = ""
+        onAccepted: root.play()
+        Keys.onPressed: event => root.handleKey(event)
+        Keys.onDeletePressed: event => {
+            event.accepted = cursorPosition === length && selectedText === "";
+            if (event.accepted)
+                root.deleted(root.links.selectedRow);
+        }
+        Keys.onEscapePressed: {
+            if (text === "")
+                root.dismissed();
+            else
+                root.links.filterText = "";
+        }
+        Accessible.name: "Search Local M3U"
+    }
+
+    ListView {
+        id: list
+
+        readonly property int rowHeight: 52
+        // While rows fly past, their logos are not worth fetching.
+        readonly property bool isHurried: Math.abs(verticalVelocity) > 3000
+
+        anchors {
+            left: parent.left; right: parent.right
+            top: search.bottom; bottom: parent.bottom
+            topMargin: Theme.spacing * 2
+        }
+        clip: true
+        model: root.links
+        currentIndex: -1
+        reuseItems: true
+        keyNavigationEnabled: false
+        activeFocusOnTab: true
+        boundsBehavior: Flickable.StopAtBounds
+        T.ScrollBar.vertical: ScrollBar {}
+
+        Accessible.role: Accessible.List
+        Accessible.name: "Local M3U"
+
+        Keys.onPressed: event => root.handleKey(event)
+        Keys.onReturnPressed: root.play()
+        Keys.onEnterPressed: root.play()
+        Keys.onDeletePressed: root.deleted(root.links.selectedRow)
+        Keys.onEscapePressed: root.dismissed()
+        Keys.onMenuPressed: {
+            const row = itemAtIndex(root.links.selectedRow);
+            if (row)
+                root.askForMenu(root.links.selectedRow, row, 56, rowHeight);
+        }
+
+        Connections {
+            target: root.links
+
+            function onModelReset() { list.positionViewAtBeginning(); }
+            function onRevealRequested(row: int) { list.positionViewAtIndex(row, ListView.Contain); }
+        }
+
+        delegate: T.AbstractButton {
+            id: row
+
+            required property int index
+            required property string name
+            required property string logo
+            required property string group
+            required property string country
+            required property string initial
+            required property bool isCurrent
+
+            readonly property bool isSelected: index === root.links.selectedRow
+
+            width: ListView.view.width
+            height: list.rowHeight
+            focusPolicy: Qt.NoFocus
+            hoverEnabled: true
+            text: name
+            onClicked: {
+                root.links.selectedRow = index;
+                root.played(index);
+            }
+
+            TapHandler {
+                acceptedButtons: Qt.RightButton
+                onTapped: point => root.askForMenu(row.index, row, point.position.x, point.position.y)
+            }
+
+            Accessible.role: Accessible.ListItem
+            Accessible.name: name
+            Accessible.description: [country, group].filter(t => t !== "").join(", ")
+            Accessible.selected: isSelected
+
+            background: Rectangle {
+                anchors { fill: parent; leftMargin: Theme.spacing; rightMargin: Theme.spacing }
+                radius: Theme.radius
+                color: row.down ? Theme.fillPressed
+                     : row.isSelected ? Theme.accentSoft
+                     : row.hovered ? Theme.fillHover : "transparent"
+                border {
+                    width: row.isSelected && list.activeFocus ? 2 : 0
+                    color: Theme.accent
+                }
+            }
+            contentItem: Item {
+                ChannelRow {
+                    anchors { fill: parent; rightMargin: more.visible ? more.width : 0 }
+                    name: row.name
+                    group: row.group
+                    country: row.country
+                    logo: list.isHurried ? "" : row.logo
+                    initial: row.initial
+                    isCurrent: row.isCurrent
+                }
+                IconButton {
+                    id: more
+
+                    anchors { right: parent.right; rightMargin: Theme.spacing * 2; verticalCenter: parent.verticalCenter }
+                    visible: row.hovered
+                    focusPolicy: Qt.NoFocus
+                    iconName: "more"
+                    text: "More"
+                    onClicked: root.askForMenu(row.index, more, 0, more.height)
+                }
+            }
+        }
+    }
+
+    EmptyState {
+        anchors {
+            left: parent.left; right: parent.right
+            top: search.bottom
+            margins: Theme.spacing * 6
+        }
+        visible: root.links.matchCount === 0 && root.links.filterText !== ""
+        iconName: "search"
+        title: "No matches"
+        text: "No name or category contains “%1”.".arg(root.links.filterText)
+    }
+}
