@@ -1,0 +1,134 @@
+#include "download/StreamFetcher.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace lumaro {
+
+namespace {
+
+/// What web servers expect of a browser; some refuse anything else.
+constexpr char userAgent[] = "Mozilla/5.0 (Macintosh; Intel Mac OS X 10_15_7) "
+                             "AppleWebKit/605.1.15 Safari/605.1.15";
+
+HttpRequest requestFor(const QUrl &url)
+{
+    HttpRequest request;
+    request.url = url;
+    request.patience = StreamFetcher::patience;
+    request.userAgent = userAgent;
+    return request;
+}
+
+/// Empty when the server gave what was asked for.
+std::optional<DownloadFailure> failureOf(const std::expected<HttpResponse, HttpError> &response)
+{
+    if (!response)
+        return response.error();
+    if (response->status < 200 || response->status > 299)
+        return DownloadError::serverRejected;
+    return std::nullopt;
+}
+
+bool isMaster(const QByteArray &text)
+{
+    return text.contains("#EXT-X-STREAM-INF");
+}
+
+DownloadResult<MediaPlaylist> readMedia(const QByteArray &text, const QUrl &url)
+{
+    auto playlist = parseMediaPlaylist(text, url);
+    if (!playlist)
+        return std::unexpected(playlist.error());
+    return *std::move(playlist);
+}
+
+/// The first of the variants with the highest bandwidth.
+DownloadResult<QUrl> bestVariant(const QByteArray &text, const QUrl &url)
+{
+    const QList<Variant> variants = parseVariants(text, url);
+    const auto best = std::ranges::max_element(variants, {}, &Variant::bandwidth);
+    if (best == variants.end())
+        return std::unexpected(DownloadError::invalidPlaylist);
+    return best->url;
+}
+
+/// Runs `read` on another thread. Work that has begun cannot be interrupted, but nobody has to wait
+/// for it.
+template <typename T>
+Task<DownloadResult<T>> inBackground(Scheduler &scheduler, std::function<DownloadResult<T>()> read,
+                                     std::stop_token stop)
+{
+    const OneShot<DownloadResult<T>> finished;
+    const auto result = std::make_shared<std::optional<DownloadResult<T>>>();
+    scheduler.runInBackground([result, read = std::move(read)] { *result = read(); },
+                              [result, finished] { finished.complete(std::move(**result)); });
+    const std::stop_callback whenStopped(stop, [finished] {
+        finished.complete(std::unexpected(HttpError{HttpError::Kind::Cancelled}));
+    });
+    co_return co_await finished;
+}
+
+} // namespace
+
+Task<DownloadResult<void>> StreamFetcher::fetchData(QUrl url, HttpBodySink sink,
+                                                    std::stop_token stop)
+{
+    const HttpRequest request = requestFor(url);
+    const auto response = co_await m_http.stream(request, std::move(sink), stop);
+    if (const auto failure = failureOf(response))
+        co_return std::unexpected(*failure);
+    co_return {};
+}
+
+Task<DownloadResult<PlaylistText>> StreamFetcher::fetchText(QUrl url, std::stop_token stop)
+{
+    constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF";
+    HttpRequest request = requestFor(url);
+    request.maximumBodySize = maximumPlaylistSize;
+    auto response = co_await m_http.get(request, stop);
+    if (const auto failure = failureOf(response))
+        co_return std::unexpected(*failure);
+    QByteArray text = std::move(response->body);
+    if (!text.isValidUtf8())
+        co_return std::unexpected(DownloadError::invalidPlaylist);
+    if (text.startsWith(byteOrderMark))
+        text.remove(0, byteOrderMark.size());
+    co_return PlaylistText{text};
+}
+
+Task<DownloadResult<MediaPlaylist>> StreamFetcher::fetchMediaPlaylist(QUrl url,
+                                                                      std::stop_token stop)
+{
+    const DownloadResult<PlaylistText> text = co_await fetchText(url, stop);
+    if (!text)
+        co_return std::unexpected(text.error());
+    co_return co_await parse(*text, url, stop);
+}
+
+Task<DownloadResult<MediaPlaylist>> StreamFetcher::resolveMediaPlaylist(QUrl url,
+                                                                        std::stop_token stop)
+{
+    const DownloadResult<PlaylistText> text = co_await fetchText(url, stop);
+    if (!text)
+        co_return std::unexpected(text.error());
+    if (!isMaster(text->utf8))
+        co_return co_await parse(*text, url, stop);
+
+    std::function<DownloadResult<QUrl>()> choose = [text, url] {
+        return bestVariant(text->utf8, url);
+    };
+    const DownloadResult<QUrl> variant = co_await inBackground(m_scheduler, choose, stop);
+    if (!variant)
+        co_return std::unexpected(variant.error());
+    co_return co_await fetchMediaPlaylist(*variant, stop);
+}
+
+Task<DownloadResult<MediaPlaylist>> StreamFetcher::parse(PlaylistText text, QUrl url,
+                                                         std::stop_token stop)
+{
+    return inBackground<MediaPlaylist>(
+        m_scheduler, [text, url] { return readMedia(text.utf8, url); }, stop);
+}
+
+} // namespace lumaro
