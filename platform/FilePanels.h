@@ -39,7 +39,19 @@ struct SavePanelRequest
     bool operator==(const SavePanelRequest &) const = default;
 };
 
-/// The platform's panels for choosing files. Main thread; one panel at a time.
+/// What a folder panel asks for: one existing folder.
+struct FolderPanelRequest
+{
+    QString title;
+    /// The accepting button's text; empty for the platform's own.
+    QString prompt;
+    /// Where the panel begins.
+    QUrl folder;
+
+    bool operator==(const FolderPanelRequest &) const = default;
+};
+
+/// The platform's panels for choosing files and folders. Main thread; one panel at a time.
 class FilePanels
 {
 public:
@@ -56,6 +68,10 @@ public:
     /// cancels or another panel is already open.
     virtual Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
                                                     std::stop_token stop) = 0;
+
+    /// The chosen folder's URL; empty when the user cancels or another panel is already open.
+    virtual Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,
+                                                   std::stop_token stop) = 0;
 };
 
 } // namespace lumaro

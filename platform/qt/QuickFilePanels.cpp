@@ -37,6 +37,16 @@ Task<std::optional<QUrl>> QuickFilePanels::chooseNewFile(SavePanelRequest reques
                 std::move(stop));
 }
 
+Task<std::optional<QUrl>> QuickFilePanels::chooseFolder(FolderPanelRequest request,
+                                                        std::stop_token stop)
+{
+    return show({.title = request.title,
+                 .prompt = request.prompt,
+                 .isChoosingFolder = true,
+                 .folder = request.folder},
+                std::move(stop));
+}
+
 Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token stop)
 {
     if (m_open || stop.stop_requested())

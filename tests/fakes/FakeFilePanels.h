@@ -23,10 +23,17 @@ public:
         co_return std::as_const(choice);
     }
 
+    Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request, std::stop_token) override
+    {
+        folderRequests.append(request);
+        co_return choice;
+    }
+
     /// What the user picks; empty for Cancel.
     std::optional<QUrl> choice;
     QList<OpenPanelRequest> requests;
     QList<SavePanelRequest> saveRequests;
+    QList<FolderPanelRequest> folderRequests;
 };
 
 } // namespace lumaro

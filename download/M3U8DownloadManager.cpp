@@ -1,0 +1,283 @@
+#include "download/M3U8DownloadManager.h"
+
+#include "download/FileNaming.h"
+#include "download/SegmentFile.h"
+#include "download/WrittenSegments.h"
+#include "platform/FilePanels.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace lumaro {
+
+namespace {
+
+QString saveFolderKey()
+{
+    return QStringLiteral("Lumaro.M3U8DownloadFolder");
+}
+
+bool isFolder(const QString &path)
+{
+    return QFileInfo(path).isDir();
+}
+
+QUrl firstFolder(const QStringList &paths)
+{
+    const auto found = std::ranges::find_if(paths, isFolder);
+    return found == paths.end() ? QUrl() : QUrl::fromLocalFile(*found);
+}
+
+/// How long a live playlist is left alone before it is read again.
+Scheduler::Duration pollInterval(double targetDuration)
+{
+    const std::chrono::duration<double> half(std::clamp(targetDuration / 2, 1.0, 6.0));
+    return std::chrono::duration_cast<Scheduler::Duration>(half);
+}
+
+double secondsBetween(Scheduler::TimePoint begin, Scheduler::TimePoint end)
+{
+    return std::chrono::duration<double>(end - begin).count();
+}
+
+} // namespace
+
+M3U8DownloadManager::M3U8DownloadManager(DownloadPlatform platform, QObject *parent)
+    : QObject(parent)
+    , m_platform(std::move(platform))
+    , m_fetcher(m_platform.http, m_platform.scheduler)
+{
+    const QByteArray stored = m_platform.defaults.data(saveFolderKey()).value_or(QByteArray());
+    m_saveFolder = firstFolder(QStringList(QString::fromUtf8(stored)) + m_platform.standardFolders);
+}
+
+M3U8DownloadManager::~M3U8DownloadManager()
+{
+    m_lifetime.request_stop();
+    for (std::stop_source &task : m_tasks)
+        task.request_stop();
+}
+
+QString M3U8DownloadManager::keyOf(const QUrl &url)
+{
+    return url.toString(QUrl::FullyEncoded);
+}
+
+void M3U8DownloadManager::start(const QUrl &url, const std::optional<QString> &suggestedName)
+{
+    const QString key = keyOf(url);
+    if (m_tasks.contains(key))
+        return;
+    const std::stop_source task;
+    m_tasks.insert(key, task);
+    setJob(key, {.message = QStringLiteral("Preparing…"), .isActive = true});
+    run(url, suggestedName, task.get_token());
+}
+
+void M3U8DownloadManager::stop(const QUrl &url)
+{
+    // Ending, the job takes its own entry away.
+    std::stop_source task = m_tasks.value(keyOf(url), std::stop_source(std::nostopstate));
+    task.request_stop();
+}
+
+void M3U8DownloadManager::openDownloadedFileLocation(const QUrl &url)
+{
+    const QUrl file = m_jobs.value(keyOf(url)).destination;
+    if (!file.isEmpty())
+        m_platform.workspace.activateFileViewer({file});
+}
+
+// One job
+
+Task<> M3U8DownloadManager::run(QUrl url, std::optional<QString> suggestedName,
+                                std::stop_token stop)
+{
+    const std::stop_token lifetime = m_lifetime.get_token();
+    const Scheduler::TimePoint begin = m_platform.scheduler.now();
+    const Outcome outcome = co_await save(url, suggestedName, stop);
+    if (lifetime.stop_requested())
+        co_return;
+    finish(keyOf(url), outcome, stop.stop_requested(),
+           secondsBetween(begin, m_platform.scheduler.now()));
+}
+
+Task<M3U8DownloadManager::Outcome>
+M3U8DownloadManager::save(QUrl url, std::optional<QString> suggestedName, std::stop_token stop)
+{
+    DownloadResult<MediaPlaylist> playlist = co_await m_fetcher.resolveMediaPlaylist(url, stop);
+    if (!playlist)
+        co_return std::unexpected(playlist.error());
+
+    SegmentFile file;
+    const QString fileExtension =
+        playlist->mapURL.isEmpty() ? QStringLiteral("ts") : QStringLiteral("mp4");
+    const Outcome opened = openDestination(file, keyOf(url), suggestedName, fileExtension);
+    if (!opened)
+        co_return opened;
+    co_return co_await download(*std::move(playlist), file, keyOf(url), stop);
+}
+
+M3U8DownloadManager::Outcome
+M3U8DownloadManager::openDestination(SegmentFile &file, const QString &key,
+                                     const std::optional<QString> &suggestedName,
+                                     const QString &fileExtension)
+{
+    for (;;) {
+        const auto destination =
+            uniqueDestination(m_saveFolder.toLocalFile(), suggestedName, fileExtension);
+        if (!destination)
+            return std::unexpected(DownloadError::cannotCreateDestination);
+        setJob(key,
+               {.message = QStringLiteral("Starting…"),
+                .isActive = true,
+                .destination = QUrl::fromLocalFile(*destination)});
+        const auto created = file.create(*destination);
+        if (created)
+            return {};
+        // Somebody else may have been quicker; the next name will do.
+        if (!isTaken(*destination))
+            return std::unexpected(created.error());
+    }
+}
+
+Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist playlist,
+                                                                 SegmentFile &file, QString key,
+                                                                 std::stop_token stop)
+{
+    if (!playlist.mapURL.isEmpty()) {
+        const Outcome appended = co_await append(playlist.mapURL, file, stop);
+        if (!appended)
+            co_return appended;
+    }
+
+    WrittenSegments written;
+    qsizetype count = 0;
+    JobState state = m_jobs.value(key);
+    for (;;) {
+        written.beginPlaylist();
+        qsizetype position = 0;
+        SegmentList::Reader segments(playlist.segments);
+        while (const std::optional<QUrl> segment = segments.next()) {
+            ++position;
+            if (!written.insert(*segment))
+                continue;
+            const Outcome appended = co_await append(*segment, file, stop);
+            if (!appended)
+                co_return appended;
+            ++count;
+            if (playlist.isLive) {
+                state.message = u"Live · " + QString::number(count) + u" segments";
+            } else {
+                const qsizetype total = playlist.segments.size();
+                state.message = QString::number(position * 100 / total) + u'%';
+                state.progress = double(position) / double(total);
+            }
+            setJob(key, state);
+        }
+        if (!playlist.isLive)
+            co_return {};
+
+        const Scheduler::Duration interval = pollInterval(playlist.targetDuration);
+        if (!co_await m_platform.scheduler.sleep(interval, stop))
+            co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
+        DownloadResult<MediaPlaylist> newer =
+            co_await m_fetcher.fetchMediaPlaylist(playlist.url, stop);
+        if (!newer)
+            co_return std::unexpected(newer.error());
+        playlist = *std::move(newer);
+    }
+}
+
+Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::append(QUrl segment, SegmentFile &file,
+                                                               std::stop_token stop)
+{
+    const HttpBodySink sink = [&file](QByteArrayView bytes) { return file.append(bytes); };
+    const Outcome fetched = co_await m_fetcher.fetchData(segment, sink, stop);
+    if (const auto &error = file.error())
+        co_return std::unexpected(*error);
+    if (!fetched)
+        co_return fetched;
+    // The open file would go on growing where nobody finds it.
+    if (!file.folderExists())
+        co_return std::unexpected(DownloadError::cannotCreateDestination);
+    file.keep();
+    co_return {};
+}
+
+void M3U8DownloadManager::finish(const QString &key, const Outcome &outcome, bool wasStopped,
+                                 double seconds)
+{
+    JobState state;
+    state.destination = m_jobs.value(key).destination;
+    if (outcome) {
+        state.message = QStringLiteral("Saved");
+        state.progress = 1;
+        state.duration = seconds;
+    } else if (wasStopped) {
+        state.message = QStringLiteral("Stopped · file saved");
+        state.duration = seconds;
+    } else {
+        state.message = QStringLiteral("Download failed");
+    }
+    m_tasks.remove(key);
+    if (!outcome && !wasStopped)
+        setErrorMessage(description(outcome.error()));
+    setJob(key, state);
+}
+
+void M3U8DownloadManager::setJob(const QString &key, const JobState &state)
+{
+    JobState &job = m_jobs[key];
+    if (job == state)
+        return;
+    job = state;
+    Q_EMIT jobChanged(key);
+}
+
+// Errors and the save folder
+
+void M3U8DownloadManager::setErrorMessage(const QString &message)
+{
+    if (m_errorMessage == message)
+        return;
+    m_errorMessage = message;
+    Q_EMIT errorMessageChanged();
+}
+
+void M3U8DownloadManager::dismissError()
+{
+    setErrorMessage(QString());
+}
+
+void M3U8DownloadManager::setSaveFolder(const QUrl &folder)
+{
+    if (m_saveFolder == folder)
+        return;
+    m_saveFolder = folder;
+    Q_EMIT saveFolderChanged();
+}
+
+void M3U8DownloadManager::chooseSaveFolder()
+{
+    askForSaveFolder();
+}
+
+Task<> M3U8DownloadManager::askForSaveFolder()
+{
+    const FolderPanelRequest request{.title = QStringLiteral("Choose HLS Download Folder"),
+                                     .prompt = QStringLiteral("Choose"),
+                                     .folder = m_saveFolder};
+    const std::stop_token stop = m_lifetime.get_token();
+    const std::optional<QUrl> folder = co_await m_platform.panels.chooseFolder(request, stop);
+    if (!folder || stop.stop_requested())
+        co_return;
+    setSaveFolder(*folder);
+    // A choice that could not be stored is made again next time; nothing is lost.
+    (void)m_platform.defaults.setData(saveFolderKey(), folder->toLocalFile().toUtf8());
+}
+
+} // namespace lumaro

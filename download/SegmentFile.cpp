@@ -1,0 +1,56 @@
+#include "download/SegmentFile.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace lumaro {
+
+SegmentFile::~SegmentFile()
+{
+    if (m_size != m_keptSize)
+        m_file.resize(m_keptSize);
+}
+
+std::expected<void, FileWriteError> SegmentFile::create(const QString &path)
+{
+    m_file.setFileName(path);
+    // Without a buffer of its own, an error belongs to the segment that meets it.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
+        return std::unexpected(currentError());
+    return {};
+}
+
+bool SegmentFile::append(QByteArrayView bytes)
+{
+    while (!bytes.isEmpty()) {
+        const qint64 written = m_file.write(bytes.data(), bytes.size());
+        if (written <= 0) {
+            m_error = currentError();
+            return false;
+        }
+        m_size += written;
+        bytes = bytes.sliced(written);
+    }
+    return true;
+}
+
+bool SegmentFile::folderExists() const
+{
+    return QFileInfo(m_file).dir().exists();
+}
+
+FileWriteError SegmentFile::currentError() const
+{
+    using Kind = FileWriteError::Kind;
+    switch (m_file.error()) {
+    case QFileDevice::ResourceError:
+        return {Kind::NoSpace, m_file.errorString()};
+    case QFileDevice::OpenError:
+    case QFileDevice::PermissionsError:
+        return {Kind::NotPermitted, m_file.errorString()};
+    default:
+        return {Kind::Failed, m_file.errorString()};
+    }
+}
+
+} // namespace lumaro
