@@ -1,8 +1,8 @@
 import QtQuick
 import Lumaro.App
 
-// Shows the file panel that is asked for. The dialog is loaded with the first request: start-up
-// must not wait for it.
+// Shows the panel that is asked for. Each dialog is loaded with its first request: start-up must
+// not wait for it.
 Item {
     id: host
 
@@ -12,15 +12,25 @@ Item {
         target: host.panels
 
         function onOpenRequested() {
+            const loader = host.panels.isChoosingFolder ? folderLoader : fileLoader;
             if (loader.status === Loader.Null)
-                loader.setSource("FilePanel.qml", { "panels": host.panels });
+                loader.setSource(loader.panel, { "panels": host.panels });
             loader.item.open();
         }
         function onWithdrawn() {
-            if (loader.item)
-                loader.item.close();
+            fileLoader.item?.close();
+            folderLoader.item?.close();
         }
     }
 
-    Loader { id: loader }
+    Loader {
+        id: fileLoader
+
+        readonly property string panel: "FilePanel.qml"
+    }
+    Loader {
+        id: folderLoader
+
+        readonly property string panel: "FolderPanel.qml"
+    }
 }

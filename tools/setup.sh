@@ -14,7 +14,7 @@ build_packages=(
     libcurl4-openssl-dev zlib1g-dev
 )
 test_packages=(
-    clang-format-19 clang-tidy-19 xvfb xdotool imagemagick nginx-light ffmpeg
+    clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
 )
 bench_packages=(mpv libx11-dev libxext-dev nodejs)
 

@@ -26,6 +26,7 @@ class QuickFilePanelsTest : public QObject
 
 private Q_SLOTS:
     void describesTheSavePanel();
+    void describesTheFolderPanel();
     void showsOneAtATime();
     void withdrawsWhenStopped();
 };
@@ -52,6 +53,23 @@ void QuickFilePanelsTest::describesTheSavePanel()
         {});
     QVERIFY(!panels.isSaving());
     QCOMPARE(panels.proposedName(), QString());
+    panels.reject();
+}
+
+void QuickFilePanelsTest::describesTheFolderPanel()
+{
+    QuickFilePanels panels;
+    const QUrl folder = QUrl::fromLocalFile(u"/tmp"_s);
+    panels.chooseFolder({.title = u"Where"_s, .prompt = u"Choose"_s, .folder = folder}, {});
+    QVERIFY(panels.isChoosingFolder());
+    QVERIFY(!panels.isSaving());
+    QCOMPARE(panels.title(), u"Where"_s);
+    QCOMPARE(panels.prompt(), u"Choose"_s);
+    QCOMPARE(panels.folder(), folder);
+    panels.reject();
+
+    panels.chooseNewFile({}, {});
+    QVERIFY(!panels.isChoosingFolder());
     panels.reject();
 }
 
