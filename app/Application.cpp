@@ -16,7 +16,9 @@ Application::Folders Application::Folders::standard()
         return QString(QStandardPaths::writableLocation(location) + u"/lumaro");
     };
     return {folder(QStandardPaths::GenericConfigLocation),
-            folder(QStandardPaths::GenericCacheLocation)};
+            folder(QStandardPaths::GenericCacheLocation),
+            {QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
+             QStandardPaths::writableLocation(QStandardPaths::HomeLocation)}};
 }
 
 void Application::prepare()

@@ -30,8 +30,10 @@ public:
     {
         QString settings;
         QString cache;
+        /// Where downloads go: the first that exists.
+        QStringList downloads;
 
-        /// Those of the XDG Base Directory Specification.
+        /// Those of the XDG Base Directory Specification, and the user's own for downloads.
         static Folders standard();
     };
 

@@ -15,8 +15,8 @@ constexpr int patience = 30'000;
 } // namespace
 
 AppWorld::AppWorld()
-    : m_application(std::make_unique<Application>(
-          Application::Folders{m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s)}))
+    : m_application(std::make_unique<Application>(Application::Folders{
+          m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}}))
 {
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
