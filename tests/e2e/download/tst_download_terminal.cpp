@@ -1,0 +1,182 @@
+#include "tests/e2e/download/DownloadWorld.h"
+#include "tests/e2e/servers/FaultServer.h"
+#include "tests/e2e/servers/LiveFeed.h"
+#include "tests/e2e/servers/MediaFixtures.h"
+#include "tests/e2e/servers/ValueOrFail.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+
+using namespace std::chrono_literals;
+using namespace Qt::Literals::StringLiterals;
+using namespace lumaro;
+
+namespace {
+
+constexpr int patience = 60'000;
+
+/// The program without a display, and what it said so far.
+class Program
+{
+public:
+    explicit Program(const QStringList &arguments)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const QString &variable : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
+            environment.remove(variable);
+        environment.insert(u"XDG_CONFIG_HOME"_s, m_home.path());
+        environment.insert(u"HOME"_s, m_home.path());
+        m_process.setProcessEnvironment(environment);
+        m_process.start(arguments.first(), arguments.sliced(1));
+    }
+
+    bool ends()
+    {
+        return QTest::qWaitFor([this] { return isOver(); }, patience);
+    }
+    int exitCode() const { return m_process.exitCode(); }
+    void send(int signalNumber) { kill(pid_t(m_process.processId()), signalNumber); }
+    QString said()
+    {
+        m_said += QString::fromLocal8Bit(m_process.readAllStandardError());
+        return m_said;
+    }
+    QString printed() { return QString::fromLocal8Bit(m_process.readAllStandardOutput()); }
+
+private:
+    bool isOver() const
+    {
+        return m_process.state() == QProcess::NotRunning
+            && m_process.exitStatus() == QProcess::NormalExit;
+    }
+
+    QTemporaryDir m_home;
+    QProcess m_process;
+    QString m_said;
+};
+
+} // namespace
+
+class DownloadTerminalTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void savesAndPrintsThePath();
+    void showsOneLineOnATerminal();
+    void saysWhyItFails_data();
+    void saysWhyItFails();
+    void keepsTheFileWhenInterrupted();
+    void cutShortIsNotSuccess();
+
+private:
+    QStringList command(const QUrl &url) const
+    {
+        return {QStringLiteral(LUMARO_PROGRAM), u"--download"_s, url.toString(), u"--to"_s,
+                m_folder.path()};
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<NginxServer> m_nginx;
+    QUrl m_film;
+};
+
+void DownloadTerminalTest::initTestCase()
+{
+    m_nginx = valueOrFail(NginxServer::start());
+    const QString master =
+        valueOrFail(MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::Hls));
+    QVERIFY(m_nginx->publish(QFileInfo(master).absolutePath(), u"ts"_s));
+    m_film = m_nginx->url(u"/ts/master.m3u8"_s);
+}
+
+void DownloadTerminalTest::savesAndPrintsThePath()
+{
+    Program program(command(m_film) + QStringList{u"--name"_s, u"../My film"_s});
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 0);
+    const QString path = m_folder.filePath(u"..-My film.ts"_s);
+    QCOMPARE(program.printed(), path + u'\n');
+    QVERIFY(program.said().contains(u"\nSaved · "));
+    QVERIFY(!program.said().contains(u'\r'));
+    QCOMPARE(pictureOf(path).frames, 600);
+}
+
+void DownloadTerminalTest::showsOneLineOnATerminal()
+{
+    Program program({u"script"_s, u"-qec"_s, command(m_film).join(u' '), u"/dev/null"_s});
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 0);
+    const QString shown = program.printed();
+    QVERIFY(shown.startsWith(u"\rPreparing…"));
+    QVERIFY(shown.endsWith(m_folder.filePath(u"HLS Video.ts\r\n"_s)));
+}
+
+void DownloadTerminalTest::saysWhyItFails_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("missing") << m_nginx->url(u"/nothing.m3u8"_s).toString()
+                             << u"The stream server rejected the download request."_s;
+    QTest::newRow("no playlist") << m_nginx->url(u"/ts/high/segment000.ts"_s).toString()
+                                 << u"This URL is not a valid M3U8 playlist."_s;
+    QTest::newRow("a file") << u"file:///etc/passwd"_s << u"Enter a valid HTTP or HTTPS address."_s;
+    QTest::newRow("nothing") << QString() << u"Enter a valid HTTP or HTTPS address."_s;
+}
+
+void DownloadTerminalTest::saysWhyItFails()
+{
+    QFETCH(const QString, address);
+    QFETCH(const QString, sentence);
+    Program program(
+        {QStringLiteral(LUMARO_PROGRAM), u"--download"_s, address, u"--to"_s, m_folder.path()});
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 1);
+    QCOMPARE(program.said().trimmed().section(u'\n', -1), sentence);
+    QCOMPARE(program.printed(), QString());
+}
+
+void DownloadTerminalTest::keepsTheFileWhenInterrupted()
+{
+    const auto feed = valueOrFail(LiveFeed::start(*m_nginx, u"live"_s));
+    QVERIFY(feed->waitUntilServing(30s));
+    Program program(command(feed->url()) + QStringList{u"--name"_s, u"Live"_s});
+    const QString path = m_folder.filePath(u"Live.ts"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 0, patience);
+    QTest::qWait(2500);
+    program.send(SIGINT);
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(program.printed(), path + u'\n');
+    QVERIFY(program.said().contains(u"Stopped · file saved · "));
+    const Picture picture = pictureOf(path);
+    QVERIFY(picture.frames > 0);
+    QCOMPARE(picture.frames % 30, 0);
+    QCOMPARE(picture.complaints, QByteArray());
+}
+
+void DownloadTerminalTest::cutShortIsNotSuccess()
+{
+    const auto server = valueOrFail(FaultServer::start());
+    server->route("/list.m3u8", FaultResponse::of("text/plain", "#EXTM3U\na\nb\n#EXT-X-ENDLIST\n"));
+    server->route("/a", FaultResponse::of("video/mp2t", "whole"));
+    FaultResponse torn = FaultResponse::of("video/mp2t", "torn");
+    torn.stallAfter = 2;
+    server->route("/b", torn);
+    Program program(command(server->url("/list.m3u8")) + QStringList{u"--name"_s, u"Cut"_s});
+    const QString path = m_folder.filePath(u"Cut.ts"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(contentOf(path), QByteArray("wholeto"), patience);
+    program.send(SIGTERM);
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 128 + SIGTERM);
+    QCOMPARE(program.printed(), path + u'\n');
+    QCOMPARE(contentOf(path), QByteArray("whole"));
+}
+
+QTEST_GUILESS_MAIN(DownloadTerminalTest)
+#include "tst_download_terminal.moc"
