@@ -26,7 +26,7 @@ public:
     Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request, std::stop_token) override
     {
         folderRequests.append(request);
-        co_return choice;
+        co_return std::as_const(choice);
     }
 
     /// What the user picks; empty for Cancel.

@@ -216,6 +216,10 @@ public:
     {
         co_return std::nullopt;
     }
+    Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest, std::stop_token) override
+    {
+        co_return std::nullopt;
+    }
 
     OneShot<std::optional<QUrl>> answer;
 };
