@@ -23,6 +23,12 @@ if(LUMARO_SANITIZE)
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(lumaro_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(LUMARO_BUILD_FUZZERS)
+    target_compile_options(lumaro_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined
+        -fno-omit-frame-pointer)
+    target_link_options(lumaro_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # lumaro_library(NAME SOURCES … [LINK …]): a static library of models or of an adapter.
 function(lumaro_library name)

@@ -6,7 +6,7 @@ run_packages=(
     qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
     qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qtquick-layouts
     qml6-module-qtqml-workerscript qml6-module-qt-labs-folderlistmodel
-    qt6-qpa-plugins qt6-wayland libqt6svg6
+    qt6-qpa-plugins qt6-wayland qt6-image-formats-plugins libqt6svg6
 )
 build_packages=(
     g++ cmake ninja-build ccache pkg-config
@@ -16,6 +16,7 @@ build_packages=(
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
 )
+fuzz_packages=(clang-19 libclang-rt-19-dev)
 bench_packages=(mpv libx11-dev libxext-dev nodejs)
 
 # need_packages NAME…: installs those that are not there yet, and says which.
