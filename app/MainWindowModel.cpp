@@ -203,6 +203,13 @@ void MainWindowModel::playChannel(int index)
     if (index < 0 || index >= playlist.size())
         return;
     const PlaylistEntry entry = playlist.at(index);
+    // A server does not choose what is read on this computer.
+    if (entry.url.isLocalFile() && m_player.isPlaylistRemote()) {
+        m_player.showToast(
+            QStringLiteral("A playlist from the network cannot open files on this computer."),
+            PlayerModel::toastDuration);
+        return;
+    }
     m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
     setCurrentChannel(index);
 }

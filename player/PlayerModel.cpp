@@ -177,6 +177,7 @@ Task<> PlayerModel::loadM3U(QUrl url, std::optional<QString> displayName, QUuid 
     m_isLoadingRemotePlaylist = false;
     if (result) {
         m_playlist = *result;
+        m_isPlaylistRemote = true;
         Q_EMIT playlistChanged();
         publish(m_title, trimmedOr(displayName, QStringLiteral("IPTV Playlist")),
                 &PlayerModel::titleChanged);
@@ -234,6 +235,7 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
         co_return std::nullopt;
 
     m_playlist = result.value_or(PlaylistEntries());
+    m_isPlaylistRemote = false;
     Q_EMIT playlistChanged();
     if (result) {
         publish(m_title, trimmedOr(displayName, QFileInfo(file.toLocalFile()).completeBaseName()),

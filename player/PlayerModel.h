@@ -74,6 +74,8 @@ public:
     const QString &errorMessage() const { return m_errorMessage; }
     bool isLoading() const { return m_isLoading; }
     const PlaylistEntries &playlist() const { return m_playlist; }
+    /// The playlist came from the network.
+    bool isPlaylistRemote() const { return m_isPlaylistRemote; }
     bool isPlaying() const { return m_isPlaying; }
     double currentTime() const { return m_currentTime; }
     double duration() const { return m_duration; }
@@ -191,6 +193,7 @@ private:
     QString m_errorMessage;
     bool m_isLoading = false;
     PlaylistEntries m_playlist;
+    bool m_isPlaylistRemote = false;
     bool m_isPlaying = false;
     double m_currentTime = 0;
     double m_duration = 0;

@@ -3,6 +3,7 @@
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 
 using namespace std::chrono_literals;
@@ -49,6 +50,7 @@ private Q_SLOTS:
     void opensWhatItIsGiven();
     void dropsPreferFiles();
     void playsAChannel();
+    void onlyOwnPlaylistsOpenFiles();
 
     void sidebarFollowsEvents();
     void remembersTheSidebar();
@@ -284,6 +286,26 @@ void MainWindowModelTest::playsAChannel()
     QCOMPARE(m_world->shell.currentChannel(), 0);
     m_world->player.stop();
     QCOMPARE(m_world->shell.currentChannel(), -1);
+}
+
+void MainWindowModelTest::onlyOwnPlaylistsOpenFiles()
+{
+    const QByteArray text = "#EXTINF:-1,One\nfile:///home/u/one.mp4\n";
+    const QUrl list(u"http://h/list.m3u"_s);
+    m_world->player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200, text);
+    m_world->scheduler.runBackground();
+    m_world->shell.playChannel(0);
+    QVERIFY(m_world->player.currentURL().isEmpty());
+    QCOMPARE(m_world->shell.currentChannel(), -1);
+    QVERIFY(!m_world->player.toastMessage().isEmpty());
+
+    QTemporaryFile own;
+    QVERIFY(own.open() && own.write(text) == text.size() && own.flush());
+    m_world->player.importM3UFile(QUrl::fromLocalFile(own.fileName()), {});
+    m_world->scheduler.runBackground();
+    m_world->shell.playChannel(0);
+    QCOMPARE(m_world->player.currentURL(), QUrl(u"file:///home/u/one.mp4"_s));
 }
 
 void MainWindowModelTest::sidebarFollowsEvents()

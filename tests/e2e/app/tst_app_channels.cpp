@@ -275,6 +275,12 @@ void AppChannelsTest::importsFiles_data()
                            << u"No playable address was found in the playlist."_s;
     QTest::newRow("gone") << m_folder.filePath(u"gone.m3u"_s) << QStringList()
                           << u"The file does not exist."_s;
+    const QString vast = write(u"vast.m3u"_s, listText("Vast"));
+    QVERIFY(QFile::resize(vast, PlayerModel::maximumPlaylistSize + 1));
+    QTest::newRow("too large") << vast << QStringList()
+                               << u"The file is too large for a playlist."_s;
+    QTest::newRow("binary") << write(u"binary.m3u"_s, QByteArray("\0\1\x89PNG\0\xff", 8))
+                            << QStringList() << u"The playlist text could not be read."_s;
     QTest::newRow("pipe that nobody writes to") << pipe << QStringList() << u"It is not a file."_s;
     QTest::newRow("folder") << write(u"."_s, {}) + m_folder.path() << QStringList()
                             << u"It is not a file."_s;

@@ -22,6 +22,8 @@ private Q_SLOTS:
     void playsFiles();
     void playsAddresses_data();
     void playsAddresses();
+    void playsOddNames_data();
+    void playsOddNames();
     void skipsWithinWhatHasArrived();
     void playsALiveStream();
     void liveStreamStallsAndRecovers();
@@ -98,6 +100,30 @@ void AppPlaybackTest::playsAddresses()
              qPrintable(QString::number(m_world->player().duration())));
     QVERIFY(std::abs(m_world->player().videoAspectRatio() - 16.0 / 9) < 0.01);
     QVERIFY(m_world->pictureChanges());
+    QCOMPARE(m_world->player().errorMessage(), QString());
+}
+
+void AppPlaybackTest::playsOddNames_data()
+{
+    QTest::addColumn<QString>("what");
+    const QString odd = u"/odd/ a b ü #1 100% ?.mkv"_s;
+    QVERIFY(m_nginx->publish(fixture(Fixture::Matroska), odd));
+    QVERIFY(m_nginx->publish(fixture(Fixture::Matroska), u"/odd/film ü 100%.mkv"_s));
+    QVERIFY(m_nginx->publish(fixture(Fixture::Matroska), u"/odd/edl:\\n%s.mkv"_s));
+    const QString server = m_nginx->url(QString()).toString();
+    QTest::newRow("file") << m_nginx->documentRoot() + odd;
+    QTest::newRow("file that looks like something else")
+        << m_nginx->documentRoot() + u"/odd/edl:\\n%s.mkv"_s;
+    QTest::newRow("as read, escape broken") << server + u"/odd/film ü 100%.mkv"_s;
+    QTest::newRow("escaped") << server + u"/odd/film%20%C3%BC%20100%25.mkv"_s;
+    QTest::newRow("in brackets") << u" <"_s + server + u"/odd/film%20%C3%BC%20100%25.mkv> "_s;
+}
+
+void AppPlaybackTest::playsOddNames()
+{
+    QFETCH(const QString, what);
+    m_world->open(what);
+    QVERIFY(m_world->playsTo(0.2));
     QCOMPARE(m_world->player().errorMessage(), QString());
 }
 
