@@ -37,7 +37,9 @@ Application::Application(const Folders &folders)
                 m_okVideo})
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
     , m_transport(m_player)
-    , m_commands(m_player, m_window)
+    , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
+    , m_downloads(m_downloadManager, m_player)
+    , m_commands(m_player, m_window, m_downloads)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
     , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler})
@@ -65,6 +67,7 @@ bool Application::show()
         {QStringLiteral("shell"), object(m_window)},
         {QStringLiteral("transport"), object(m_transport)},
         {QStringLiteral("commands"), object(m_commands)},
+        {QStringLiteral("downloads"), object(m_downloads)},
         {QStringLiteral("channels"), object(m_channels)},
         {QStringLiteral("library"), object(m_librarySection)},
         {QStringLiteral("libraryCommands"), object(m_libraryCommands)},

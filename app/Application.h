@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/DownloadsModel.h"
 #include "app/LocalM3UCommands.h"
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
@@ -12,6 +13,7 @@
 #include "platform/qt/FileUserDefaults.h"
 #include "platform/qt/QtInputMonitor.h"
 #include "platform/qt/QtScheduler.h"
+#include "platform/qt/QtWorkspace.h"
 #include "platform/qt/QuickFilePanels.h"
 #include "player/PlayerModel.h"
 #include "playlist/ChannelListModel.h"
@@ -49,6 +51,7 @@ public:
 
     PlayerModel &player() { return m_player; }
     MainWindowModel &window() { return m_window; }
+    DownloadsModel &downloads() { return m_downloads; }
     ChannelListModel &channels() { return m_channels; }
     LocalM3UStore &library() { return m_library; }
     LocalM3UModel &librarySection() { return m_librarySection; }
@@ -61,6 +64,7 @@ private:
     CurlHttpClient m_http;
     FileUserDefaults m_defaults;
     QuickFilePanels m_panels;
+    QtWorkspace m_workspace;
     QtInputMonitor m_input;
     MpvMediaPlayer m_mediaPlayer;
     YouTubePlayerRegistry m_youTube;
@@ -68,6 +72,8 @@ private:
     PlayerModel m_player;
     MainWindowModel m_window;
     TransportModel m_transport;
+    M3U8DownloadManager m_downloadManager;
+    DownloadsModel m_downloads;
     MenuCommands m_commands;
     ChannelListModel m_channels;
     LocalM3UStore m_library;

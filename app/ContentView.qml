@@ -13,6 +13,7 @@ FocusScope {
     required property MainWindowModel shell
     required property TransportModel transport
     required property MenuCommands commands
+    required property DownloadsModel downloads
     required property ChannelListModel channels
     required property LocalM3UModel library
     required property LocalM3UCommands libraryCommands
@@ -56,6 +57,7 @@ FocusScope {
             shell: root.shell
             commands: root.commands
             libraryCommands: root.libraryCommands
+            downloads: root.downloads
         }
 
         ControlBar {

@@ -13,6 +13,7 @@ Window {
     required property MainWindowModel shell
     required property TransportModel transport
     required property MenuCommands commands
+    required property DownloadsModel downloads
     required property ChannelListModel channels
     required property LocalM3UModel library
     required property LocalM3UCommands libraryCommands
@@ -55,6 +56,7 @@ Window {
         shell: window.shell
         transport: window.transport
         commands: window.commands
+        downloads: window.downloads
         channels: window.channels
         library: window.library
         libraryCommands: window.libraryCommands

@@ -1,5 +1,6 @@
 #include "app/MenuCommands.h"
 
+#include "app/DownloadsModel.h"
 #include "app/MainWindowModel.h"
 #include "player/PlayerModel.h"
 
@@ -26,7 +27,8 @@ void MenuCommand::trigger()
         m_description.action();
 }
 
-MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, QObject *parent)
+MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, DownloadsModel &downloads,
+                           QObject *parent)
     : QObject(parent)
 {
     m_file = {
@@ -40,6 +42,12 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, QObject
               }}),
         make({always(QStringLiteral("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),
               [&window] { window.importPlaylist(); }}),
+        make({.title = always(QStringLiteral("Download This Stream")),
+              .shortcut = QStringLiteral("Ctrl+D"),
+              .action = [&downloads] { downloads.downloadStream(); },
+              .startsGroup = true}),
+        make({always(QStringLiteral("Downloads")), QStringLiteral("Ctrl+J"),
+              [&downloads] { downloads.setPanelShown(!downloads.panelShown()); }}),
         make({.title = always(QStringLiteral("Quit")),
               .shortcut = QStringLiteral("Ctrl+Q"),
               .action = [this] { Q_EMIT quitRequested(); },

@@ -9,6 +9,7 @@
 
 namespace lumaro {
 
+class DownloadsModel;
 class MainWindowModel;
 class PlayerModel;
 
@@ -61,8 +62,9 @@ class MenuCommands : public QObject
     Q_PROPERTY(QList<lumaro::MenuCommand *> view READ view CONSTANT)
 
 public:
-    /// Both models outlive the commands.
-    MenuCommands(PlayerModel &player, MainWindowModel &window, QObject *parent = nullptr);
+    /// The models outlive the commands.
+    MenuCommands(PlayerModel &player, MainWindowModel &window, DownloadsModel &downloads,
+                 QObject *parent = nullptr);
 
     const QList<MenuCommand *> &file() const { return m_file; }
     const QList<MenuCommand *> &playback() const { return m_playback; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/DownloadsModel.h"
 #include "app/LocalM3UCommands.h"
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
@@ -13,6 +14,14 @@
 
 /// Makes the models known to the views by name; the models themselves know nothing of QML.
 namespace lumaro {
+
+struct DownloadsModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::DownloadsModel)
+    QML_NAMED_ELEMENT(DownloadsModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
 
 struct LocalM3UCommandsForQml
 {

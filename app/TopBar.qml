@@ -12,9 +12,10 @@ Item {
     required property MainWindowModel shell
     required property MenuCommands commands
     required property LocalM3UCommands libraryCommands
+    required property DownloadsModel downloads
     property bool shown: true
 
-    readonly property bool inUse: hover.hovered || openMenus > 0
+    readonly property bool inUse: hover.hovered || openMenus > 0 || downloads.panelShown
     property int openMenus: 0
 
     implicitHeight: 56
@@ -79,8 +80,8 @@ Item {
 
         Text {
             anchors {
-                left: leading.right; right: parent.right
-                leftMargin: Theme.spacing * 4; rightMargin: Theme.spacing * 4
+                left: leading.right; right: downloadsButton.left
+                leftMargin: Theme.spacing * 4; rightMargin: Theme.spacing * 3
                 verticalCenter: parent.verticalCenter
             }
             horizontalAlignment: Text.AlignRight
@@ -89,6 +90,16 @@ Item {
             textFormat: Text.PlainText
             color: Theme.textOnOverlay
             font { pixelSize: Theme.fontBody; weight: Font.Medium }
+        }
+
+        DownloadsButton {
+            id: downloadsButton
+
+            anchors {
+                right: parent.right; rightMargin: Theme.spacing * 3
+                verticalCenter: parent.verticalCenter
+            }
+            downloads: root.downloads
         }
     }
 }

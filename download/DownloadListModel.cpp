@@ -6,12 +6,15 @@ namespace lumaro {
 
 namespace {
 
-QString titleOf(const QString &key, const M3U8DownloadManager::JobState &job)
+QString titleOf(const M3U8DownloadManager &manager, const QString &key)
 {
-    if (!job.destination.isEmpty())
-        return job.destination.fileName();
     const QUrl url(key);
-    return url.fileName().isEmpty() ? url.host() : url.fileName();
+    for (const QString &title : {manager.jobs().value(key).destination.fileName(),
+                                 manager.suggestedName(key).trimmed(), url.fileName()}) {
+        if (!title.isEmpty())
+            return title;
+    }
+    return url.host();
 }
 
 } // namespace
@@ -38,7 +41,7 @@ QVariant DownloadListModel::data(const QModelIndex &index, int role) const
     const M3U8DownloadManager::JobState job = m_manager.jobs().value(key);
     switch (role) {
     case TitleRole:
-        return titleOf(key, job);
+        return titleOf(m_manager, key);
     case MessageRole:
         return job.message;
     case ProgressRole:

@@ -16,7 +16,7 @@ class DownloadListModel : public QAbstractListModel
 
 public:
     enum Role {
-        /// The file's name, or while there is no file that of the playlist.
+        /// The file's name, or while there is no file the stream's.
         TitleRole = Qt::UserRole + 1,
         MessageRole,
         /// 0 to 1; negative while unknown.

@@ -73,6 +73,7 @@ void M3U8DownloadManager::start(const QUrl &url, const std::optional<QString> &s
         return;
     const std::stop_source task;
     m_tasks.insert(key, task);
+    m_names.insert(key, suggestedName.value_or(QString()));
     setJob(key, {.message = QStringLiteral("Preparing…"), .isActive = true});
     run(url, suggestedName, task.get_token());
 }

@@ -55,6 +55,8 @@ public:
     /// By the stream's absolute address: every job since the manager was made.
     const QMap<QString, JobState> &jobs() const { return m_jobs; }
     static QString keyOf(const QUrl &url);
+    /// What the job's stream was called when it was started; empty when nobody said.
+    QString suggestedName(const QString &key) const { return m_names.value(key); }
 
     const QString &errorMessage() const { return m_errorMessage; }
     /// The user has seen the error.
@@ -99,6 +101,7 @@ private:
     DownloadPlatform m_platform;
     StreamFetcher m_fetcher;
     QMap<QString, JobState> m_jobs;
+    QMap<QString, QString> m_names;
     QString m_errorMessage;
     QUrl m_saveFolder;
     QMap<QString, std::stop_source> m_tasks;

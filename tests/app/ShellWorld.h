@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/DownloadsModel.h"
 #include "app/MainWindowModel.h"
 #include "platform/NotificationCenter.h"
 #include "tests/fakes/FakeFilePanels.h"
@@ -8,10 +9,13 @@
 #include "tests/fakes/FakeMediaPlayer.h"
 #include "tests/fakes/FakeScheduler.h"
 #include "tests/fakes/FakeUserDefaults.h"
+#include "tests/fakes/FakeWorkspace.h"
+
+#include <QTemporaryDir>
 
 namespace lumaro {
 
-/// A main window's model on fakes.
+/// A main window's models on fakes.
 struct ShellWorld
 {
     FakeMediaPlayer mediaPlayer;
@@ -20,12 +24,17 @@ struct ShellWorld
     FakeScheduler scheduler;
     FakeInputMonitor input;
     FakeUserDefaults defaults;
+    FakeWorkspace workspace;
+    QTemporaryDir saveFolder;
     NotificationCenter notifications;
     YouTubePlayerRegistry youTube;
     OKVideoPlayerRegistry okVideo;
     PlayerModel player{
         {mediaPlayer, http, panels, scheduler, input, notifications, youTube, okVideo}};
     MainWindowModel shell{player, mediaPlayer, scheduler, notifications, defaults};
+    M3U8DownloadManager downloadManager{
+        {http, scheduler, defaults, panels, workspace, {saveFolder.path()}}};
+    DownloadsModel downloads{downloadManager, player};
 };
 
 } // namespace lumaro

@@ -413,7 +413,7 @@ void MainWindowModelTest::saysWhenOpeningTakesLong()
 
 void MainWindowModelTest::menusFollowTheState()
 {
-    MenuCommands commands(m_world->player, m_world->shell);
+    MenuCommands commands(m_world->player, m_world->shell, m_world->downloads);
     const auto titles = [](const QList<MenuCommand *> &menu) {
         QStringList list;
         for (const MenuCommand *command : menu)
@@ -425,6 +425,15 @@ void MainWindowModelTest::menusFollowTheState()
                           u"Back 20 Seconds "_s, u"Forward 20 Seconds "_s, u"Back 60 Seconds "_s,
                           u"Forward 60 Seconds "_s, u"Mute Ctrl+M"_s}));
     QCOMPARE(titles(commands.file()).first(), u"Open Media… Ctrl+O"_s);
+
+    commands.file().at(4)->trigger();
+    QVERIFY(m_world->downloads.panelShown());
+    commands.file().at(4)->trigger();
+    QVERIFY(!m_world->downloads.panelShown());
+    m_world->player.play(QUrl(u"https://h/live.m3u8"_s), u"News"_s, true);
+    commands.file().at(3)->trigger();
+    QCOMPARE(m_world->downloadManager.jobs().size(), 1);
+    m_world->player.stop();
 
     MenuCommand *playPause = commands.playback().first();
     QSignalSpy changes(playPause, &MenuCommand::titleChanged);

@@ -45,6 +45,7 @@ void DownloadListModelTest::followsAJob()
     const QSignalSpy changes(&model, &Model::dataChanged);
     const QUrl list = world.url(u"list.m3u8"_s);
     const QModelIndex row = (world.manager->start(list, u"News"_s), model.index(0));
+    QCOMPARE(row.data(Model::TitleRole), u"News"_s);
     QCOMPARE(row.data(Model::MessageRole), u"Preparing…"_s);
     QCOMPARE(row.data(Model::ProgressRole), -1.0);
     QCOMPARE(row.data(Model::IsActiveRole), true);

@@ -28,6 +28,7 @@ public:
 
     PlayerModel &player() { return m_application->player(); }
     MainWindowModel &shell() { return m_application->window(); }
+    DownloadsModel &downloads() { return m_application->downloads(); }
     ChannelListModel &channels() { return m_application->channels(); }
     QQuickWindow &window() { return *m_window; }
     void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
