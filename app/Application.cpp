@@ -78,6 +78,20 @@ bool Application::show()
     return !m_engine.rootObjects().isEmpty();
 }
 
+void Application::bringToFront(const QByteArray &activationToken)
+{
+    const auto window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
+    if (!window)
+        return;
+    // Qt's Wayland platform takes the token from here.
+    if (!activationToken.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken);
+    window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->requestActivate();
+}
+
 void Application::open(const QString &fileOrAddress, const QString &workingFolder)
 {
     m_window.open(fileOrAddress, workingFolder);

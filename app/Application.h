@@ -46,6 +46,8 @@ public:
 
     /// Shows the main window; false when its views cannot be loaded.
     bool show();
+    /// Brings the main window forward; the desktop may want to see a token of whoever asked for it.
+    void bringToFront(const QByteArray &activationToken);
     /// Opens a file or an address, told relative to `workingFolder`.
     void open(const QString &fileOrAddress, const QString &workingFolder);
 

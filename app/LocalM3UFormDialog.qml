@@ -22,6 +22,19 @@ Dialog {
     onRejected: editor.cancel()
 
     Flickable {
+        id: view
+
+        readonly property Item focusedItem: Window.activeFocusItem
+
+        // Whoever has the keyboard is in sight.
+        onFocusedItemChanged: {
+            for (let item = focusedItem; item; item = item.parent) {
+                if (item.parent !== fields)
+                    continue;
+                contentY = Math.max(item.y + item.height + Theme.spacing - height, Math.min(contentY, item.y - Theme.spacing), 0);
+            }
+        }
+
         width: parent.width
         // In a low window the fields scroll and the buttons stay.
         height: Math.min(contentHeight, Math.max(120, (dialog.parent ? dialog.parent.height : 600) - 176))

@@ -98,6 +98,8 @@ Item {
         onPlayed: row => root.library.play(row)
         onEdited: row => root.library.edit(row)
         onDeleted: row => root.library.remove(row)
+        onUndone: root.library.history.undo()
+        onRedone: root.library.history.redo()
         onMenuRequested: (row, x, y) => linkMenu.popup(row, x, y)
         onDismissed: root.dismissed()
     }

@@ -1,11 +1,15 @@
 #include "app/Application.h"
 #include "app/TerminalApplication.h"
+#include "platform/qt/SingleInstance.h"
 
 #include <QCommandLineParser>
 #include <QDir>
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <cstdio>
+
+using lumaro::SingleInstance;
 
 namespace {
 
@@ -89,11 +93,35 @@ int runInWindow(int argc, char *argv[])
 
     Options options;
     options.parser.process(qt);
-    lumaro::Application application(lumaro::Application::Folders::standard());
+
+    const auto folders = lumaro::Application::Folders::standard();
+    SingleInstance instance(folders.settings);
+    const SingleInstance::Request request{.arguments = options.parser.positionalArguments(),
+                                          .workingFolder = QDir::currentPath(),
+                                          .activationToken = qgetenv("XDG_ACTIVATION_TOKEN")};
+    switch (instance.claim(request)) {
+    case SingleInstance::Outcome::First:
+        break;
+    case SingleInstance::Outcome::HandedOver:
+        return 0;
+    case SingleInstance::Outcome::NoAnswer:
+        std::fputs("Lumaro is already running but does not answer.\n", stderr);
+        return 1;
+    }
+
+    lumaro::Application application(folders);
     if (!application.show())
         return 1;
-    if (const QStringList arguments = options.parser.positionalArguments(); !arguments.isEmpty())
-        application.open(arguments.first(), QDir::currentPath());
+    const auto open = [&application](const SingleInstance::Request &asked) {
+        if (!asked.arguments.isEmpty())
+            application.open(asked.arguments.first(), asked.workingFolder);
+    };
+    open(request);
+    QObject::connect(&instance, &SingleInstance::requested, &instance,
+                     [&](const SingleInstance::Request &asked) {
+                         application.bringToFront(asked.activationToken);
+                         open(asked);
+                     });
     return QGuiApplication::exec();
 }
 

@@ -153,14 +153,6 @@ Item {
                 root.activate(index);
             }
 
-            TapHandler {
-                acceptedButtons: Qt.RightButton
-                onTapped: point => {
-                    list.currentIndex = row.index;
-                    root.askForMenu(row.index, row, point.position.x, point.position.y);
-                }
-            }
-
             Accessible.role: Accessible.ListItem
             Accessible.name: isGroup ? "%1, %2 channels".arg(name).arg(channelCount) : name
             Accessible.description: isGroup ? "" : [country, group].filter(t => t !== "").join(", ")
@@ -174,6 +166,14 @@ Item {
                      : row.hovered ? Theme.fillHover : "transparent"
             }
             contentItem: Item {
+                // On the button itself it would make every mouse button a click.
+                TapHandler {
+                    acceptedButtons: Qt.RightButton
+                    onTapped: point => {
+                        list.currentIndex = row.index;
+                        root.askForMenu(row.index, row, point.position.x, point.position.y);
+                    }
+                }
                 GroupRow {
                     anchors.fill: parent
                     visible: row.isGroup

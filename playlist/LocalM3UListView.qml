@@ -13,6 +13,8 @@ Item {
     signal played(int row)
     signal edited(int row)
     signal deleted(int row)
+    signal undone()
+    signal redone()
     // The user asks what can be done with the link at `row`, at this place.
     signal menuRequested(int row, real x, real y)
     // The user is done here.
@@ -28,6 +30,12 @@ Item {
         played(links.selectedRow);
     }
     function handleKey(event: KeyEvent): void {
+        // A text field keeps these keys from the menu; with nothing typed they are meant for the list.
+        if (search.text === "" && (event.matches(StandardKey.Undo) || event.matches(StandardKey.Redo))) {
+            event.matches(StandardKey.Undo) ? undone() : redone();
+            event.accepted = true;
+            return;
+        }
         const page = Math.max(1, Math.floor(list.height / list.rowHeight) - 1);
         event.accepted = true;
         switch (event.key) {
@@ -139,11 +147,6 @@ Item {
                 root.played(index);
             }
 
-            TapHandler {
-                acceptedButtons: Qt.RightButton
-                onTapped: point => root.askForMenu(row.index, row, point.position.x, point.position.y)
-            }
-
             Accessible.role: Accessible.ListItem
             Accessible.name: name
             Accessible.description: [country, group].filter(t => t !== "").join(", ")
@@ -161,6 +164,11 @@ Item {
                 }
             }
             contentItem: Item {
+                // On the button itself it would make every mouse button a click.
+                TapHandler {
+                    acceptedButtons: Qt.RightButton
+                    onTapped: point => root.askForMenu(row.index, row, point.position.x, point.position.y)
+                }
                 ChannelRow {
                     anchors { fill: parent; rightMargin: more.visible ? more.width : 0 }
                     name: row.name
