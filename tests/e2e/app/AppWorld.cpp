@@ -5,6 +5,7 @@
 #include <cstdio>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace lumaro {
 
@@ -53,6 +54,18 @@ bool AppWorld::pictureChanges()
 bool becomesTrue(const std::function<bool()> &condition)
 {
     return QTest::qWaitFor(condition, patience);
+}
+
+QString outputOf(const QString &program, const QStringList &arguments)
+{
+    const QTemporaryDir folder;
+    const QString log = folder.filePath(u"log"_s);
+    ChildProcess process;
+    QFile output(log);
+    if (!process.start(program, arguments, {.logFile = log}) || !process.waitForFinished(20s)
+        || process.exitCode() != 0 || !output.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(output.readAll()).trimmed();
 }
 
 QStringList channelNames(const PlayerModel &player)

@@ -30,6 +30,8 @@ public:
     MainWindowModel &shell() { return m_application->window(); }
     DownloadsModel &downloads() { return m_application->downloads(); }
     ChannelListModel &channels() { return m_application->channels(); }
+    LocalM3UStore &library() { return m_application->library(); }
+    LocalM3UModel &librarySection() { return m_application->librarySection(); }
     QQuickWindow &window() { return *m_window; }
     void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
 
@@ -53,6 +55,9 @@ private:
 
 /// Waits for `condition`, as long as the slowest machine may take.
 bool becomesTrue(const std::function<bool()> &condition);
+
+/// What `program` prints, when it has ended well.
+QString outputOf(const QString &program, const QStringList &arguments);
 
 /// The names of the player's channels.
 QStringList channelNames(const PlayerModel &player);

@@ -7,23 +7,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using namespace lumaro;
 
-namespace {
-
-/// What `program` prints, when it has ended well.
-QString outputOf(const QString &program, const QStringList &arguments)
-{
-    const QTemporaryDir folder;
-    const QString log = folder.filePath(u"log"_s);
-    ChildProcess process;
-    QFile output(log);
-    if (!process.start(program, arguments, {.logFile = log}) || !process.waitForFinished(20s)
-        || process.exitCode() != 0 || !output.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(output.readAll()).trimmed();
-}
-
-} // namespace
-
 /// The main window driven as a user does, by keys, mouse and drops.
 class AppWindowTest : public QObject
 {
