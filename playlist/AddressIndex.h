@@ -2,7 +2,7 @@
 
 #include "playlist/PlaylistEntries.h"
 
-#include <QHash>
+#include <vector>
 
 namespace lumaro {
 
@@ -17,9 +17,19 @@ public:
     qsizetype indexOf(const QUrl &url) const;
 
 private:
-    /// Keeps the texts that the keys lie in.
+    /// An entry where its address's hash says, or at the next free place.
+    struct Slot
+    {
+        quint32 hash = 0;
+        qint32 entry = -1;
+    };
+
+    /// Where the entry with this address is, or else could be put.
+    size_t slotOf(QByteArrayView address, quint32 hash) const;
+
     PlaylistEntries m_entries;
-    QHash<QByteArrayView, qsizetype> m_indices;
+    /// A power of two of them, half empty at least.
+    std::vector<Slot> m_slots;
 };
 
 } // namespace lumaro

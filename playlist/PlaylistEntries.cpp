@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 
 namespace lumaro {
 
@@ -43,15 +44,19 @@ bool isSameText(QUtf8StringView left, QUtf8StringView right)
             || std::memcmp(left.data(), right.data(), size_t(left.size())) == 0);
 }
 
-/// The number of `value` among `values`, where it is put if it is new; -1 for an empty one.
-qint32 numberOf(std::vector<QByteArray> &values, const QByteArray &value)
+/// The number of `value` among `known` and, after those, `more`, where it is put if it is new; -1
+/// for an empty one.
+qint32 numberOf(const QByteArray &value, const std::vector<QByteArray> &known,
+                std::vector<QByteArray> &more)
 {
     if (value.isEmpty())
         return -1;
-    const auto known = std::ranges::find(values, value);
-    const auto number = qint32(known - values.begin());
-    if (known == values.end())
-        values.push_back(value);
+    if (const auto found = std::ranges::find(known, value); found != known.end())
+        return qint32(found - known.begin());
+    const auto found = std::ranges::find(more, value);
+    const auto number = qint32(known.size()) + qint32(found - more.begin());
+    if (found == more.end())
+        more.push_back(value);
     return number;
 }
 
@@ -75,18 +80,6 @@ struct PlaylistEntries::Data
         return slice;
     }
 
-    Record record(const PlaylistEntry &entry)
-    {
-        return {
-            .id = entry.id,
-            .name = add(entry.name.toUtf8()),
-            .url = add(entry.url.toEncoded()),
-            .logo = add(entry.logoURL.value_or(QUrl()).toEncoded()),
-            .group = numberOf(groups, entry.groupTitle.value_or(QString()).toUtf8()),
-            .country = numberOf(countries, entry.countryCode.value_or(QString()).toUtf8()),
-        };
-    }
-
     QByteArray text;
     QByteArray added;
     std::vector<Record> records;
@@ -94,21 +87,68 @@ struct PlaylistEntries::Data
     std::vector<QByteArray> countries;
 };
 
+/// Entries that were put in, and the order of all that are left. The numbers of entries, groups
+/// and countries count those of the data first.
+struct PlaylistEntries::Change
+{
+    void insert(qsizetype first, const QList<PlaylistEntry> &entries, const Data &data)
+    {
+        std::vector<qint32> numbers;
+        for (const PlaylistEntry &entry : entries) {
+            numbers.push_back(qint32(data.records.size() + own.records.size()));
+            own.records.push_back({
+                .id = entry.id,
+                .name = own.add(entry.name.toUtf8()),
+                .url = own.add(entry.url.toEncoded()),
+                .logo = own.add(entry.logoURL.value_or(QUrl()).toEncoded()),
+                .group = numberOf(entry.groupTitle.value_or(QString()).toUtf8(), data.groups,
+                                  own.groups),
+                .country = numberOf(entry.countryCode.value_or(QString()).toUtf8(), data.countries,
+                                    own.countries),
+            });
+        }
+        order.insert(order.begin() + first, numbers.begin(), numbers.end());
+    }
+
+    std::vector<qint32> order;
+    Data own;
+};
+
+/// Where an entry is kept.
+struct PlaylistEntries::Place
+{
+    const Data &data;
+    const Record &record;
+
+    QUtf8StringView view(Slice slice) const { return data.view(slice); }
+};
+
+PlaylistEntries::Place PlaylistEntries::place(qsizetype index) const
+{
+    if (!m_change)
+        return {*m_data, m_data->records[size_t(index)]};
+    const auto number = size_t(m_change->order[size_t(index)]);
+    if (number < m_data->records.size())
+        return {*m_data, m_data->records[number]};
+    return {m_change->own, m_change->own.records[number - m_data->records.size()]};
+}
+
 qsizetype PlaylistEntries::size() const
 {
+    if (m_change)
+        return qsizetype(m_change->order.size());
     return m_data ? qsizetype(m_data->records.size()) : 0;
 }
 
 PlaylistEntry PlaylistEntries::at(qsizetype index) const
 {
-    const Record &record = m_data->records[size_t(index)];
     const QUtf8StringView logo = logoAddress(index);
     return {
-        .id = record.id,
+        .id = id(index),
         .name = name(index).toString(),
         .url = decodeUrl(address(index)),
         .logoURL = logo.isEmpty() ? std::nullopt : std::optional(decodeUrl(logo)),
-        .groupTitle = record.group < 0 ? std::nullopt : std::optional(groupTitle(record.group)),
+        .groupTitle = optionalText(group(index)),
         .countryCode = optionalText(countryCode(index)),
     };
 }
@@ -122,87 +162,113 @@ QList<PlaylistEntry> PlaylistEntries::toList() const
     return list;
 }
 
+std::shared_ptr<PlaylistEntries::Change> PlaylistEntries::copyOfChange() const
+{
+    if (m_change)
+        return std::make_shared<Change>(*m_change);
+    auto change = std::make_shared<Change>();
+    change->order.resize(size_t(size()));
+    std::iota(change->order.begin(), change->order.end(), 0);
+    return change;
+}
+
 PlaylistEntries PlaylistEntries::replacing(qsizetype first, qsizetype count,
                                            const QList<PlaylistEntry> &with) const
 {
-    auto data = m_data ? std::make_shared<Data>(*m_data) : std::make_shared<Data>();
-    std::vector<Record> records;
-    for (const PlaylistEntry &entry : with)
-        records.push_back(data->record(entry));
-    const auto place = data->records.begin() + first;
-    data->records.insert(data->records.erase(place, place + count), records.begin(), records.end());
-    return PlaylistEntries(std::move(data));
+    const auto data = m_data ? m_data : std::make_shared<const Data>();
+    const auto change = copyOfChange();
+    const auto begin = change->order.begin() + first;
+    change->order.erase(begin, begin + count);
+    change->insert(first, with, *data);
+    return {data, change};
 }
 
 const QUuid &PlaylistEntries::id(qsizetype index) const
 {
-    return m_data->records[size_t(index)].id;
+    return place(index).record.id;
 }
 
 qsizetype PlaylistEntries::indexOf(const QUuid &id) const
 {
-    if (!m_data)
-        return -1;
-    const auto found = std::ranges::find(m_data->records, id, &Record::id);
-    return found == m_data->records.end() ? -1 : found - m_data->records.begin();
+    for (qsizetype i = 0; i < size(); ++i) {
+        if (this->id(i) == id)
+            return i;
+    }
+    return -1;
 }
 
 QUtf8StringView PlaylistEntries::name(qsizetype index) const
 {
-    return m_data->view(m_data->records[size_t(index)].name);
+    const Place at = place(index);
+    return at.view(at.record.name);
 }
 
 QUtf8StringView PlaylistEntries::logoAddress(qsizetype index) const
 {
-    return m_data->view(m_data->records[size_t(index)].logo);
+    const Place at = place(index);
+    return at.view(at.record.logo);
 }
 
 QUtf8StringView PlaylistEntries::address(qsizetype index) const
 {
-    return m_data->view(m_data->records[size_t(index)].url);
+    const Place at = place(index);
+    return at.view(at.record.url);
 }
 
 QUtf8StringView PlaylistEntries::countryCode(qsizetype index) const
 {
-    const qint32 country = m_data->records[size_t(index)].country;
-    return country < 0 ? QUtf8StringView() : QUtf8StringView(m_data->countries[size_t(country)]);
+    const qint32 country = place(index).record.country;
+    if (country < 0)
+        return {};
+    const auto number = size_t(country);
+    const size_t known = m_data->countries.size();
+    return number < known ? m_data->countries[number] : m_change->own.countries[number - known];
 }
 
 int PlaylistEntries::groupCount() const
 {
-    return m_data ? int(m_data->groups.size()) : 0;
+    const size_t own = m_change ? m_change->own.groups.size() : 0;
+    return m_data ? int(m_data->groups.size() + own) : 0;
+}
+
+QUtf8StringView PlaylistEntries::groupText(int group) const
+{
+    const auto number = size_t(group);
+    const size_t known = m_data->groups.size();
+    return number < known ? m_data->groups[number] : m_change->own.groups[number - known];
 }
 
 QString PlaylistEntries::groupTitle(int group) const
 {
-    return QString::fromUtf8(m_data->groups[size_t(group)]);
+    return groupText(group).toString();
 }
 
 int PlaylistEntries::groupIndex(qsizetype index) const
 {
-    return m_data->records[size_t(index)].group;
+    return place(index).record.group;
 }
 
 QUtf8StringView PlaylistEntries::group(qsizetype index) const
 {
-    const qint32 group = m_data->records[size_t(index)].group;
-    return group < 0 ? QUtf8StringView() : QUtf8StringView(m_data->groups[size_t(group)]);
+    const int group = groupIndex(index);
+    return group < 0 ? QUtf8StringView() : groupText(group);
 }
 
 bool PlaylistEntries::isSame(qsizetype index, const PlaylistEntries &other,
                              qsizetype otherIndex) const
 {
-    return id(index) == other.id(otherIndex) && isSameText(name(index), other.name(otherIndex))
-        && isSameText(address(index), other.address(otherIndex))
-        && isSameText(logoAddress(index), other.logoAddress(otherIndex))
-        && isSameText(group(index), other.group(otherIndex))
-        && isSameText(countryCode(index), other.countryCode(otherIndex));
+    const bool isShared =
+        m_data == other.m_data && &place(index).record == &other.place(otherIndex).record;
+    return isShared
+        || (id(index) == other.id(otherIndex) && isSameText(name(index), other.name(otherIndex))
+            && isSameText(address(index), other.address(otherIndex))
+            && isSameText(logoAddress(index), other.logoAddress(otherIndex))
+            && isSameText(group(index), other.group(otherIndex))
+            && isSameText(countryCode(index), other.countryCode(otherIndex)));
 }
 
 bool operator==(const PlaylistEntries &left, const PlaylistEntries &right)
 {
-    if (left.m_data == right.m_data)
-        return true;
     if (left.size() != right.size())
         return false;
     for (qsizetype i = 0; i < left.size(); ++i) {
@@ -326,7 +392,7 @@ qsizetype PlaylistEntriesBuilder::addedSize() const
 PlaylistEntries PlaylistEntriesBuilder::build()
 {
     m_data->added.squeeze();
-    return PlaylistEntries(std::shared_ptr<const PlaylistEntries::Data>(std::move(m_data)));
+    return {std::shared_ptr<const PlaylistEntries::Data>(std::move(m_data)), nullptr};
 }
 
 } // namespace lumaro

@@ -10,9 +10,9 @@
 
 namespace lumaro {
 
-/// The entries of one playlist, in order: immutable, shared when copied, and made for hundreds of
-/// thousands of them. It keeps the playlist's UTF-8 text and, for each entry, where in it the
-/// values stand; a PlaylistEntry is made when it is asked for. Any thread.
+/// The entries of one playlist, in order: immutable, shared when copied and mostly when changed,
+/// and made for hundreds of thousands of them. It keeps the playlist's UTF-8 text and, for each
+/// entry, where in it the values stand; a PlaylistEntry is made when it is asked for. Any thread.
 class PlaylistEntries
 {
 public:
@@ -44,8 +44,8 @@ public:
     /// Empty when there is none.
     QUtf8StringView countryCode(qsizetype index) const;
 
-    /// The number of different groups, and one's title. Groups stand in order of first appearance;
-    /// each has an entry.
+    /// The number of different groups, and one's title. As they were read, groups stand in order of
+    /// first appearance and each has an entry; after changes some may have none.
     int groupCount() const;
     QString groupTitle(int group) const;
     /// The entry's group; -1 for none.
@@ -62,13 +62,22 @@ public:
 private:
     friend class PlaylistEntriesBuilder;
     struct Data;
+    struct Change;
+    struct Place;
 
-    explicit PlaylistEntries(std::shared_ptr<const Data> data)
+    PlaylistEntries(std::shared_ptr<const Data> data, std::shared_ptr<const Change> change)
         : m_data(std::move(data))
+        , m_change(std::move(change))
     {
     }
 
+    Place place(qsizetype index) const;
+    std::shared_ptr<Change> copyOfChange() const;
+    QUtf8StringView groupText(int group) const;
+
     std::shared_ptr<const Data> m_data;
+    /// What has become of m_data since it was built; null for nothing.
+    std::shared_ptr<const Change> m_change;
 };
 
 /// Collects entries whose values stand in one UTF-8 text, or are added to it.

@@ -206,7 +206,10 @@ private:
 
 QByteArray encodeEntries(const PlaylistEntries &entries)
 {
-    QByteArray json("[");
+    constexpr qsizetype likelySize = 256;
+    QByteArray json;
+    json.reserve(likelySize * entries.size());
+    json += '[';
     for (qsizetype i = 0; i < entries.size(); ++i) {
         json += json.endsWith('[') ? "{" : ",{";
         writeField(json, "id", entries.id(i).toByteArray(QUuid::WithoutBraces).toUpper());

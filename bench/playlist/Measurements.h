@@ -1,19 +1,14 @@
 #pragma once
 
+#include "bench/report/Report.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
 
-#include <chrono>
-#include <expected>
-
 namespace lumaro {
 
-/// Each blocks until it has measured; errors are English sentences.
-template <typename T>
-using Measured = std::expected<T, QString>;
-
-using Seconds = std::chrono::duration<double>;
+// Each function blocks until it has measured.
 
 struct Parsing
 {

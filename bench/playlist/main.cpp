@@ -3,15 +3,14 @@
 
 #include "bench/playlist/ChannelList.h"
 #include "bench/playlist/Measurements.h"
+#include "bench/report/Report.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <cstdio>
-#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -20,62 +19,6 @@ namespace {
 
 constexpr int channelCount = 200'000;
 constexpr Seconds frame = std::chrono::milliseconds(16);
-
-struct Limit
-{
-    enum class Kind { AtLeast, AtMost, Below } kind;
-    double value;
-};
-
-struct Row
-{
-    QString what;
-    Measured<double> ratio;
-    QString detail;
-    /// Without one, the row is for information.
-    std::optional<Limit> limit;
-};
-
-bool keeps(double ratio, Limit limit)
-{
-    switch (limit.kind) {
-    case Limit::Kind::AtLeast:
-        return ratio >= limit.value;
-    case Limit::Kind::AtMost:
-        return ratio <= limit.value;
-    case Limit::Kind::Below:
-        return ratio < limit.value;
-    }
-    Q_UNREACHABLE();
-}
-
-QString text(std::optional<Limit> limit)
-{
-    if (!limit)
-        return u"-"_s;
-    switch (limit->kind) {
-    case Limit::Kind::AtLeast:
-        return u"at least %1"_s.arg(limit->value);
-    case Limit::Kind::AtMost:
-        return u"at most %1"_s.arg(limit->value);
-    case Limit::Kind::Below:
-        return u"below %1"_s.arg(limit->value);
-    }
-    Q_UNREACHABLE();
-}
-
-/// 0 when the limit is kept, 1 when it is missed, 2 when there is nothing to compare with it.
-int status(const Row &row)
-{
-    if (!row.ratio)
-        return 2;
-    return !row.limit || keeps(*row.ratio, *row.limit) ? 0 : 1;
-}
-
-QString milliseconds(Seconds time)
-{
-    return u"%1 ms"_s.arg(time.count() * 1000, 0, 'f', 1);
-}
 
 Row throughput(const QString &what, const Measured<Parsing> &own, const Measured<Parsing> &peer,
                std::optional<Limit> limit)
@@ -117,17 +60,6 @@ Row filtering(const QByteArray &list, int rounds)
     return row;
 }
 
-void print(const QList<Row> &rows)
-{
-    std::printf("  %-52s %8s  %-12s %s\n", "playlist of 200,000 channels", "ratio", "limit", "");
-    for (const Row &row : rows) {
-        const QString ratio = row.ratio ? QString::number(*row.ratio, 'f', 2) : u"?"_s;
-        std::printf("  %-52s %8s  %-12s %s%s\n", qPrintable(row.what), qPrintable(ratio),
-                    qPrintable(text(row.limit)), status(row) == 1 ? "MISSED: " : "",
-                    qPrintable(row.ratio ? row.detail : row.ratio.error()));
-    }
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -164,9 +96,5 @@ int main(int argc, char *argv[])
         memory(file.fileName(), list.size()),
         filtering(list, count),
     };
-    print(rows);
-    int result = 0;
-    for (const Row &row : rows)
-        result = std::max(result, status(row));
-    return result;
+    return report(u"playlist of 200,000 channels"_s, rows);
 }

@@ -1,0 +1,195 @@
+// A Local M3U library of 50,000 links, as ratios to the time of a frame, to 300 ms of processor
+// time and to a library of 50 links.  bench_library [--rounds N]
+
+#include "bench/playlist/ChannelList.h"
+#include "bench/report/Report.h"
+#include "platform/qt/FileUserDefaults.h"
+#include "platform/qt/QtScheduler.h"
+#include "playlist/LocalM3UHistory.h"
+#include "playlist/LocalM3UListModel.h"
+#include "playlist/PlaylistEntryCoding.h"
+#include "playlist/PlaylistParser.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <functional>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace lumaro;
+
+namespace {
+
+constexpr int linkCount = 50'000;
+constexpr int fewLinks = 50;
+constexpr Seconds frame = std::chrono::milliseconds(16);
+constexpr Seconds loadingTime = std::chrono::milliseconds(300);
+
+PlaylistEntries links(int count)
+{
+    const auto entries = PlaylistParser::read(channelList(count), QUrl(u"http://host/list.m3u"_s));
+    return entries.value_or(PlaylistEntries());
+}
+
+template <typename Work>
+Seconds timeOf(Work work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - start;
+}
+
+/// Of all threads of this process.
+template <typename Work>
+Seconds processorTimeOf(Work work)
+{
+    const std::clock_t start = std::clock();
+    work();
+    return Seconds(double(std::clock() - start) / CLOCKS_PER_SEC);
+}
+
+/// Whatever else the machine does can only add time.
+Seconds best(const QList<Seconds> &times)
+{
+    return *std::ranges::min_element(times);
+}
+
+/// What the library is stored in and shown by, as in the application.
+struct Library
+{
+    explicit Library(const QString &folder)
+        : defaults(folder)
+        , store(defaults, scheduler)
+        , history(store)
+        , list(store, scheduler)
+    {
+    }
+
+    QtScheduler scheduler;
+    FileUserDefaults defaults;
+    LocalM3UStore store;
+    LocalM3UHistory history;
+    LocalM3UListModel list;
+};
+
+qint64 storedSize(const QString &folder)
+{
+    return QFile(folder + u'/' + LocalM3UStore::defaultsKey).size();
+}
+
+/// The longest time that `change` or anything that follows from it holds up the main thread until
+/// the changed library is stored.
+Seconds longestHold(Library &library, const QString &folder, const std::function<void()> &change)
+{
+    const qint64 before = storedSize(folder);
+    Seconds longest = timeOf(change);
+    while (storedSize(folder) == before) {
+        longest = std::max(
+            longest, timeOf([] { QCoreApplication::processEvents(QEventLoop::AllEvents, 1); }));
+    }
+    return library.store.errorMessage().isEmpty() ? longest : Seconds::max();
+}
+
+Row saving(const QString &what, const QString &folder, int rounds, const QString &search)
+{
+    Library library(folder);
+    library.list.setFilterText(search);
+    QList<Seconds> times;
+    for (int round = 0; round < rounds; ++round) {
+        const QUrl url(u"http://new.example/%1%2.m3u8"_s.arg(search).arg(round));
+        times.append(
+            longestHold(library, folder, [&] { library.store.save(url, u"New channel"_s); }));
+    }
+    return {what, best(times) / frame, milliseconds(best(times)), Limit{Limit::Kind::Below, 1}};
+}
+
+Row loading(const QString &folder, int rounds)
+{
+    QtScheduler scheduler;
+    FileUserDefaults defaults(folder);
+    QList<Seconds> times;
+    qsizetype size = 0;
+    for (int round = 0; round < rounds; ++round) {
+        times.append(processorTimeOf([&] {
+            const LocalM3UStore store(defaults, scheduler);
+            size = store.entries().size();
+        }));
+    }
+    Row row{u"processor time of loading, to 300 ms"_s, best(times) / loadingTime,
+            milliseconds(best(times)), Limit{Limit::Kind::Below, 1}};
+    if (size < linkCount)
+        row.ratio = std::unexpected(u"found %1 links"_s.arg(size));
+    return row;
+}
+
+/// The time of 50,000 questions about `different` addresses by turns, half of them answered yes.
+Seconds timeOfQuestions(const PlaylistEntries &entries, int different, int rounds)
+{
+    constexpr int questions = 50'000;
+    const AddressIndex addresses(entries);
+    QList<QUrl> urls;
+    for (int i = 0; i < different; ++i) {
+        QUrl url = entries.at(qint64(i) * 7919 % entries.size()).url;
+        if (i % 2 == 0)
+            url.setFragment(u"x"_s);
+        urls.append(url);
+    }
+    QList<Seconds> times;
+    qsizetype found = 0;
+    for (int round = 0; round < rounds; ++round) {
+        times.append(timeOf([&] {
+            for (int i = 0; i < questions; ++i)
+                found += addresses.indexOf(urls[i % different]) >= 0 ? 1 : 0;
+        }));
+    }
+    return found == qsizetype(rounds) * questions / 2 ? best(times) : Seconds::max();
+}
+
+/// With few different addresses, as a window shows them, the processor's cache holds what is
+/// needed; with many it is the memory that is measured too.
+Row asking(const QString &what, int different, int rounds, std::optional<Limit> limit)
+{
+    const Seconds many = timeOfQuestions(links(linkCount), different, rounds);
+    const Seconds few = timeOfQuestions(links(fewLinks), different, rounds);
+    return {what, many / few,
+            u"50,000 questions in %1, in %2"_s.arg(milliseconds(many), milliseconds(few)), limit};
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    const QCommandLineOption roundsOption(u"rounds"_s, u"How often each is done."_s, u"N"_s,
+                                          u"9"_s);
+    parser.addOption(roundsOption);
+    parser.addHelpOption();
+    parser.process(application);
+    const int rounds = parser.value(roundsOption).toInt();
+    if (rounds < 1)
+        parser.showHelp(2);
+
+    const QTemporaryDir folder;
+    FileUserDefaults defaults(folder.path());
+    if (!defaults.setData(LocalM3UStore::defaultsKey, encodeEntries(links(linkCount)))) {
+        std::fprintf(stderr, "The library cannot be written to %s.\n", qPrintable(folder.path()));
+        return 2;
+    }
+    return report(
+        u"library of 50,000 links"_s,
+        {
+            loading(folder.path(), rounds),
+            saving(u"longest hold of the main thread by a save, to 16 ms"_s, folder.path(), rounds,
+                   {}),
+            saving(u"the same during a search"_s, folder.path(), rounds, u"sports"_s),
+            asking(u"time of contains, to that in a library of 50"_s, 100, rounds,
+                   Limit{Limit::Kind::AtMost, 1.2}),
+            asking(u"the same for 50,000 different addresses"_s, 50'000, rounds, std::nullopt),
+        });
+}
