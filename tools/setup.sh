@@ -17,7 +17,7 @@ test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
 )
 fuzz_packages=(clang-19 libclang-rt-19-dev)
-bench_packages=(mpv libx11-dev libxext-dev nodejs)
+bench_packages=(mpv libx11-dev libxext-dev nodejs curl yt-dlp)
 
 # need_packages NAME…: installs those that are not there yet, and says which.
 need_packages() {

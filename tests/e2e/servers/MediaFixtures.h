@@ -16,6 +16,7 @@ enum class Fixture {
     RandomBytes, ///< named MP4, but noise
     Hls, ///< multivariant playlist of a finished stream, 20 s in MPEG-TS segments of 2 s
     FragmentedHls, ///< the same with fragmented MP4 segments
+    LargeHls, ///< media playlist of a finished stream, 200 MPEG-TS segments of 1 s and about 2 MB
     FullHdMovie, ///< as Movie, but 1920x1080 and 75 s
 };
 

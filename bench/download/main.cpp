@@ -1,0 +1,249 @@
+// Saving a stream from nginx on this machine, Lumaro, curl, ffmpeg and yt-dlp by turns.
+//   bench_download APP [--rounds N]
+
+#include "tests/e2e/servers/MediaFixtures.h"
+#include "tests/e2e/servers/NginxServer.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace std::chrono_literals;
+using namespace Qt::Literals::StringLiterals;
+using namespace lumaro;
+
+namespace {
+
+constexpr double wallLimit = 1.5;
+constexpr double processorLimit = 0.25;
+/// What a stream may add to what the program needs for any, in bytes.
+constexpr qint64 memoryLimit = 8 * 1024 * 1024;
+constexpr auto patience = 5min;
+
+using Seconds = std::chrono::duration<double>;
+template <typename T>
+using Result = std::expected<T, QString>;
+
+struct Command
+{
+    QString name;
+    QString program;
+    QStringList arguments;
+    /// Where the stream ends up; for curl that is its output.
+    QString file;
+    bool writesToOutput = false;
+};
+
+struct Run
+{
+    Seconds wall{};
+    Seconds processor{};
+    qint64 peakMemory = 0;
+    qint64 size = 0;
+};
+
+Result<Run> measure(const Command &command)
+{
+    QFile::remove(command.file);
+    const auto begin = std::chrono::steady_clock::now();
+    ChildProcess process;
+    const auto started =
+        process.start(command.program, command.arguments,
+                      {.logFile = command.writesToOutput ? command.file : QString()});
+    if (!started)
+        return std::unexpected(started.error());
+    const bool ended = process.waitForFinished(patience);
+    const Seconds wall = std::chrono::steady_clock::now() - begin;
+    const qint64 size = QFileInfo(command.file).size();
+    QFile::remove(command.file);
+    if (!ended || process.exitCode() != 0 || size == 0)
+        return std::unexpected(QString(command.name + u" failed."_s));
+    return Run{wall, process.processorTime(), process.peakMemory(), size};
+}
+
+double median(QList<double> values)
+{
+    std::ranges::sort(values);
+    return values.at(values.size() / 2);
+}
+
+template <typename Value>
+double medianOf(const QList<Run> &runs, Value value)
+{
+    QList<double> values;
+    for (const Run &run : runs)
+        values.append(value(run));
+    return median(values);
+}
+
+double wallOf(const QList<Run> &runs)
+{
+    return medianOf(runs, [](const Run &run) { return run.wall.count(); });
+}
+
+/// Seconds for each gigabyte.
+double processorOf(const QList<Run> &runs)
+{
+    return medianOf(
+        runs, [](const Run &run) { return run.processor.count() / (double(run.size) / 1e9); });
+}
+
+qint64 memoryOf(const QList<Run> &runs)
+{
+    return qint64(medianOf(runs, [](const Run &run) { return double(run.peakMemory); }));
+}
+
+/// The stream on a server, and the ways to fetch it.
+class Course
+{
+public:
+    static Result<std::unique_ptr<Course>> open(const QString &app)
+    {
+        const auto playlist =
+            MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::LargeHls);
+        if (!playlist)
+            return std::unexpected(playlist.error());
+        auto server = NginxServer::start();
+        if (!server)
+            return std::unexpected(server.error());
+        std::unique_ptr<Course> course(new Course(app, std::move(*server)));
+        if (!course->publish(*playlist))
+            return std::unexpected(u"The stream cannot be published."_s);
+        return course;
+    }
+
+    QList<Command> commands() const
+    {
+        const QString url = address(u"index.m3u8"_s);
+        return {
+            lumaro(u"lumaro"_s, u"index.m3u8"_s),
+            lumaro(u"lumaro, two segments"_s, u"short.m3u8"_s),
+            {.name = u"curl"_s,
+             .program = u"curl"_s,
+             .arguments = {u"-sS"_s, u"--config"_s, file(u"curl.config"_s)},
+             .file = file(u"curl.ts"_s),
+             .writesToOutput = true},
+            {.name = u"ffmpeg -c copy"_s,
+             .program = u"ffmpeg"_s,
+             .arguments = {u"-nostdin"_s, u"-v"_s, u"error"_s, u"-i"_s, url, u"-c"_s, u"copy"_s,
+                           file(u"ffmpeg.ts"_s)},
+             .file = file(u"ffmpeg.ts"_s)},
+            {.name = u"yt-dlp"_s,
+             .program = u"yt-dlp"_s,
+             .arguments = {u"--ignore-config"_s, u"--no-cache-dir"_s, u"-q"_s, u"--downloader"_s,
+                           u"native"_s, u"--fixup"_s, u"never"_s, u"-o"_s, file(u"yt.mp4"_s), url},
+             .file = file(u"yt.mp4"_s)},
+        };
+    }
+
+private:
+    Course(const QString &app, std::unique_ptr<NginxServer> server)
+        : m_app(app)
+        , m_server(std::move(server))
+    {
+    }
+
+    QString file(const QString &name) const { return m_folder.filePath(name); }
+    QString address(const QString &name) const
+    {
+        return m_server->url(u"/large/"_s + name).toString();
+    }
+
+    Command lumaro(const QString &name, const QString &playlist) const
+    {
+        return {.name = name,
+                .program = m_app,
+                .arguments = {u"--download"_s, address(playlist), u"--to"_s, m_folder.path(),
+                              u"--name"_s, u"lumaro"_s},
+                .file = file(u"lumaro.ts"_s)};
+    }
+
+    bool publish(const QString &playlist)
+    {
+        QFile input(playlist);
+        QFile config(file(u"curl.config"_s));
+        const QString folder = QFileInfo(playlist).absolutePath();
+        if (!m_server->publish(folder, u"large"_s) || !input.open(QIODevice::ReadOnly)
+            || !config.open(QIODevice::WriteOnly))
+            return false;
+        QByteArrayList segments;
+        for (const QByteArray &line : input.readAll().split('\n')) {
+            if (!line.isEmpty() && !line.startsWith('#'))
+                segments.append(line);
+        }
+        for (const QByteArray &segment : segments)
+            config.write("url = \"" + address(QString::fromUtf8(segment)).toUtf8() + "\"\n");
+        return segments.size() > 2
+            && m_server->writeFile(u"large/short.m3u8"_s,
+                                   "#EXTM3U\n" + segments.at(0) + '\n' + segments.at(1)
+                                       + "\n#EXT-X-ENDLIST\n");
+    }
+
+    QString m_app;
+    std::unique_ptr<NginxServer> m_server;
+    QTemporaryDir m_folder;
+};
+
+Result<QList<QList<Run>>> measureRounds(const QList<Command> &commands, int rounds)
+{
+    QList<QList<Run>> runs(commands.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (qsizetype i = 0; i < commands.size(); ++i) {
+            const auto run = measure(commands.at(i));
+            if (!run)
+                return std::unexpected(run.error());
+            runs[i].append(*run);
+        }
+    }
+    for (qsizetype i = 0; i < commands.size(); ++i)
+        std::printf("  %-22s %6.2f s, %6.3f s of processor time a GB, %4lld MB of memory\n",
+                    qPrintable(commands.at(i).name), wallOf(runs.at(i)), processorOf(runs.at(i)),
+                    static_cast<long long>(memoryOf(runs.at(i)) / 1'000'000));
+    return runs;
+}
+
+bool isWithin(const char *what, double ratio, double limit)
+{
+    std::printf("%s: %.2f (limit: at most %g)%s\n", what, ratio, limit,
+                ratio <= limit ? "" : " MISSED");
+    return ratio <= limit;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    const QCommandLineOption roundsOption(u"rounds"_s, u"How often each runs."_s, u"N"_s, u"3"_s);
+    parser.addOption(roundsOption);
+    parser.addHelpOption();
+    parser.addPositionalArgument(u"app"_s, u"Lumaro's program file."_s);
+    parser.process(application);
+    const int rounds = parser.value(roundsOption).toInt();
+    if (parser.positionalArguments().size() != 1 || rounds < 1)
+        parser.showHelp(2);
+
+    const auto course = Course::open(parser.positionalArguments().first());
+    const auto runs =
+        course ? measureRounds((*course)->commands(), rounds) : std::unexpected(course.error());
+    if (!runs) {
+        std::fprintf(stderr, "download: %s\n", qPrintable(runs.error()));
+        return 2;
+    }
+    const QList<Run> &lumaro = runs->at(0);
+    const qint64 growth = memoryOf(lumaro) - memoryOf(runs->at(1));
+    const QList<bool> results{
+        isWithin("wall time, to one curl", wallOf(lumaro) / wallOf(runs->at(2)), wallLimit),
+        isWithin("processor time a GB, to ffmpeg -c copy",
+                 processorOf(lumaro) / processorOf(runs->at(3)), processorLimit),
+        isWithin("processor time a GB, to yt-dlp", processorOf(lumaro) / processorOf(runs->at(4)),
+                 processorLimit),
+        isWithin("memory beyond that for two segments, in MB", double(growth) / 1e6,
+                 double(memoryLimit) / 1e6)};
+    return results.contains(false) ? 1 : 0;
+}
