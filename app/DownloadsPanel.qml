@@ -67,7 +67,7 @@ T.Popup {
                 enabled: root.downloads.canDownloadStream
                 iconName: "download"
                 text: "Download This Stream"
-                shortcutText: "Ctrl+D"
+                shortcutText: "Ctrl+Shift+D"
                 onClicked: root.downloads.downloadStream()
             }
             Item {

@@ -43,7 +43,7 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
         make({always(QStringLiteral("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),
               [&window] { window.importPlaylist(); }}),
         make({.title = always(QStringLiteral("Download This Stream")),
-              .shortcut = QStringLiteral("Ctrl+D"),
+              .shortcut = QStringLiteral("Ctrl+Shift+D"),
               .action = [&downloads] { downloads.downloadStream(); },
               .startsGroup = true}),
         make({always(QStringLiteral("Downloads")), QStringLiteral("Ctrl+J"),

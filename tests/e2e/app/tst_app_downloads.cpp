@@ -36,7 +36,7 @@ void AppDownloadsTest::savesTheStreamThatPlays()
     const QUrl stream = m_nginx->url(u"/film/master.m3u8"_s);
     m_world->player().play(stream, u"Film"_s, true);
     QVERIFY(m_world->playsTo(0.2));
-    m_world->press(Qt::Key_D, Qt::ControlModifier);
+    m_world->press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     QVERIFY(m_world->downloads().panelShown());
     const auto job = [&] {
         return m_world->downloads().manager()->jobs().value(M3U8DownloadManager::keyOf(stream));
