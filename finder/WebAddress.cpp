@@ -1,0 +1,35 @@
+#include "finder/WebAddress.h"
+
+#include <QUrl>
+
+namespace lumaro {
+
+std::optional<QString> normalizedWebAddress(const QString &text)
+{
+    constexpr qsizetype maximumLength = 16384;
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty() || trimmed.size() > maximumLength)
+        return std::nullopt;
+    const QUrl url(trimmed.contains(u"://") ? trimmed : u"https://" + trimmed);
+    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
+    // RFC 9110, section 4.2: without a host it is not one.
+    if (!url.isValid() || !isWeb || url.host().isEmpty())
+        return std::nullopt;
+    QString address = url.toString(QUrl::FullyEncoded);
+    if (url.path() == u"/" && !url.hasQuery() && !url.hasFragment())
+        address.chop(1);
+    return address;
+}
+
+QString webAddressKey(const QString &address)
+{
+    // Reading it lower-cases the scheme and the host.
+    QUrl url(address);
+    constexpr QLatin1StringView prefix("www.");
+    const QString host = url.host(QUrl::FullyEncoded);
+    if (host.startsWith(prefix))
+        url.setHost(host.sliced(prefix.size()));
+    return url.isValid() ? url.toString(QUrl::FullyEncoded) : address;
+}
+
+} // namespace lumaro
