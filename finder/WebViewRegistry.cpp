@@ -1,0 +1,47 @@
+#include "finder/WebViewRegistry.h"
+
+namespace lumaro {
+
+bool WebViewRegistry::add(WebView *view)
+{
+    clean();
+    if (m_views.contains(view))
+        return false;
+    m_views.append(view);
+    return true;
+}
+
+void WebViewRegistry::remove(WebView *view)
+{
+    clean();
+    m_views.removeOne(view);
+}
+
+void WebViewRegistry::clean()
+{
+    m_views.removeIf([](const QPointer<WebView> &view) { return view.isNull(); });
+}
+
+QList<QPointer<WebView>> WebViewRegistry::views()
+{
+    clean();
+    return m_views;
+}
+
+void WebViewRegistry::reloadPages()
+{
+    const auto all = views();
+    for (const QPointer<WebView> &view : all) {
+        if (view)
+            reloadPage(*view);
+    }
+}
+
+void WebViewRegistry::reloadPage(WebView &view)
+{
+    const QUrl url = view.url();
+    if (!url.isEmpty() && url != QUrl(QStringLiteral("about:blank")))
+        view.reload();
+}
+
+} // namespace lumaro
