@@ -21,4 +21,15 @@ QString resourceReporterScript()
     return script(QStringLiteral("resource-reporter.js"));
 }
 
+QString adBlockerFlagScript(bool enabled)
+{
+    return enabled ? QStringLiteral("window.__varnAdBlockerEnabled = true;")
+                   : QStringLiteral("window.__varnAdBlockerEnabled = false;");
+}
+
+QString popupOverrideScript()
+{
+    return script(QStringLiteral("popup-override.js"));
+}
+
 } // namespace lumaro

@@ -8,4 +8,12 @@ namespace lumaro {
 /// them. For every frame, at document start.
 QString resourceReporterScript();
 
+/// Tells the page whether the ad blocker is on. For every frame, at document start and whenever
+/// that changes.
+QString adBlockerFlagScript(bool enabled);
+
+/// While the ad blocker is on, keeps pages from opening windows and from catching clicks with
+/// large links over everything. For every frame, at document start, after the flag.
+QString popupOverrideScript();
+
 } // namespace lumaro

@@ -16,6 +16,10 @@ private Q_SLOTS:
     void survivesAPoorPage();
     void namesWhatWasClicked_data();
     void namesWhatWasClicked();
+    void blocksWindows();
+    void removesOverlays_data();
+    void removesOverlays();
+    void letsOverlaysBeWhenOff();
 };
 
 void PageScriptsTest::reportsPlaylists_data()
@@ -130,6 +134,69 @@ void PageScriptsTest::namesWhatWasClicked()
     page.run(u"document.dispatch('click', new Node('video')); fetch('b.m3u8')"_s);
     message = page.takeMessages().value(0).toMap();
     QCOMPARE(message.value(u"selected"_s), !title.isEmpty());
+}
+
+void PageScriptsTest::blocksWindows()
+{
+    FakePage page;
+    page.run(adBlockerFlagScript(true));
+    page.run(popupOverrideScript());
+    QCOMPARE(page.run(u"open('https://ads.example') === null"_s), true);
+    QCOMPARE(page.run(u"log.length"_s), 0);
+    page.run(adBlockerFlagScript(false));
+    QCOMPARE(page.run(u"window.open('https://a.example', 'x')"_s), u"opened"_s);
+    QCOMPARE(page.run(u"log"_s).toStringList(), QStringList{u"window.open https://a.example x"_s});
+    page.run(adBlockerFlagScript(true));
+    QCOMPARE(page.run(u"window.open() === null"_s), true);
+}
+
+void PageScriptsTest::removesOverlays_data()
+{
+    QTest::addColumn<QString>("change"); // to a link that is removed
+    QTest::addColumn<bool>("removed");
+    QTest::newRow("fixed") << QString() << true;
+    QTest::newRow("absolute") << u"link.style.position = 'absolute'"_s << true;
+    QTest::newRow("relative") << u"link.style.position = 'relative'"_s << false;
+    QTest::newRow("z-index 99") << u"link.style.zIndex = '99'"_s << false;
+    QTest::newRow("no z-index") << u"link.style.zIndex = undefined"_s << false;
+    QTest::newRow("z-index empty") << u"link.style.zIndex = ''"_s << false;
+    QTest::newRow("narrow") << u"link.size = [250, 900]"_s << false;
+    QTest::newRow("flat") << u"link.size = [900, 250]"_s << false;
+    QTest::newRow("just large enough") << u"link.size = [251, 251]"_s << true;
+    QTest::newRow("place in the page") << u"link.attributes.href = '#top'"_s << false;
+    QTest::newRow("script") << u"link.attributes.href = 'JavaScript:play()'"_s << false;
+    QTest::newRow("no address") << u"delete link.attributes.href"_s << true;
+    QTest::newRow("not a link") << u"link.tagName = 'DIV'"_s << false;
+    QTest::newRow("throws") << u"link.getBoundingClientRect = null"_s << false;
+}
+
+void PageScriptsTest::removesOverlays()
+{
+    QFETCH(const QString, change);
+    QFETCH(const bool, removed);
+    FakePage page;
+    page.run(adBlockerFlagScript(true));
+    page.run(popupOverrideScript());
+    page.run(u"var link = new Node('a', { href: 'https://ads.example', size: [300, 300],"
+             u"                           style: { position: 'fixed', zIndex: '100' } }, body);"
+             u"var image = new Node('img', {}, new Node('span', {}, link));"_s);
+    page.run(change);
+    page.run(u"var event = document.dispatch('click', image)"_s);
+    QCOMPARE(page.run(u"link.removed"_s), removed);
+    QCOMPARE(page.run(u"event.defaultPrevented"_s), removed);
+    QCOMPARE(page.run(u"event.stopped"_s), removed);
+}
+
+void PageScriptsTest::letsOverlaysBeWhenOff()
+{
+    FakePage page;
+    page.run(adBlockerFlagScript(false));
+    page.run(popupOverrideScript());
+    page.run(u"var link = new Node('a', { href: 'https://ads.example', size: [300, 300],"
+             u"                           style: { position: 'fixed', zIndex: '100' } }, body);"
+             u"document.dispatch('click', link)"_s);
+    QCOMPARE(page.run(u"link.removed"_s), false);
+    page.run(u"document.dispatch('click', body); document.dispatch('click', document)"_s);
 }
 
 QTEST_GUILESS_MAIN(PageScriptsTest)
