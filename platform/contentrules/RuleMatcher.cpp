@@ -1,0 +1,137 @@
+#include "platform/contentrules/RuleMatcher.h"
+
+#include <QVarLengthArray>
+
+#include <algorithm>
+
+namespace lumaro::contentrules {
+
+namespace {
+
+bool isWebAddress(const QUrl &url)
+{
+    const QString scheme = url.scheme();
+    return scheme == u"http" || scheme == u"https" || scheme == u"ws" || scheme == u"wss";
+}
+
+/// Calls `use` with the host and each domain above it until it returns true.
+template <typename Use>
+bool anyDomain(const QByteArray &host, Use use)
+{
+    for (qsizetype at = 0;;) {
+        if (use(host.sliced(at)))
+            return true;
+        const qsizetype dot = host.indexOf('.', at);
+        if (dot < 0)
+            return false;
+        at = dot + 1;
+    }
+}
+
+} // namespace
+
+/// What is looked at of a request.
+struct RuleMatcher::Subject
+{
+    /// Longer addresses only gain time.
+    static constexpr qsizetype maximumLength = 16384;
+
+    QByteArray address;
+    QByteArray lowerAddress;
+    RequestFacts facts;
+
+    explicit Subject(const ContentRequest &request)
+        : address(request.url.toEncoded(QUrl::FullyEncoded).left(maximumLength))
+        , lowerAddress(address.toLower())
+        , facts(request)
+    {
+    }
+    const QByteArray &seenBy(const UrlPattern &pattern) const
+    {
+        return pattern.isCaseSensitive ? address : lowerAddress;
+    }
+};
+
+RuleMatcher::RuleMatcher(std::vector<ContentRule> rules)
+    : m_rules(std::move(rules))
+{
+    std::vector<TextIndex::Entry> texts;
+    for (size_t rule = 0; rule < m_rules.size(); ++rule) {
+        // The patterns are all that is needed of it.
+        for (const UrlPattern &pattern : std::exchange(m_rules[rule].patterns, {}))
+            file(pattern, quint32(rule), texts);
+    }
+    m_texts = TextIndex(texts);
+}
+
+void RuleMatcher::file(const UrlPattern &pattern, quint32 rule,
+                       std::vector<TextIndex::Entry> &texts)
+{
+    const auto number = quint32(m_patterns.size());
+    m_patterns.push_back({pattern, rule});
+    const Condition &condition = m_rules[rule].condition;
+    if (!pattern.required.isEmpty()) {
+        texts.push_back({pattern.required, number});
+    } else if (!condition.domains.empty() && !condition.domainsAreExcluded) {
+        for (const Domain &domain : condition.domains)
+            m_domains[domain.name].push_back(number);
+    } else {
+        m_others.push_back(number);
+    }
+}
+
+bool RuleMatcher::applies(const Pattern &pattern, const Subject &subject) const
+{
+    return m_rules[pattern.rule].condition.holds(subject.facts)
+        && (pattern.filter.matchesEverything()
+            || pattern.filter.matches(subject.seenBy(pattern.filter)));
+}
+
+template <typename Apply>
+bool RuleMatcher::match(const ContentRequest &request, Apply apply) const
+{
+    if (!isWebAddress(request.url))
+        return false;
+    const Subject subject(request);
+    const auto tryPattern = [&](quint32 number) {
+        const Pattern &pattern = m_patterns[number];
+        return applies(pattern, subject) && apply(pattern.rule);
+    };
+    // A text may be found in many places; the pattern's answer stays the same.
+    QVarLengthArray<quint32, 32> tried;
+    const auto tryText = [&](quint32 number, qsizetype position) {
+        const QByteArray &text = m_patterns[number].filter.required;
+        if (position < 0 || tried.contains(number)
+            || !QByteArrayView(subject.lowerAddress).sliced(position).startsWith(text))
+            return false;
+        tried.append(number);
+        return tryPattern(number);
+    };
+    const auto tryDomain = [&](const QByteArray &domain) {
+        const auto found = m_domains.constFind(domain);
+        return found != m_domains.cend() && std::ranges::any_of(*found, tryPattern);
+    };
+    return std::ranges::any_of(m_others, tryPattern)
+        || m_texts.search(subject.lowerAddress, tryText)
+        || anyDomain(subject.facts.page, tryDomain);
+}
+
+bool RuleMatcher::matchesAny(const ContentRequest &request) const
+{
+    return match(request, [](quint32) { return true; });
+}
+
+std::vector<quint32> RuleMatcher::matchingRules(const ContentRequest &request) const
+{
+    std::vector<quint32> rules;
+    match(request, [&rules](quint32 rule) {
+        rules.push_back(rule);
+        return false;
+    });
+    std::ranges::sort(rules);
+    const auto repeated = std::ranges::unique(rules);
+    rules.erase(repeated.begin(), repeated.end());
+    return rules;
+}
+
+} // namespace lumaro::contentrules

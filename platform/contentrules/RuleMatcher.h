@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/contentrules/ContentRule.h"
+#include "platform/contentrules/TextIndex.h"
+
+#include <QHash>
+
+namespace lumaro::contentrules {
+
+/// Finds the rules that apply to a request without looking at every one. Immutable; any thread.
+class RuleMatcher
+{
+public:
+    explicit RuleMatcher(std::vector<ContentRule> rules);
+
+    /// Calls `apply` with the number of each rule that applies, once or more, in no order, until it
+    /// returns true; returns whether it did.
+    template <typename Apply>
+    bool match(const ContentRequest &request, Apply apply) const;
+
+    bool matchesAny(const ContentRequest &request) const;
+    /// In their order, each once.
+    std::vector<quint32> matchingRules(const ContentRequest &request) const;
+    const ContentRule &rule(quint32 number) const { return m_rules[number]; }
+
+private:
+    struct Pattern
+    {
+        UrlPattern filter;
+        quint32 rule = 0;
+    };
+    struct Subject;
+
+    void file(const UrlPattern &pattern, quint32 rule, std::vector<TextIndex::Entry> &texts);
+    bool applies(const Pattern &pattern, const Subject &subject) const;
+
+    std::vector<ContentRule> m_rules;
+    std::vector<Pattern> m_patterns;
+    // Each pattern is filed in one of these, by its number.
+    TextIndex m_texts;
+    QHash<QByteArray, std::vector<quint32>> m_domains;
+    std::vector<quint32> m_others;
+};
+
+} // namespace lumaro::contentrules
