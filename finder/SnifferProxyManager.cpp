@@ -163,10 +163,15 @@ std::optional<ProxyConfiguration> SnifferProxyManager::configuration() const
     return configuration;
 }
 
+bool SnifferProxyManager::hasUnappliedChanges() const
+{
+    return configuration() != m_applied;
+}
+
 void SnifferProxyManager::applyProxyConfiguration(bool reloadActiveViews)
 {
-    const auto proxy = configuration();
-    m_target.setProxyConfigurations(proxy ? QList{*proxy} : QList<ProxyConfiguration>());
+    m_applied = configuration();
+    m_target.setProxyConfigurations(m_applied ? QList{*m_applied} : QList<ProxyConfiguration>());
     if (reloadActiveViews)
         m_webViews.reloadPages();
 }

@@ -56,6 +56,8 @@ public:
     void registerWebView(WebView *view);
     void cleanRegisteredViews();
 
+    /// The settings lead to other connections than those applied last.
+    bool hasUnappliedChanges() const;
     /// Makes the settings those of all web views. Whatever is wrong with them, connections are
     /// direct.
     void applyProxyConfiguration(bool reloadActiveViews);
@@ -83,6 +85,7 @@ private:
     QString m_portString;
     QString m_username;
     QString m_password;
+    std::optional<ProxyConfiguration> m_applied;
 
     DefaultsValue m_storedEnabled;
     DefaultsValue m_storedType;

@@ -227,7 +227,8 @@ void CompiledRuleListTest::refuses_data()
          {"", " ", "a{", "a}", "a } body { color: red", "a;b", "[x", "x]", "(x]", ")", "'a",
           "a\\\\", "a /* b", "@import", "<style>", "a\\u0000", "[a=\\\"b]"})
         action(selector,
-               uR"("type":"css-display-none","selector":")"_s + QLatin1StringView(selector) + u"\""_s,
+               uR"("type":"css-display-none","selector":")"_s + QLatin1StringView(selector)
+                   + u"\""_s,
                Kind::BadSelector);
 }
 

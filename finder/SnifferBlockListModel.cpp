@@ -1,0 +1,134 @@
+#include "finder/SnifferBlockListModel.h"
+
+#include "finder/RowUpdate.h"
+
+namespace lumaro {
+
+SnifferBlockListModel::SnifferBlockListModel(SnifferAdBlocker &blocker, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_blocker(blocker)
+    , m_rows(matchingDomains())
+    , m_announcedEmptyTitle(emptyTitle())
+{
+    connect(&m_blocker, &SnifferAdBlocker::blockedDomainsChanged, this, [this] {
+        update();
+        Q_EMIT countChanged();
+    });
+}
+
+QStringList SnifferBlockListModel::matchingDomains() const
+{
+    const QString wanted = m_searchText.trimmed();
+    QStringList domains;
+    for (const QString &domain : m_blocker.blockedDomains()) {
+        if (domain.contains(wanted, Qt::CaseInsensitive))
+            domains.prepend(domain);
+    }
+    return domains;
+}
+
+void SnifferBlockListModel::update()
+{
+    const QStringList rows = matchingDomains();
+    const RowUpdate change = RowUpdate::between(m_rows, rows);
+    if (change.removed > 0) {
+        beginRemoveRows({}, change.first, change.first + change.removed - 1);
+        m_rows.remove(change.first, change.removed);
+        endRemoveRows();
+    }
+    if (change.inserted > 0) {
+        beginInsertRows({}, change.first, change.first + change.inserted - 1);
+        m_rows = rows;
+        endInsertRows();
+    }
+    announceEmptyTitle();
+}
+
+void SnifferBlockListModel::announceEmptyTitle()
+{
+    const QString now = emptyTitle();
+    if (std::exchange(m_announcedEmptyTitle, now) != now)
+        Q_EMIT emptyTitleChanged();
+}
+
+void SnifferBlockListModel::setSearchText(const QString &text)
+{
+    if (std::exchange(m_searchText, text) == text)
+        return;
+    Q_EMIT searchTextChanged();
+    update();
+}
+
+QString SnifferBlockListModel::emptyTitle() const
+{
+    if (!m_rows.isEmpty())
+        return {};
+    return count() == 0 ? QStringLiteral("No domains in Block List.")
+                        : QStringLiteral("No matching domains found.");
+}
+
+QString SnifferBlockListModel::emptyText() const
+{
+    return count() == 0 ? QStringLiteral("You can add specific ad, tracker, or popup domains above "
+                                         "whenever you wish.")
+                        : QString();
+}
+
+bool SnifferBlockListModel::add(const QString &text)
+{
+    const bool isAdded = m_blocker.addDomain(text);
+    setErrorText(isAdded ? QString()
+                         : QStringLiteral("Enter a valid domain (e.g. adserver.com) not already in "
+                                          "the list."));
+    return isAdded;
+}
+
+void SnifferBlockListModel::clearError()
+{
+    setErrorText({});
+}
+
+void SnifferBlockListModel::setErrorText(const QString &text)
+{
+    if (std::exchange(m_errorText, text) != text)
+        Q_EMIT errorTextChanged();
+}
+
+void SnifferBlockListModel::remove(int row)
+{
+    if (row >= 0 && row < m_rows.size())
+        m_blocker.removeDomain(QString(m_rows[row]));
+}
+
+void SnifferBlockListModel::removeAll()
+{
+    m_blocker.removeAllDomains();
+}
+
+int SnifferBlockListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QVariant SnifferBlockListModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const QString &domain = m_rows[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+    case DomainRole:
+        return domain;
+    case DeleteHelpRole:
+        return QString(u"Permanently delete " + domain + u" from Block List");
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> SnifferBlockListModel::roleNames() const
+{
+    return {{DomainRole, "domain"}, {DeleteHelpRole, "deleteHelp"}};
+}
+
+} // namespace lumaro

@@ -1,0 +1,199 @@
+#include "finder/SnifferWebListModel.h"
+
+#include "finder/RowUpdate.h"
+
+#include <QLocale>
+
+#include <algorithm>
+
+namespace lumaro {
+
+namespace {
+
+QString visitsText(qint64 count)
+{
+    if (count == 0)
+        return {};
+    if (count == 1)
+        return QStringLiteral("Visited once");
+    return u"Visited " + QLocale::c().toString(count) + u" times";
+}
+
+} // namespace
+
+SnifferWebListModel::SnifferWebListModel(SnifferSavedWebsiteStore &store, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_store(store)
+    , m_rows(matchingWebsites())
+    , m_announcedEmptyTitle(emptyTitle())
+{
+    connect(&m_store, &SnifferSavedWebsiteStore::websitesChanged, this, [this] { update(); });
+}
+
+QStringList SnifferWebListModel::filterTabs()
+{
+    return {QStringLiteral("Saved"), QStringLiteral("History")};
+}
+
+QList<SnifferSavedWebsite> SnifferWebListModel::matchingWebsites() const
+{
+    const QString wanted = m_searchText.trimmed();
+    QList<SnifferSavedWebsite> websites;
+    std::ranges::copy_if(m_store.websites(), std::back_inserter(websites),
+                         [this, &wanted](const SnifferSavedWebsite &website) {
+                             return website.isFavorite == (m_filterTab == Saved)
+                                 && (website.title.contains(wanted, Qt::CaseInsensitive)
+                                     || website.urlString.contains(wanted, Qt::CaseInsensitive));
+                         });
+    return websites;
+}
+
+void SnifferWebListModel::update()
+{
+    const QList<SnifferSavedWebsite> rows = matchingWebsites();
+    const RowUpdate change = RowUpdate::between(m_rows, rows);
+    if (change.removed > 0) {
+        beginRemoveRows({}, change.first, change.first + change.removed - 1);
+        m_rows.remove(change.first, change.removed);
+        endRemoveRows();
+    }
+    if (change.inserted > 0) {
+        beginInsertRows({}, change.first, change.first + change.inserted - 1);
+        m_rows = rows;
+        endInsertRows();
+    }
+    announceEmptyTitle();
+    Q_EMIT canClearChanged();
+}
+
+void SnifferWebListModel::setFilterTab(FilterTab tab)
+{
+    if (m_filterTab == tab)
+        return;
+    beginResetModel();
+    m_filterTab = tab;
+    m_rows = matchingWebsites();
+    endResetModel();
+    Q_EMIT filterTabChanged();
+    Q_EMIT canClearChanged();
+    announceEmptyTitle();
+}
+
+void SnifferWebListModel::announceEmptyTitle()
+{
+    const QString now = emptyTitle();
+    if (std::exchange(m_announcedEmptyTitle, now) != now)
+        Q_EMIT emptyTitleChanged();
+}
+
+void SnifferWebListModel::setSearchText(const QString &text)
+{
+    if (std::exchange(m_searchText, text) == text)
+        return;
+    Q_EMIT searchTextChanged();
+    update();
+}
+
+QString SnifferWebListModel::emptyTitle() const
+{
+    if (!m_rows.isEmpty())
+        return {};
+    if (!m_searchText.trimmed().isEmpty())
+        return QStringLiteral("No websites found");
+    return m_filterTab == Saved ? QStringLiteral("No saved websites yet")
+                                : QStringLiteral("No browsing history yet");
+}
+
+QString SnifferWebListModel::emptyText() const
+{
+    if (!m_searchText.trimmed().isEmpty())
+        return {};
+    return m_filterTab == Saved
+        ? QStringLiteral("Enter a website URL above and click the Star button to save sites for "
+                         "quick access.")
+        : QStringLiteral("Websites you visit in the sniffer will appear here automatically.");
+}
+
+bool SnifferWebListModel::canClear() const
+{
+    return std::ranges::any_of(m_store.websites(), [this](const SnifferSavedWebsite &website) {
+        return m_filterTab == Saved || !website.isFavorite;
+    });
+}
+
+QString SnifferWebListModel::clearTitle() const
+{
+    return m_filterTab == Saved ? QStringLiteral("Clear Web List?")
+                                : QStringLiteral("Clear History?");
+}
+
+QString SnifferWebListModel::clearText() const
+{
+    return m_filterTab == Saved
+        ? QStringLiteral("This will permanently remove all saved websites and the history.")
+        : QStringLiteral("This will permanently remove all visited websites. Saved websites stay.");
+}
+
+void SnifferWebListModel::toggleFavorite(int row)
+{
+    if (row >= 0 && row < m_rows.size())
+        m_store.toggleFavorite(m_rows[row].id);
+}
+
+void SnifferWebListModel::remove(int row)
+{
+    if (row >= 0 && row < m_rows.size())
+        m_store.remove(m_rows[row].id);
+}
+
+void SnifferWebListModel::clear()
+{
+    m_store.removeAll(m_filterTab == History);
+}
+
+void SnifferWebListModel::exportWebsites()
+{
+    m_store.exportWebsites();
+}
+
+void SnifferWebListModel::importWebsites()
+{
+    m_store.importWebsites();
+}
+
+int SnifferWebListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+QVariant SnifferWebListModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const SnifferSavedWebsite &website = m_rows[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+    case TitleRole:
+        return website.displayTitle();
+    case AddressRole:
+        return website.urlString;
+    case IsFavoriteRole:
+        return website.isFavorite;
+    case SavedAtRole:
+        return website.savedAt;
+    case VisitsRole:
+        return visitsText(website.visitCount);
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> SnifferWebListModel::roleNames() const
+{
+    return {
+        {TitleRole, "title"},     {AddressRole, "address"}, {IsFavoriteRole, "isFavorite"},
+        {SavedAtRole, "savedAt"}, {VisitsRole, "visits"},
+    };
+}
+
+} // namespace lumaro
