@@ -164,7 +164,7 @@ void SnifferAdBlocker::load()
         m_mayStoreDomains = m_storedDomains.setAside();
         return;
     }
-    for (const QJsonValue &domain : domains) {
+    for (const auto &domain : domains) {
         // An empty one would be found in every address.
         if (const QString text = domain.toString(); !text.trimmed().isEmpty())
             m_blockedDomains.append(text);

@@ -41,7 +41,7 @@ std::optional<QString> cleanedName(const std::optional<QString> &name)
 /// What two addresses of the same playlist have in common; QUrl has lower-cased scheme and host.
 QString normalizedKey(const QUrl &url)
 {
-    return url.toString(QUrl::FullyEncoded | QUrl::RemoveFragment);
+    return url.adjusted(QUrl::RemoveFragment).toString(QUrl::FullyEncoded);
 }
 
 } // namespace

@@ -76,7 +76,7 @@ std::optional<SnifferSavedWebsite> decodedWebsite(const QJsonObject &object)
 
 QString SnifferSavedWebsite::displayTitle() const
 {
-    const QString trimmed = title.trimmed();
+    QString trimmed = title.trimmed();
     if (!trimmed.isEmpty() && trimmed != urlString)
         return trimmed;
     const QString host = QUrl(urlString).host();

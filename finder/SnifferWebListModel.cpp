@@ -134,6 +134,11 @@ QString SnifferWebListModel::clearText() const
         : QStringLiteral("This will permanently remove all visited websites. Saved websites stay.");
 }
 
+QString SnifferWebListModel::addressAt(int row) const
+{
+    return row >= 0 && row < m_rows.size() ? m_rows[row].urlString : QString();
+}
+
 void SnifferWebListModel::toggleFavorite(int row)
 {
     if (row >= 0 && row < m_rows.size())

@@ -57,6 +57,8 @@ public:
     QString clearTitle() const;
     QString clearText() const;
 
+    /// Empty when there is no such row.
+    Q_INVOKABLE QString addressAt(int row) const;
     Q_INVOKABLE void toggleFavorite(int row);
     Q_INVOKABLE void remove(int row);
     /// Removes the history; with the saved websites shown, those as well.
