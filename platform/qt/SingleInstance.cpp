@@ -122,7 +122,8 @@ SingleInstance::SingleInstance(const QString &settingsFolder, const QString &run
         settings.mkpath(QStringLiteral(".")) ? settings.canonicalPath() : settings.absolutePath();
     const QByteArray digest =
         QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha256).toHex().first(16);
-    m_socketPath = (runtimeFolder.isEmpty() ? folder : runtimeFolder) + u"/lumaro-" + QString::fromLatin1(digest) + u".socket";
+    m_socketPath = (runtimeFolder.isEmpty() ? folder : runtimeFolder) + u"/lumaro-"
+        + QString::fromLatin1(digest) + u".socket";
     m_lock = std::make_unique<Lock>(folder + u"/lock");
 }
 
