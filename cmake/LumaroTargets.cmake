@@ -64,11 +64,21 @@ function(lumaro_qml_module name)
     target_link_libraries(${name} PUBLIC lumaro_options Qt6::Quick ${arg_LINK})
 endfunction()
 
-# lumaro_test(NAME SOURCES … [LINK …]): one Qt Test executable, run without a display.
+# lumaro_test(NAME SOURCES … [LINK …]): one Qt Test executable, run without a display. Tests below a
+# folder that sets LUMARO_TEST_KIND to "e2e" drive real servers, libmpv or the whole application; the
+# others are unit tests. Each kind is a label, and a target that builds it: unit_tests, e2e_tests.
+set(LUMARO_TEST_KIND unit)
 function(lumaro_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE lumaro_options Qt6::Test ${arg_LINK})
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT 300
+        LABELS ${LUMARO_TEST_KIND}
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    if(NOT TARGET ${LUMARO_TEST_KIND}_tests)
+        add_custom_target(${LUMARO_TEST_KIND}_tests)
+    endif()
+    add_dependencies(${LUMARO_TEST_KIND}_tests ${name})
 endfunction()
