@@ -121,24 +121,14 @@ QByteArrayView titleOf(QByteArrayView line)
     return text::trimmedBlanks(title.isEmpty() ? line.first(comma) : title);
 }
 
-/// The title after the attributes is tvg-name once more, as in the playlists that are exported
-/// here: then it is the name whatever commas stand in it and before it.
-bool repeatsName(QByteArrayView line, QByteArrayView tvgName)
-{
-    constexpr QByteArrayView separator = "\",";
-    return !tvgName.isEmpty() && line.endsWith(tvgName)
-        && line.chopped(tvgName.size()).endsWith(separator);
-}
-
 } // namespace
 
 ExtInf ExtInf::read(QByteArrayView line)
 {
     const Attributes attributes(line);
-    const QByteArrayView tvgName = attributes[TvgName];
-    QByteArrayView name = repeatsName(line, tvgName) ? tvgName : titleOf(line);
+    QByteArrayView name = titleOf(line);
     if (name.isEmpty())
-        name = tvgName;
+        name = attributes[TvgName];
     return {name, attributes[TvgLogo], attributes[GroupTitle], countryOf(attributes)};
 }
 
