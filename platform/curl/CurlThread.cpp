@@ -3,6 +3,7 @@
 #include "platform/curl/CurlTransfer.h"
 
 #include <algorithm>
+#include <csignal>
 #include <utility>
 
 namespace lumaro {
@@ -16,6 +17,9 @@ CURLM *makeMulti()
     // Once in a process, before any other thread uses it.
     static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
     Q_UNUSED(initialised);
+    // What OpenSSL writes to a connection that the server has closed must not end the process.
+    static const auto previous = std::signal(SIGPIPE, SIG_IGN);
+    Q_UNUSED(previous);
     CURLM *const multi = curl_multi_init();
     curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, openConnections);
     return multi;
