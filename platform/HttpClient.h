@@ -43,8 +43,6 @@ struct HttpRequest
     /// How long the server may send nothing before the request fails.
     std::chrono::milliseconds patience = std::chrono::seconds(30);
     /// The User-Agent header (RFC 9110, section 10.1.5); empty for the client's own.
-    // GCC warns where a request leaves out a member that has no initialiser.
-    // NOLINTNEXTLINE(readability-redundant-member-init)
     QByteArray userAgent = {};
 };
 

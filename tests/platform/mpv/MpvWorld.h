@@ -1,24 +1,14 @@
 #pragma once
 
 #include "platform/mpv/MpvMediaPlayer.h"
+#include "tests/e2e/servers/ValueOrFail.h"
 
 #include <QQuickWindow>
-#include <QTest>
 
-#include <expected>
+#include <functional>
 #include <memory>
 
 namespace lumaro {
-
-/// The value of `result`; without one the running test fails and a default value is returned.
-template <typename T>
-T valueOrFail(std::expected<T, QString> result)
-{
-    if (result)
-        return std::move(*result);
-    QTest::qFail(qPrintable(result.error()), __FILE__, __LINE__);
-    return {};
-}
 
 /// libmpv as the media player, with its picture in a window on a display.
 class MpvWorld
