@@ -79,7 +79,7 @@ std::optional<QString> uniqueDestination(const QString &folder, const std::optio
         QString stem = shortened(base, maximumNameLength - ending.size());
         if (stem.isEmpty())
             stem = fallbackName();
-        const QString path = folder + u'/' + stem + ending;
+        QString path = folder + u'/' + stem + ending;
         if (!isTaken(path))
             return path;
     }

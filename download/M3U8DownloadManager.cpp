@@ -57,7 +57,7 @@ M3U8DownloadManager::M3U8DownloadManager(DownloadPlatform platform, QObject *par
 M3U8DownloadManager::~M3U8DownloadManager()
 {
     m_lifetime.request_stop();
-    for (std::stop_source &task : m_tasks)
+    for (const std::stop_source &task : std::as_const(m_tasks))
         task.request_stop();
 }
 
@@ -81,7 +81,7 @@ void M3U8DownloadManager::start(const QUrl &url, const std::optional<QString> &s
 void M3U8DownloadManager::stop(const QUrl &url)
 {
     // Ending, the job takes its own entry away.
-    std::stop_source task = m_tasks.value(keyOf(url), std::stop_source(std::nostopstate));
+    const std::stop_source task = m_tasks.value(keyOf(url), std::stop_source(std::nostopstate));
     task.request_stop();
 }
 

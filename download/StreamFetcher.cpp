@@ -115,7 +115,7 @@ Task<DownloadResult<MediaPlaylist>> StreamFetcher::resolveMediaPlaylist(QUrl url
     if (!isMaster(text->utf8))
         co_return co_await parse(*text, url, stop);
 
-    std::function<DownloadResult<QUrl>()> choose = [text, url] {
+    const std::function<DownloadResult<QUrl>()> choose = [text, url] {
         return bestVariant(text->utf8, url);
     };
     const DownloadResult<QUrl> variant = co_await inBackground(m_scheduler, choose, stop);
@@ -124,11 +124,11 @@ Task<DownloadResult<MediaPlaylist>> StreamFetcher::resolveMediaPlaylist(QUrl url
     co_return co_await fetchMediaPlaylist(*variant, stop);
 }
 
-Task<DownloadResult<MediaPlaylist>> StreamFetcher::parse(PlaylistText text, QUrl url,
+Task<DownloadResult<MediaPlaylist>> StreamFetcher::parse(const PlaylistText &text, const QUrl &url,
                                                          std::stop_token stop)
 {
     return inBackground<MediaPlaylist>(
-        m_scheduler, [text, url] { return readMedia(text.utf8, url); }, stop);
+        m_scheduler, [text, url] { return readMedia(text.utf8, url); }, std::move(stop));
 }
 
 } // namespace lumaro

@@ -38,7 +38,8 @@ public:
     Task<DownloadResult<MediaPlaylist>> resolveMediaPlaylist(QUrl url, std::stop_token stop);
 
 private:
-    Task<DownloadResult<MediaPlaylist>> parse(PlaylistText text, QUrl url, std::stop_token stop);
+    Task<DownloadResult<MediaPlaylist>> parse(const PlaylistText &text, const QUrl &url,
+                                              std::stop_token stop);
 
     HttpClient &m_http;
     Scheduler &m_scheduler;

@@ -31,7 +31,7 @@ std::optional<QString> cleanedName(const std::optional<QString> &name)
 {
     if (!name)
         return std::nullopt;
-    const QString text = name->simplified();
+    QString text = name->simplified();
     if (text.isEmpty() || !isAtMost(text, longestName)
         || text.compare(QLatin1StringView("video"), Qt::CaseInsensitive) == 0)
         return std::nullopt;

@@ -24,7 +24,7 @@ std::expected<QByteArray, WebListFileError> readBytes(const QUrl &file)
     if (!input.open(QIODevice::ReadOnly))
         return std::unexpected(WebListFileError::Unreadable);
     // The file may grow while it is read.
-    const QByteArray bytes = input.read(maximumWebListSize + 1);
+    QByteArray bytes = input.read(maximumWebListSize + 1);
     if (input.error() != QFileDevice::NoError)
         return std::unexpected(WebListFileError::Unreadable);
     if (bytes.size() > maximumWebListSize)
