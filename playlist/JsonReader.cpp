@@ -233,8 +233,11 @@ bool JsonReader::skipNumber()
         ++m_at;
     else if (!skipDigits())
         return false;
-    if (m_at != m_end && *m_at == '.' && (++m_at, !skipDigits()))
-        return false;
+    if (m_at != m_end && *m_at == '.') {
+        ++m_at;
+        if (!skipDigits())
+            return false;
+    }
     if (m_at == m_end || (*m_at | 0x20) != 'e')
         return true;
     ++m_at;

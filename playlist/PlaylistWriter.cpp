@@ -38,7 +38,7 @@ void writeAttribute(QByteArray &text, const char *name, QUtf8StringView value)
 /// The path of a file, unless that would be read as another address.
 QByteArray addressLine(QUtf8StringView address)
 {
-    const QByteArray absolute(address.data(), address.size());
+    QByteArray absolute(address.data(), address.size());
     if (!absolute.startsWith("file:"))
         return absolute;
     const QUrl url = QUrl::fromEncoded(absolute);

@@ -29,7 +29,7 @@ ContentRuleListStore::Result CompiledRuleList::compile(const QString &source)
         std::make_shared<const CompiledRuleList>(*std::move(rules))};
 }
 
-CompiledRuleList::CompiledRuleList(std::vector<ContentRule> rules)
+CompiledRuleList::CompiledRuleList(const std::vector<ContentRule> &rules)
     : m_blocking(rulesThatHide(false, rules))
     , m_hiding(rulesThatHide(true, rules))
 {

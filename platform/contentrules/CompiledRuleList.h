@@ -11,7 +11,7 @@ public:
     /// Compiles `source` as ContentRuleListStore describes it. Takes its time.
     static ContentRuleListStore::Result compile(const QString &source);
 
-    explicit CompiledRuleList(std::vector<contentrules::ContentRule> rules);
+    explicit CompiledRuleList(const std::vector<contentrules::ContentRule> &rules);
 
     bool blocks(const ContentRequest &request) const override;
     QString hidingStyleSheet(const QUrl &document, const QUrl &firstParty) const override;

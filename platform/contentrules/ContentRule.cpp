@@ -144,7 +144,8 @@ bool isSelector(const QString &text)
         if (c < u' ')
             return false;
         if (c == u'\\') {
-            if (++i == text.size() || text[i] < u' ')
+            ++i;
+            if (i == text.size() || text[i] < u' ')
                 return false;
         } else if (!quote.isNull()) {
             if (c == quote)

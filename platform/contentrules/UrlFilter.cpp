@@ -221,11 +221,11 @@ private:
             if (isRange) {
                 ++m_at;
                 const auto end = classCharacter();
-                if (!end || *end < *first)
+                if (!end || uchar(*end) < uchar(*first))
                     return std::nullopt;
                 last = *end;
             }
-            for (int c = *first; c <= last; ++c)
+            for (int c = uchar(*first); c <= uchar(last); ++c)
                 add(set, char(c));
             isEmpty = false;
         }

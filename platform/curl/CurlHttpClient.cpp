@@ -54,7 +54,9 @@ Task<CurlHttpClient::Result> CurlHttpClient::run(HttpRequest request, HttpBodySi
 
     Result result = co_await finished;
     // It may have ended in the other thread just before it was stopped here.
-    co_return stop.stop_requested() ? cancelled : std::move(result);
+    if (stop.stop_requested())
+        co_return cancelled;
+    co_return result;
 }
 
 void CurlHttpClient::finish(quint64 id, Result result)
