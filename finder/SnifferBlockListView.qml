@@ -54,8 +54,7 @@ Item {
     Text {
         id: error
 
-        anchors { left: parent.left; right: parent.right; top: field.bottom; topMargin: visible ? Theme.spacing : 0 }
-        height: visible ? implicitHeight : 0
+        anchors { left: parent.left; right: parent.right; top: field.bottom; topMargin: Theme.spacing }
         visible: text !== ""
         text: root.blockList.errorText
         textFormat: Text.PlainText
@@ -68,7 +67,10 @@ Item {
     TextField {
         id: search
 
-        anchors { left: parent.left; right: parent.right; top: error.bottom; topMargin: Theme.spacing * 2 }
+        anchors {
+            left: parent.left; right: parent.right; topMargin: Theme.spacing * 2
+            top: error.visible ? error.bottom : field.bottom
+        }
         iconName: "search"
         placeholderText: root.blockList.searchPlaceholder
         text: root.blockList.searchText

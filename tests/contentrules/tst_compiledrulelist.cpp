@@ -55,6 +55,7 @@ private Q_SLOTS:
     void refusesTooMany();
     void findsEveryRule();
     void survivesHostileAddresses();
+    void survivesDamagedRules();
 };
 
 void CompiledRuleListTest::appliesConditions_data()
@@ -291,6 +292,51 @@ void CompiledRuleListTest::survivesHostileAddresses()
     QVERIFY(!blocks(*list, u"https://"_s + u"a."_s.repeated(50'000)));
     QVERIFY(!blocks(*list, u"https://h/"_s, u"https://"_s + u"a."_s.repeated(50'000)));
     QVERIFY(!blocks(*list, u"https://h/\u0000\uffff%00%FF"_s));
+}
+
+void CompiledRuleListTest::survivesDamagedRules()
+{
+    const QString good = u'['
+        + (QStringList{
+               rule(
+                   uR"("url-filter":"^https?://(a|b+)[^x-z]\\.c*$","load-type":["third-party"])"_s),
+               rule(uR"("url-filter":".*(ads|\\/pagead/).*","if-domain":["*a.tv","b.tv"])"_s),
+               hiding(uR"("url-filter":".*","resource-type":["document","raw"])"_s,
+                      u".ad, [id^='ad_']"_s),
+           })
+              .join(u',')
+        + u']';
+    QVERIFY(CompiledRuleList::compile(good));
+    std::mt19937 random(11);
+    int compiledCount = 0;
+    for (int i = 0; i < 4000; ++i) {
+        QString bad = good;
+        for (unsigned changes = 1 + random() % 3; changes > 0; --changes) {
+            const auto at = qsizetype(random() % size_t(bad.size()));
+            switch (random() % 4) {
+            case 0:
+                bad[at] = QChar(char16_t(random() % 128));
+                break;
+            case 1:
+                bad.insert(at, QChar(u"()[]|*+?\\\"{},^$-"[random() % 16]));
+                break;
+            case 2:
+                bad.remove(at, qsizetype(random() % 4));
+                break;
+            default:
+                bad.insert(at, bad.mid(at, qsizetype(random() % 20)));
+            }
+        }
+        const auto result = CompiledRuleList::compile(bad);
+        if (!result)
+            continue;
+        ++compiledCount;
+        blocks(*result->list, u"https://b.aad.s/pagead/x?ads"_s, u"https://m.a.tv/"_s);
+        const QString sheet =
+            result->list->hidingStyleSheet(QUrl(u"https://a.tv/"_s), QUrl(u"https://a.tv/"_s));
+        QVERIFY(sheet.isEmpty() || sheet.endsWith(u" { display: none !important; }\n"_s));
+    }
+    QVERIFY(compiledCount > 100);
 }
 
 QTEST_GUILESS_MAIN(CompiledRuleListTest)
