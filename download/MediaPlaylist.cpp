@@ -1,6 +1,6 @@
 #include "download/MediaPlaylist.h"
 
-#include "download/PlaylistLines.h"
+#include "platform/Utf8Text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,7 +45,7 @@ bool isEncrypted(QByteArrayView keyLine)
 
 bool hasEncryptedSegments(const QByteArray &text)
 {
-    PlaylistLines lines(text);
+    text::Lines lines(text);
     while (const auto line = lines.next()) {
         if (line->startsWith("#EXT-X-KEY:") && isEncrypted(*line))
             return true;
@@ -121,14 +121,14 @@ QList<Variant> parseVariants(const QByteArray &text, const QUrl &baseURL)
     QList<Variant> variants;
     // Every tag before an address means that address.
     qsizetype withoutAddress = 0;
-    PlaylistLines lines(text);
+    text::Lines lines(text);
     while (const auto line = lines.next()) {
         if (line->startsWith("#EXT-X-STREAM-INF:") && variants.size() < maximumVariants) {
             const QString tag = QString::fromUtf8(*line);
             variants.append({{}, integerAttribute(u"BANDWIDTH", tag).value_or(0)});
             ++withoutAddress;
         }
-        const QByteArrayView address = trimmedLine(*line);
+        const QByteArrayView address = text::trimmed(*line);
         if (withoutAddress == 0 || address.isEmpty() || address.startsWith('#'))
             continue;
         if (const auto url = resolved(baseURL, address)) {
@@ -151,9 +151,9 @@ std::expected<MediaPlaylist, DownloadError> parseMediaPlaylist(const QByteArray 
         return std::unexpected(DownloadError::byteRangeUnsupported);
 
     MediaPlaylist playlist{.url = url, .segments = SegmentList(url), .mapURL = {}};
-    PlaylistLines lines(text);
+    text::Lines lines(text);
     while (const auto line = lines.next())
-        readLine(trimmedLine(*line), playlist);
+        readLine(text::trimmed(*line), playlist);
     if (playlist.segments.isEmpty())
         return std::unexpected(DownloadError::noSegments);
     playlist.isLive = !text.contains("#EXT-X-ENDLIST");

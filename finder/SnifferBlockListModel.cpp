@@ -1,15 +1,13 @@
 #include "finder/SnifferBlockListModel.h"
 
-#include "finder/RowUpdate.h"
-
 namespace lumaro {
 
 SnifferBlockListModel::SnifferBlockListModel(SnifferAdBlocker &blocker, QObject *parent)
-    : QAbstractListModel(parent)
+    : RowListModel(parent)
     , m_blocker(blocker)
-    , m_rows(matchingDomains())
-    , m_announcedEmptyTitle(emptyTitle())
 {
+    setRows(matchingDomains());
+    m_announcedEmptyTitle = emptyTitle();
     connect(&m_blocker, &SnifferAdBlocker::blockedDomainsChanged, this, [this] {
         update();
         Q_EMIT countChanged();
@@ -29,18 +27,7 @@ QStringList SnifferBlockListModel::matchingDomains() const
 
 void SnifferBlockListModel::update()
 {
-    const QStringList rows = matchingDomains();
-    const RowUpdate change = RowUpdate::between(m_rows, rows);
-    if (change.removed > 0) {
-        beginRemoveRows({}, change.first, change.first + change.removed - 1);
-        m_rows.remove(change.first, change.removed);
-        endRemoveRows();
-    }
-    if (change.inserted > 0) {
-        beginInsertRows({}, change.first, change.first + change.inserted - 1);
-        m_rows = rows;
-        endInsertRows();
-    }
+    setRows(matchingDomains());
     announceEmptyTitle();
 }
 
@@ -61,7 +48,7 @@ void SnifferBlockListModel::setSearchText(const QString &text)
 
 QString SnifferBlockListModel::emptyTitle() const
 {
-    if (!m_rows.isEmpty())
+    if (!rows().isEmpty())
         return {};
     return count() == 0 ? QStringLiteral("No domains in Block List.")
                         : QStringLiteral("No matching domains found.");
@@ -96,8 +83,8 @@ void SnifferBlockListModel::setErrorText(const QString &text)
 
 void SnifferBlockListModel::remove(int row)
 {
-    if (row >= 0 && row < m_rows.size())
-        m_blocker.removeDomain(QString(m_rows[row]));
+    if (row >= 0 && row < rows().size())
+        m_blocker.removeDomain(QString(rows()[row]));
 }
 
 void SnifferBlockListModel::removeAll()
@@ -105,16 +92,11 @@ void SnifferBlockListModel::removeAll()
     m_blocker.removeAllDomains();
 }
 
-int SnifferBlockListModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : int(m_rows.size());
-}
-
 QVariant SnifferBlockListModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const QString &domain = m_rows[index.row()];
+    const QString &domain = rows()[index.row()];
     switch (role) {
     case Qt::DisplayRole:
     case DomainRole:

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "finder/RowListModel.h"
 #include "finder/SnifferAdBlocker.h"
-
-#include <QAbstractListModel>
 
 namespace lumaro {
 
 /// The block-list editor: the user's blocked domains, the one added last first, filtered by a
 /// search text. Main thread.
-class SnifferBlockListModel : public QAbstractListModel
+class SnifferBlockListModel : public RowListModel<QString>
 {
     Q_OBJECT
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchTextChanged)
@@ -52,7 +51,6 @@ public:
     Q_INVOKABLE void remove(int row);
     Q_INVOKABLE void removeAll();
 
-    int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
@@ -79,7 +77,6 @@ private:
     SnifferAdBlocker &m_blocker;
     QString m_searchText;
     QString m_errorText;
-    QStringList m_rows;
     QString m_announcedEmptyTitle;
 };
 

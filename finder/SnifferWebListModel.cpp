@@ -1,7 +1,5 @@
 #include "finder/SnifferWebListModel.h"
 
-#include "finder/RowUpdate.h"
-
 #include <QLocale>
 
 #include <algorithm>
@@ -22,11 +20,11 @@ QString visitsText(qint64 count)
 } // namespace
 
 SnifferWebListModel::SnifferWebListModel(SnifferSavedWebsiteStore &store, QObject *parent)
-    : QAbstractListModel(parent)
+    : RowListModel(parent)
     , m_store(store)
-    , m_rows(matchingWebsites())
-    , m_announcedEmptyTitle(emptyTitle())
 {
+    setRows(matchingWebsites());
+    m_announcedEmptyTitle = emptyTitle();
     connect(&m_store, &SnifferSavedWebsiteStore::websitesChanged, this, [this] { update(); });
 }
 
@@ -50,18 +48,7 @@ QList<SnifferSavedWebsite> SnifferWebListModel::matchingWebsites() const
 
 void SnifferWebListModel::update()
 {
-    const QList<SnifferSavedWebsite> rows = matchingWebsites();
-    const RowUpdate change = RowUpdate::between(m_rows, rows);
-    if (change.removed > 0) {
-        beginRemoveRows({}, change.first, change.first + change.removed - 1);
-        m_rows.remove(change.first, change.removed);
-        endRemoveRows();
-    }
-    if (change.inserted > 0) {
-        beginInsertRows({}, change.first, change.first + change.inserted - 1);
-        m_rows = rows;
-        endInsertRows();
-    }
+    setRows(matchingWebsites());
     announceEmptyTitle();
     Q_EMIT canClearChanged();
 }
@@ -70,10 +57,8 @@ void SnifferWebListModel::setFilterTab(FilterTab tab)
 {
     if (m_filterTab == tab)
         return;
-    beginResetModel();
     m_filterTab = tab;
-    m_rows = matchingWebsites();
-    endResetModel();
+    resetRows(matchingWebsites());
     Q_EMIT filterTabChanged();
     Q_EMIT canClearChanged();
     announceEmptyTitle();
@@ -96,7 +81,7 @@ void SnifferWebListModel::setSearchText(const QString &text)
 
 QString SnifferWebListModel::emptyTitle() const
 {
-    if (!m_rows.isEmpty())
+    if (!rows().isEmpty())
         return {};
     if (!m_searchText.trimmed().isEmpty())
         return QStringLiteral("No websites found");
@@ -136,19 +121,19 @@ QString SnifferWebListModel::clearText() const
 
 QString SnifferWebListModel::addressAt(int row) const
 {
-    return row >= 0 && row < m_rows.size() ? m_rows[row].urlString : QString();
+    return row >= 0 && row < rows().size() ? rows()[row].urlString : QString();
 }
 
 void SnifferWebListModel::toggleFavorite(int row)
 {
-    if (row >= 0 && row < m_rows.size())
-        m_store.toggleFavorite(m_rows[row].id);
+    if (row >= 0 && row < rows().size())
+        m_store.toggleFavorite(rows()[row].id);
 }
 
 void SnifferWebListModel::remove(int row)
 {
-    if (row >= 0 && row < m_rows.size())
-        m_store.remove(m_rows[row].id);
+    if (row >= 0 && row < rows().size())
+        m_store.remove(rows()[row].id);
 }
 
 void SnifferWebListModel::clear()
@@ -166,16 +151,11 @@ void SnifferWebListModel::importWebsites()
     m_store.importWebsites();
 }
 
-int SnifferWebListModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : int(m_rows.size());
-}
-
 QVariant SnifferWebListModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const SnifferSavedWebsite &website = m_rows[index.row()];
+    const SnifferSavedWebsite &website = rows()[index.row()];
     switch (role) {
     case Qt::DisplayRole:
     case TitleRole:

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "finder/RowListModel.h"
 #include "finder/SnifferSavedWebsiteStore.h"
-
-#include <QAbstractListModel>
 
 namespace lumaro {
 
 /// The web list: saved or visited websites, filtered by a search text. Main thread.
-class SnifferWebListModel : public QAbstractListModel
+class SnifferWebListModel : public RowListModel<SnifferSavedWebsite>
 {
     Q_OBJECT
     Q_PROPERTY(FilterTab filterTab READ filterTab WRITE setFilterTab NOTIFY filterTabChanged)
@@ -66,7 +65,6 @@ public:
     Q_INVOKABLE void exportWebsites();
     Q_INVOKABLE void importWebsites();
 
-    int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
@@ -86,7 +84,6 @@ private:
     SnifferSavedWebsiteStore &m_store;
     FilterTab m_filterTab = Saved;
     QString m_searchText;
-    QList<SnifferSavedWebsite> m_rows;
     QString m_announcedEmptyTitle;
 };
 

@@ -30,7 +30,7 @@ void checkEntries(const PlaylistEntries &entries)
     }
     require(PlaylistEntries::fromList(list) == entries, "the entries are the same as a list");
     const std::optional<PlaylistEntries> saved = decodeEntries(encodeEntries(entries));
-    require(saved && saved->size() == entries.size(), "saved entries are all there again");
+    require(saved && saved->toList() == list, "saved entries are the same again");
 }
 
 void checkIndex(const PlaylistEntries &entries)
@@ -53,7 +53,10 @@ void checkIndex(const PlaylistEntries &entries)
     for (qsizetype i = 0; i < std::min(entries.size(), qsizetype(4)); ++i) {
         const QString name = ChannelIndex::shown(entries.name(i));
         require(!name.contains(u'\n'), "what is shown is one line");
-        for (const QString &needle : {name, name.toUpper(), name.mid(name.size() / 2, 3)}) {
+        // Half a character is nothing that anyone types.
+        const qsizetype middle = name.size() / 2;
+        const qsizetype start = middle - (middle > 0 && name[middle].isLowSurrogate() ? 1 : 0);
+        for (const QString &needle : {name, name.toUpper(), name.mid(start)}) {
             const std::vector<quint8> matches = index.matches(needle);
             require(matches.size() == size_t(entries.size()), "every entry is judged");
             // Upper case may say more than one thing.

@@ -5,7 +5,10 @@
 
 namespace lumaro {
 
-/// A JSON string (RFC 8259, section 7), with its quotes; for objects whose keys have an order.
+/// Adds `utf8` to `json` as a JSON string (RFC 8259, section 7), with its quotes.
+void appendJsonString(QByteArray &json, QByteArrayView utf8);
+
+/// The same, by itself.
 QByteArray jsonString(const QString &text);
 
 } // namespace lumaro

@@ -1,5 +1,7 @@
 #include "playlist/ChannelIndex.h"
 
+#include "platform/Utf8Text.h"
+
 #include <algorithm>
 
 namespace lumaro {
@@ -30,7 +32,7 @@ ChannelIndex::ChannelIndex(const PlaylistEntries &entries)
 QString ChannelIndex::shown(QUtf8StringView text)
 {
     constexpr qsizetype longest = 1000;
-    QString line = beginning(text, longest).toString();
+    QString line = text::toString(beginning(text, longest));
     std::ranges::replace_if(
         line,
         [](QChar c) {

@@ -1,5 +1,6 @@
 #include "playlist/ChannelListModel.h"
 
+#include "platform/Utf8Text.h"
 #include "playlist/ChannelTexts.h"
 
 #include <algorithm>
@@ -222,7 +223,7 @@ QVariant ChannelListModel::channelData(int entry, int role) const
         return group < 0 ? QString() : m_index->groups()[size_t(group)].title;
     }
     case CountryRole:
-        return m_entries.countryCode(entry).toString();
+        return text::toString(m_entries.countryCode(entry));
     case InitialRole:
         return initialOf(ChannelIndex::shown(m_entries.name(entry)));
     case EntryRole:

@@ -1,6 +1,6 @@
 #include "playlist/ExtInf.h"
 
-#include "playlist/PlaylistText.h"
+#include "platform/Utf8Text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,7 @@
 #include "playlist/JsonReader.h"
 
+#include "platform/Utf8Text.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -58,7 +60,7 @@ QByteArray JsonReader::String::text() const
     const char *at = raw.begin();
     while (at != raw.end()) {
         const char *const escape = std::find(at, raw.end(), '\\');
-        text += QString::fromUtf8(at, escape - at);
+        text += text::toString({at, escape});
         if (escape == raw.end())
             break;
         const bool isUnit = escape[1] == 'u';

@@ -1,7 +1,7 @@
 #include "playlist/LocalM3UForm.h"
 
+#include "platform/Utf8Text.h"
 #include "playlist/AddressReader.h"
-#include "playlist/PlaylistText.h"
 
 namespace lumaro {
 

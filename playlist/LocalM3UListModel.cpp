@@ -1,5 +1,6 @@
 #include "playlist/LocalM3UListModel.h"
 
+#include "platform/RowUpdate.h"
 #include "playlist/ChannelIndex.h"
 #include "playlist/ChannelTexts.h"
 #include "playlist/FoldedTexts.h"
@@ -113,14 +114,7 @@ void LocalM3UListModel::changeRows(const PlaylistEntries &entries, Rows rows)
     const auto isSame = [&](qint32 before, qint32 after) {
         return m_entries.isSame(before, entries, after);
     };
-    // What is the same at both ends stays; the middle is replaced.
-    const auto [oldStart, newStart] = std::ranges::mismatch(m_rows, rows, isSame);
-    const auto [oldEnd, newEnd] =
-        std::mismatch(m_rows.rbegin(), std::reverse_iterator(oldStart), rows.rbegin(),
-                      std::reverse_iterator(newStart), isSame);
-    const int first = int(oldStart - m_rows.begin());
-    const int removed = int(oldEnd.base() - oldStart);
-    const int inserted = int(newEnd.base() - newStart);
+    const auto [first, removed, inserted] = RowUpdate::between(m_rows, rows, isSame);
     const int before = matchCount();
 
     if (removed == inserted) {
@@ -131,7 +125,7 @@ void LocalM3UListModel::changeRows(const PlaylistEntries &entries, Rows rows)
     } else {
         if (removed > 0) {
             beginRemoveRows({}, first, first + removed - 1);
-            m_rows.erase(oldStart, oldEnd.base());
+            m_rows.erase(m_rows.begin() + first, m_rows.begin() + first + removed);
             endRemoveRows();
         }
         if (inserted > 0)

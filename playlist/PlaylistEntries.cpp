@@ -1,5 +1,7 @@
 #include "playlist/PlaylistEntries.h"
 
+#include "platform/Utf8Text.h"
+
 #include <QHash>
 #include <QRandomGenerator>
 
@@ -29,7 +31,7 @@ struct Record
 
 std::optional<QString> optionalText(QUtf8StringView text)
 {
-    return text.isEmpty() ? std::nullopt : std::optional(text.toString());
+    return text.isEmpty() ? std::nullopt : std::optional(text::toString(text));
 }
 
 QUrl decodeUrl(QUtf8StringView text)
@@ -145,7 +147,7 @@ PlaylistEntry PlaylistEntries::at(qsizetype index) const
     const QUtf8StringView logo = logoAddress(index);
     return {
         .id = id(index),
-        .name = name(index).toString(),
+        .name = text::toString(name(index)),
         .url = decodeUrl(address(index)),
         .logoURL = logo.isEmpty() ? std::nullopt : std::optional(decodeUrl(logo)),
         .groupTitle = optionalText(group(index)),
@@ -240,7 +242,7 @@ QUtf8StringView PlaylistEntries::groupText(int group) const
 
 QString PlaylistEntries::groupTitle(int group) const
 {
-    return groupText(group).toString();
+    return text::toString(groupText(group));
 }
 
 int PlaylistEntries::groupIndex(qsizetype index) const

@@ -1,5 +1,6 @@
 #include "playlist/PlaylistEntryCoding.h"
 
+#include "platform/JsonText.h"
 #include "playlist/AddressReader.h"
 #include "playlist/JsonReader.h"
 
@@ -11,60 +12,12 @@ namespace {
 
 using Slice = PlaylistEntriesBuilder::Slice;
 
-void writeEscaped(QByteArray &json, char c)
-{
-    constexpr char hexDigits[] = "0123456789abcdef";
-    switch (c) {
-    case '"':
-    case '\\':
-        json += '\\';
-        json += c;
-        break;
-    case '\b':
-        json += "\\b";
-        break;
-    case '\f':
-        json += "\\f";
-        break;
-    case '\n':
-        json += "\\n";
-        break;
-    case '\r':
-        json += "\\r";
-        break;
-    case '\t':
-        json += "\\t";
-        break;
-    default:
-        json += "\\u00";
-        json += hexDigits[c >> 4];
-        json += hexDigits[c & 0xf];
-    }
-}
-
-/// A JSON string (RFC 8259, section 7), with its quotes.
-void writeString(QByteArray &json, QByteArrayView text)
-{
-    const auto mustBeEscaped = [](char c) { return uchar(c) < 0x20 || c == '"' || c == '\\'; };
-    json += '"';
-    const char *at = text.begin();
-    while (true) {
-        const char *const special = std::find_if(at, text.end(), mustBeEscaped);
-        json.append(at, special - at);
-        if (special == text.end())
-            break;
-        writeEscaped(json, *special);
-        at = special + 1;
-    }
-    json += '"';
-}
-
 void writeField(QByteArray &json, const char *key, QByteArrayView value)
 {
     json += json.endsWith('{') ? "\"" : ",\"";
     json += key;
     json += "\":";
-    writeString(json, value);
+    appendJsonString(json, value);
 }
 
 void writeOptionalField(QByteArray &json, const char *key, QByteArrayView value)

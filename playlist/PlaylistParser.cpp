@@ -1,8 +1,8 @@
 #include "playlist/PlaylistParser.h"
 
+#include "platform/Utf8Text.h"
 #include "playlist/AddressReader.h"
 #include "playlist/ExtInf.h"
-#include "playlist/PlaylistText.h"
 #include "playlist/UrlPath.h"
 
 namespace lumaro {

@@ -1,7 +1,7 @@
 #include "playlist/PlaylistWriter.h"
 
+#include "platform/Utf8Text.h"
 #include "playlist/AddressReader.h"
-#include "playlist/PlaylistText.h"
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ bool endsLine(QChar c)
 /// Fit to stand between quotes and at the end of a line.
 QByteArray cleaned(QUtf8StringView text)
 {
-    QString line = text.toString();
+    QString line = text::toString(text);
     line.replace(u'"', u'\'');
     std::ranges::replace_if(line, endsLine, u' ');
     return line.toUtf8();

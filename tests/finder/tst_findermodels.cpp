@@ -1,7 +1,7 @@
-#include "finder/RowUpdate.h"
 #include "finder/SnifferBlockListModel.h"
 #include "finder/SnifferProxySettingsModel.h"
 #include "finder/SnifferWebListModel.h"
+#include "platform/RowUpdate.h"
 #include "tests/fakes/FakeContentRuleListStore.h"
 #include "tests/fakes/FakeFilePanels.h"
 #include "tests/fakes/FakeProxyConfigurationTarget.h"

@@ -98,6 +98,8 @@ void PlaylistEntryTest::restoresWhatWasEncoded_data()
     QTest::newRow("JSON's own characters")
         << u"\"\\/\b\f\n\r\t\u0001,:{}[]"_s << u"http://h/a?x=[1]&y={}"_s;
     QTest::newRow("not ASCII") << u"Первый 🇫🇷 \u2028"_s << u"http://höst/ü%20?ä#ö"_s;
+    QTest::newRow("like a byte-order mark") << u"\uFEFFNews"_s << u"http://h/a"_s;
+    QTest::newRow("mark after an escape") << u"\"\uFEFFNews"_s << u"http://h/a"_s;
     QTest::newRow("space") << u" "_s << u"http://h/a b.ts"_s;
     QTest::newRow("escapes") << u"100%"_s << u"http://u%40:p%2F@h/%2F%25?%26=%3D"_s;
     QTest::newRow("no name, file") << QString() << u"file:///tmp/x y.ts"_s;

@@ -1,6 +1,6 @@
-#include "playlist/PlaylistText.h"
+#include "platform/Utf8Text.h"
 
-#include <QString>
+#include <QStringDecoder>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
@@ -152,6 +152,12 @@ QByteArray decodeUtf8OrLatin1(QByteArray bytes)
     return QUtf8StringView(bytes).isValidUtf8() ? bytes : latin1ToUtf8(bytes);
 }
 
+QString toString(QUtf8StringView text)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(QByteArrayView(text.data(), text.size()));
+}
+
 QByteArrayView trimmed(QByteArrayView text)
 {
     while (!text.isEmpty()) {
@@ -187,7 +193,7 @@ std::optional<QByteArray> twoCharacterCode(QByteArrayView code)
     constexpr qsizetype longest = 256;
     if (code.size() > longest)
         return std::nullopt;
-    const QString upper = QString::fromUtf8(code).toUpper();
+    const QString upper = toString(code).toUpper();
     return characterCount(upper) == 2 ? std::optional(upper.toUtf8()) : std::nullopt;
 }
 

@@ -2,15 +2,20 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QString>
 
 #include <optional>
 
-/// The text rules of M3U parsing, on UTF-8 bytes: lines, white space, code points.
+/// The text rules of playlists, on UTF-8 bytes: lines, white space, code points.
 namespace lumaro::text {
 
 /// `bytes` as UTF-8 without a byte-order mark: as they are when they are UTF-8, otherwise read as
 /// ISO Latin-1, which any bytes are.
 QByteArray decodeUtf8OrLatin1(QByteArray bytes);
+
+/// All of `text`: a U+FEFF at its beginning is a character like others, where Qt's own reading
+/// takes it for a byte-order mark and drops it.
+QString toString(QUtf8StringView text);
 
 /// Without the white space and newline characters at both ends, those of Unicode included.
 QByteArrayView trimmed(QByteArrayView text);

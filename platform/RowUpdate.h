@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <algorithm>
+#include <functional>
 
 namespace lumaro {
 
@@ -13,15 +14,15 @@ struct RowUpdate
     int removed = 0;
     int inserted = 0;
 
-    template <typename List>
-    static RowUpdate between(const List &before, const List &after)
+    template <typename List, typename IsSame = std::equal_to<>>
+    static RowUpdate between(const List &before, const List &after, const IsSame &isSame = {})
     {
-        const auto [firstBefore, firstAfter] = std::ranges::mismatch(before, after);
+        const auto [firstBefore, firstAfter] = std::ranges::mismatch(before, after, isSame);
         const auto first = firstBefore - before.begin();
         qsizetype removed = before.end() - firstBefore;
         qsizetype inserted = after.end() - firstAfter;
         while (removed > 0 && inserted > 0
-               && before[first + removed - 1] == after[first + inserted - 1]) {
+               && isSame(before[first + removed - 1], after[first + inserted - 1])) {
             --removed;
             --inserted;
         }
