@@ -104,12 +104,14 @@ Recipe recipeFor(Fixture fixture)
                 hls(u"-hls_segment_type fmp4 -hls_fmp4_init_filename init.mp4 "
                     "-hls_segment_filename %v/segment%03d.m4s"_s)};
     case Fixture::LargeHls:
-        // Filler makes the bytes, for they are what counts; the picture costs little.
-        return {u"index.m3u8"_s,
-                words(testPicture(u"320x180"_s, 200) + encoding
-                      + u"-g 30 -keyint_min 30 -b:v 16M -minrate 16M -maxrate 16M -bufsize 16M "
-                        "-x264-params nal-hrd=cbr:filler=1 -f hls -hls_time 1 -hls_playlist_type "
-                        "vod -hls_segment_filename segment%03d.ts index.m3u8"_s)};
+        // As many pictures to a byte as streams have; filler makes the bytes, so that it is quickly
+        // made.
+        return {
+            u"index.m3u8"_s,
+            words(testPicture(u"320x180"_s, 1200) + encoding
+                  + u"-g 180 -keyint_min 180 -b:v 2500k -minrate 2500k -maxrate 2500k -bufsize "
+                    "2500k -x264-params nal-hrd=cbr:filler=1 -f hls -hls_time 6 "
+                    "-hls_playlist_type vod -hls_segment_filename segment%03d.ts index.m3u8"_s)};
     }
     Q_UNREACHABLE();
 }
