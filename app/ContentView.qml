@@ -20,7 +20,12 @@ FocusScope {
     required property NotificationCenter notifications
     required property Item picture
 
-    readonly property bool hasPicture: player.currentURL.toString() !== "" && shell.pictureNotice === ""
+    function holdsFocus(part: Item): bool {
+        let item = Window.activeFocusItem;
+        while (item && item !== part)
+            item = item.parent;
+        return item !== null;
+    }
 
     Item {
         id: stage
@@ -36,6 +41,13 @@ FocusScope {
 
             anchors.fill: parent
             focus: true
+            // The first step into controls that have faded brings them back.
+            Keys.onPressed: event => {
+                if (event.key !== Qt.Key_Tab && event.key !== Qt.Key_Backtab)
+                    return;
+                event.accepted = !root.shell.controlsVisible;
+                root.shell.showFullScreenControls();
+            }
             notifications: root.notifications
             picture: root.picture
             onFullScreenToggleRequested: root.shell.isFullScreen = !root.shell.isFullScreen
@@ -45,7 +57,6 @@ FocusScope {
             anchors.fill: parent
             player: root.player
             shell: root.shell
-            hasPicture: root.hasPicture
         }
 
         TopBar {
@@ -106,12 +117,14 @@ FocusScope {
         channels: root.channels
         library: root.library
         onDismissed: surface.forceActiveFocus()
+        // Keys must not go on typing into a field that nobody sees.
+        onVisibleChanged: if (!visible) surface.forceActiveFocus()
     }
 
     Binding {
         target: root.shell
         property: "controlsInUse"
-        value: controlBar.inUse || topBar.inUse
+        value: controlBar.inUse || topBar.inUse || root.holdsFocus(controlBar) || root.holdsFocus(topBar)
     }
 
     // A click on the picture ends typing, so that the keys are the player's again.

@@ -102,6 +102,7 @@ Rectangle {
                     value: root.player.isMuted ? 0 : root.player.volume
                     onMoved: root.player.setVolume(value)
                     Accessible.name: "Volume"
+                    shortcutText: "Up, Down"
                 }
             }
 

@@ -30,7 +30,11 @@ Window {
     color: "black"
     title: player.title
 
-    onVisibilityChanged: state => shell.isFullScreen = state === Window.FullScreen
+    onVisibilityChanged: state => {
+        shell.isFullScreen = state === Window.FullScreen;
+        // A pointer that lies still says nothing of itself.
+        shell.scheduleCursorHideIfNeeded(window);
+    }
 
     Connections {
         target: window.shell

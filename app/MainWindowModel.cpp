@@ -86,6 +86,13 @@ void MainWindowModel::setSidebarSection(PlayerSidebarSection section)
     Q_EMIT sidebarSectionChanged();
 }
 
+void MainWindowModel::revealSidebar(PlayerSidebarSection section)
+{
+    setIsFullScreen(false);
+    setSidebarSection(section);
+    setSidebarVisible(true);
+}
+
 void MainWindowModel::setAddressText(const QString &text)
 {
     if (m_addressText == text)
@@ -231,8 +238,7 @@ void MainWindowModel::observe(const QString &name, QObject *object)
         showFullScreenControls();
         scheduleCursorHideIfNeeded(object);
     } else if (name == notification::openLocalM3UTab) {
-        setSidebarSection(PlayerSidebarSection::localM3U);
-        setSidebarVisible(true);
+        revealSidebar(PlayerSidebarSection::localM3U);
     }
 }
 
@@ -324,6 +330,8 @@ QString MainWindowModel::noticeFor(MediaPlayer::ItemFailure failure) const
             : QStringLiteral("This address does not answer. It may be offline or out of date.");
     case MediaPlayer::ItemFailure::Unplayable:
         return QStringLiteral("There is nothing here that Lumaro can play.");
+    case MediaPlayer::ItemFailure::NoPicture:
+        return QStringLiteral("Lumaro cannot show pictures here. It needs OpenGL.");
     case MediaPlayer::ItemFailure::Unsupported:
         return QStringLiteral("Lumaro does not open addresses of this kind.");
     }

@@ -80,6 +80,9 @@ public:
     /// A playlist that arrives does not bring its section up; to be ended when it has arrived.
     void setKeepsSection(bool keeps) { m_keepsSection = keeps; }
 
+    /// Shows the sidebar with `section`; out of full screen, where there is no place for it.
+    void revealSidebar(PlayerSidebarSection section);
+
     /// Opens `text` after a pause, unless another call comes first or it is no complete address.
     void scheduleAutomaticOpen(const QString &text);
     /// Opens the address field's text at once, complete or not.
@@ -89,7 +92,7 @@ public:
 
     Q_INVOKABLE void showFullScreenControls();
     /// Hides the pointer after a pause in `window` if that is still the key window then.
-    void scheduleCursorHideIfNeeded(QObject *window);
+    Q_INVOKABLE void scheduleCursorHideIfNeeded(QObject *window);
 
     /// Opens what was dropped or named on the command line: a file or an address.
     void open(const QString &fileOrAddress, const QString &workingFolder);

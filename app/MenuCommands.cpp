@@ -36,8 +36,7 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
               [&window] { window.openFile(); }}),
         make({always(QStringLiteral("Open Address…")), QStringLiteral("Ctrl+L"),
               [&window] {
-                  window.setSidebarSection(MainWindowModel::PlayerSidebarSection::network);
-                  window.setSidebarVisible(true);
+                  window.revealSidebar(MainWindowModel::PlayerSidebarSection::network);
                   Q_EMIT window.addressFieldRequested();
               }}),
         make({always(QStringLiteral("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),

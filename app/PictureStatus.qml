@@ -9,7 +9,6 @@ Item {
 
     required property PlayerModel player
     required property MainWindowModel shell
-    required property bool hasPicture
 
     readonly property bool isIdle: player.currentURL.toString() === "" && shell.pictureNotice === ""
 

@@ -4,6 +4,8 @@
 #include <QQuickWindow>
 #include <QStyleHints>
 
+#include <cmath>
+
 namespace lumaro {
 
 PlayerHostingView::PlayerHostingView(QQuickItem *parent)
@@ -26,8 +28,15 @@ void PlayerHostingView::setPicture(QQuickItem *picture)
 
 void PlayerHostingView::mousePressEvent(QMouseEvent *event)
 {
-    m_pressPosition = event->globalPosition();
-    if (m_notifications)
+    // The second press of a double click comes as a press of its own first.
+    const auto sinceLastPress = event->timestamp() - std::exchange(m_pressTime, event->timestamp());
+    const QPointF from = std::exchange(m_pressPosition, event->globalPosition());
+    const QStyleHints &hints = *QGuiApplication::styleHints();
+    const QPointF moved = m_pressPosition - from;
+    const bool isSecond = sinceLastPress < quint64(hints.mouseDoubleClickInterval())
+        && std::max(std::abs(moved.x()), std::abs(moved.y())) < hints.mouseDoubleClickDistance();
+    m_pressWasSecond = isSecond && !m_pressWasSecond;
+    if (m_notifications && !m_pressWasSecond)
         m_notifications->post(QString::fromUtf16(notification::playerSurfaceClicked), window());
 }
 

@@ -40,6 +40,8 @@ private:
     QPointer<QQuickItem> m_picture;
     NotificationCenter *m_notifications = nullptr;
     QPointF m_pressPosition;
+    quint64 m_pressTime = 0;
+    bool m_pressWasSecond = false;
 };
 
 } // namespace lumaro

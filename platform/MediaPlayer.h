@@ -28,6 +28,7 @@ public:
     enum class ItemFailure {
         Unreachable, ///< the address did not answer, or refused
         Unplayable, ///< it answered, but not with media this player knows
+        NoPicture, ///< pictures cannot be drawn on this machine
         Unsupported, ///< an address of a kind that is not opened at all
     };
     Q_ENUM(ItemFailure)
@@ -56,7 +57,7 @@ public:
     virtual double rate() const = 0;
     virtual TimeControlStatus timeControlStatus() const = 0;
 
-    /// Seconds since the item's beginning; empty before it is known.
+    /// Seconds since the item's beginning; 0 until an item has begun, empty without one.
     virtual std::optional<double> currentTime() const = 0;
     /// Seconds; empty while unknown and for a stream without an end.
     virtual std::optional<double> duration() const = 0;

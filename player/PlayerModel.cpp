@@ -63,6 +63,7 @@ PlayerModel::~PlayerModel()
         m_platform.input.setMouseMovedHandler({});
     }
     m_remoteLoad.request_stop();
+    m_imports.request_stop();
     m_lifetime.request_stop();
 }
 
@@ -227,7 +228,7 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
     ++m_importsRunning;
     updateIsLoading();
 
-    const std::stop_token stop = m_lifetime.get_token();
+    const std::stop_token stop = m_imports.get_token();
     const auto reading = m_platform.scheduler.inBackground(
         [file] { return readPlaylistFile(file, maximumPlaylistSize); });
     const PlaylistResult result = co_await reading;
@@ -252,6 +253,9 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
 void PlayerModel::clearNetworkStream()
 {
     renewRemoteRequest();
+    std::exchange(m_imports, std::stop_source()).request_stop();
+    m_importsRunning = 0;
+    updateIsLoading();
     if (!m_playlist.isEmpty()) {
         m_playlist = {};
         Q_EMIT playlistChanged();

@@ -60,6 +60,16 @@ class PlayerModel : public QObject
     /// The passing notice over the picture; empty for none.
     Q_PROPERTY(QString toastMessage READ toastMessage NOTIFY toastMessageChanged)
     Q_PROPERTY(QUrl currentURL READ currentURL NOTIFY currentURLChanged)
+    Q_PROPERTY(lumaro::PlaylistEntries playlist READ playlist NOTIFY playlistChanged)
+    /// Renewed on every load of a platform item.
+    Q_PROPERTY(QUuid mediaLoadID READ mediaLoadID NOTIFY mediaLoadIDChanged)
+    /// The load for which videoAspectRatio was measured; null for none.
+    Q_PROPERTY(QUuid videoAspectMediaLoadID READ videoAspectMediaLoadID NOTIFY
+                   videoAspectMediaLoadIDChanged)
+    Q_PROPERTY(std::optional<lumaro::YouTubeContent> youtubeContent READ youtubeContent NOTIFY
+                   youtubeContentChanged)
+    Q_PROPERTY(std::optional<lumaro::OKVideoContent> okVideoContent READ okVideoContent NOTIFY
+                   okVideoContentChanged)
 
 public:
     /// The longest playlist that is read, in bytes; a longer one is refused.
@@ -82,9 +92,7 @@ public:
     double volume() const { return m_volume; }
     bool isMuted() const { return m_isMuted; }
     double videoAspectRatio() const { return m_videoAspectRatio; }
-    /// Renewed on every load of a platform item.
     QUuid mediaLoadID() const { return m_mediaLoadID; }
-    /// The load for which videoAspectRatio was measured; null for none.
     QUuid videoAspectMediaLoadID() const { return m_videoAspectMediaLoadID; }
     bool isLiveStream() const { return m_isLiveStream; }
     bool isBuffering() const { return m_isBuffering; }
@@ -188,6 +196,7 @@ private:
 
     PlayerPlatform m_platform;
     std::stop_source m_lifetime;
+    std::stop_source m_imports;
 
     QString m_title;
     QString m_errorMessage;

@@ -47,15 +47,22 @@ std::expected<PlaylistEntries, QString> readPlaylistFile(const QUrl &file, qint6
     if (!info.isFile())
         return std::unexpected(QStringLiteral("It is not a file."));
 
-    if (info.size() > maximumSize)
-        return std::unexpected(QStringLiteral("The file is too large for a playlist."));
-
+    // What its size says need not be what comes.
     QFile input(path);
     QByteArray bytes;
-    if (input.open(QIODevice::ReadOnly))
-        bytes = input.readAll();
+    if (input.open(QIODevice::ReadOnly)) {
+        constexpr qint64 pieceSize = 1024 * 1024;
+        while (bytes.size() <= maximumSize && !input.atEnd()) {
+            const QByteArray piece = input.read(pieceSize);
+            if (piece.isEmpty())
+                break;
+            bytes += piece;
+        }
+    }
     if (input.error() != QFileDevice::NoError)
         return std::unexpected(QStringLiteral("The file could not be read."));
+    if (bytes.size() > maximumSize)
+        return std::unexpected(QStringLiteral("The file is too large for a playlist."));
 
     return readPlaylist(bytes, file);
 }

@@ -3,7 +3,7 @@ import Lumaro.Ui
 
 // The position in what plays, and the way to another one. `value` may be bound to the player's
 // position: while the user drags, the bar follows the pointer; from release on it keeps the
-// committed place until `value` changes.
+// committed place until `value` changes, or has had its time to.
 //   from, to, value      the range and the position, in seconds
 //   bufferedEnd          up to where the media is buffered, in seconds
 //   live                 plays at the live edge: no handle until the bar is pointed at
@@ -74,6 +74,7 @@ Item {
         function hold(v: real): void {
             heldValue = v;
             held = true;
+            patience.restart();
         }
         function dragTo(x: real): void {
             const v = root.valueAt(x);
@@ -97,6 +98,14 @@ Item {
             root.committed(heldValue);
         }
         onCanceled: dragging = false
+
+        // What was committed may have been refused.
+        Timer {
+            id: patience
+
+            interval: 1000
+            onTriggered: pointer.held = false
+        }
         onEnabledChanged: if (!enabled) dragging = false
     }
 

@@ -6,10 +6,12 @@ import Lumaro.Ui
 // `stepSize`; the value may be bound, dragging does not break the binding.
 //   from, to, value, stepSize   as usual; moved() is emitted while the user changes the value
 //   onOverlay                   lies over the picture
+//   shortcutText                its keys, shown with its accessible name in the tool tip
 T.Slider {
     id: control
 
     property bool onOverlay: false
+    property string shortcutText
     readonly property color fill: onOverlay ? Theme.textOnOverlay : Theme.accent
 
     implicitWidth: 96
@@ -21,6 +23,9 @@ T.Slider {
     hoverEnabled: true
     wheelEnabled: true
     opacity: enabled ? 1 : 0.38
+
+    onHoveredChanged: hovered ? ToolTips.show(control, Accessible.name, shortcutText) : ToolTips.hide(control)
+    onPressedChanged: if (pressed) ToolTips.hide(control)
 
     background: Item {
         Rectangle {

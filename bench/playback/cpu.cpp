@@ -104,8 +104,8 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     const QCommandLineOption secondsOption(u"seconds"_s, u"How long each plays, at most 65."_s,
-                                           u"N"_s, u"20"_s);
-    const QCommandLineOption roundsOption(u"rounds"_s, u"How often each plays."_s, u"N"_s, u"3"_s);
+                                           u"N"_s, u"60"_s);
+    const QCommandLineOption roundsOption(u"rounds"_s, u"How often each plays."_s, u"N"_s, u"1"_s);
     parser.addOptions({secondsOption, roundsOption});
     parser.addHelpOption();
     parser.addPositionalArgument(u"app"_s, u"Lumaro's program file."_s);

@@ -162,6 +162,12 @@ void MpvMediaPlayer::setRendererReady()
     openPendingItem();
 }
 
+void MpvMediaPlayer::setRendererFailed()
+{
+    m_rendererFailed = true;
+    openPendingItem();
+}
+
 void MpvMediaPlayer::notifyFrame()
 {
     Q_EMIT frameReady();
@@ -177,20 +183,21 @@ void MpvMediaPlayer::replaceItem(const QUrl &url)
     m_pictureSize = {};
     openPendingItem();
     updateStatus();
+    notifyTimeObserver();
 }
 
 void MpvMediaPlayer::openPendingItem()
 {
     if (!m_itemIsPending)
         return;
-    if (!m_core || !isOpenable(m_item)) {
+    if (!m_core || m_rendererFailed || !isOpenable(m_item)) {
         m_itemIsPending = false;
         // The caller has not finished opening yet; the news must not overtake it.
         QMetaObject::invokeMethod(
             this,
             [this, item = m_itemNumber] {
                 if (item == m_itemNumber)
-                    fail(ItemFailure::Unsupported);
+                    fail(isOpenable(m_item) ? ItemFailure::NoPicture : ItemFailure::Unsupported);
             },
             Qt::QueuedConnection);
         return;
@@ -293,7 +300,9 @@ void MpvMediaPlayer::setMuted(bool muted)
 
 std::optional<double> MpvMediaPlayer::currentTime() const
 {
-    return m_state.pendingSeek ? m_state.pendingSeek : m_state.time;
+    if (!hasItem())
+        return std::nullopt;
+    return m_state.pendingSeek ? *m_state.pendingSeek : m_state.time.value_or(0);
 }
 
 std::optional<double> MpvMediaPlayer::duration() const

@@ -44,6 +44,8 @@ public:
     const std::shared_ptr<MpvCore> &core() const { return m_core; }
     /// Told by the video item, before its first frame: pictures have somewhere to go.
     void setRendererReady();
+    /// Told instead when nothing can be drawn here; every item fails.
+    void setRendererFailed();
     /// Told by libmpv on one of its threads.
     void notifyFrame();
 
@@ -126,6 +128,7 @@ private:
     std::shared_ptr<MpvCore> m_core;
     std::atomic<bool> m_eventsPending = false;
     bool m_rendererReady = false;
+    bool m_rendererFailed = false;
 
     QUrl m_item;
     bool m_itemIsPending = false;

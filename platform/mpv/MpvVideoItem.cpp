@@ -74,6 +74,8 @@ private:
         };
         if (mpv_render_context_create(&m_context, m_core->handle(), parameters) < 0) {
             m_context = nullptr;
+            QMetaObject::invokeMethod(m_player, &MpvMediaPlayer::setRendererFailed,
+                                      Qt::QueuedConnection);
             return;
         }
         mpv_render_context_set_update_callback(

@@ -76,8 +76,12 @@ void PlayerHostingViewTest::clicksAreToldWithTheirWindow()
 void PlayerHostingViewTest::doubleClickAsksForFullScreen()
 {
     const QSignalSpy asked(m_view, &PlayerHostingView::fullScreenToggleRequested);
+    const QSignalSpy posted(&m_notifications, &NotificationCenter::posted);
     QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, {50, 50});
     QCOMPARE(asked.count(), 1);
+    QCOMPARE(posted.count(), 1);
+    QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, {50, 50});
+    QCOMPARE(posted.count(), 2);
     QTest::mouseDClick(m_window.get(), Qt::RightButton, {}, {50, 50});
     QCOMPARE(asked.count(), 1);
 }

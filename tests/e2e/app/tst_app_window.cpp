@@ -20,6 +20,8 @@ private Q_SLOTS:
     void typedAddressOpensByItself();
     void keysDriveThePlayer();
     void typingIsNotForThePlayer();
+    void fullScreenTakesTheKeysFromTheSidebar();
+    void keyboardReachesTheFadedControls();
     void doubleClickTogglesFullScreen();
     void clickOnThePictureEndsTyping();
     void dropsPlay_data();
@@ -94,6 +96,34 @@ void AppWindowTest::typingIsNotForThePlayer()
     QVERIFY(m_world->player().isPlaying());
     QVERIFY(!m_world->shell().isFullScreen());
     QCOMPARE(m_world->shell().addressText(), u"f k"_s);
+}
+
+void AppWindowTest::fullScreenTakesTheKeysFromTheSidebar()
+{
+    m_world->open(m_movie);
+    QVERIFY(m_world->playsTo(0.2));
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    m_world->press(Qt::Key_F11);
+    QVERIFY(m_world->shell().isFullScreen());
+    m_world->press(Qt::Key_Space);
+    QVERIFY(!m_world->player().isPlaying());
+    QCOMPARE(m_world->shell().addressText(), QString());
+
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    QVERIFY(!m_world->shell().isFullScreen());
+    m_world->type(u"a b"_s);
+    QCOMPARE(m_world->shell().addressText(), u"a b"_s);
+}
+
+void AppWindowTest::keyboardReachesTheFadedControls()
+{
+    m_world->open(m_movie);
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return !m_world->shell().controlsVisible(); }));
+    m_world->press(Qt::Key_Tab);
+    QVERIFY(m_world->shell().controlsVisible());
+    m_world->press(Qt::Key_Tab);
+    QVERIFY(becomesTrue([&] { return m_world->shell().controlsInUse(); }));
 }
 
 void AppWindowTest::doubleClickTogglesFullScreen()

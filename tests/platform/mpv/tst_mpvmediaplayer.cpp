@@ -63,6 +63,7 @@ private Q_SLOTS:
     void seeksExactlyWhilePaused();
     void positionNeverFallsBackWhileSeeksFollowEachOther();
     void pausesAtTheEndAndBeginsAnew();
+    void newItemBeginsAtZero();
     void lastOfManyItemsPlays();
     void tellsWhyItCannotPlay_data();
     void tellsWhyItCannotPlay();
@@ -290,6 +291,23 @@ void MpvMediaPlayerTest::pausesAtTheEndAndBeginsAnew()
     QVERIFY(becomesTrue([&] { return isNear(player().currentTime(), 5); }));
     QCOMPARE(player().rate(), 0);
     QCOMPARE(m_world->failures.size(), 0);
+}
+
+void MpvMediaPlayerTest::newItemBeginsAtZero()
+{
+    m_world->open(file(Fixture::Movie));
+    QVERIFY(m_world->playsTo(0.5));
+    std::optional<double> told;
+    std::optional<double> length;
+    player().setPeriodicTimeObserver(1h, [&] {
+        told = player().currentTime();
+        length = player().duration();
+    });
+    m_faults->hold("/never");
+    m_world->open(m_faults->url("/never"));
+    QCOMPARE(told, 0);
+    QVERIFY(!length);
+    player().setPeriodicTimeObserver(1h, {});
 }
 
 void MpvMediaPlayerTest::lastOfManyItemsPlays()
