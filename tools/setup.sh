@@ -15,6 +15,7 @@ build_packages=(
 )
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
+    microsocks tinyproxy-bin
 )
 fuzz_packages=(clang-19 libclang-rt-19-dev)
 bench_packages=(mpv libx11-dev libxext-dev nodejs curl yt-dlp)

@@ -49,7 +49,7 @@ Task<CurlHttpClient::Result> CurlHttpClient::run(HttpRequest request, HttpBodySi
     const quint64 id = ++m_lastId;
     const OneShot<Result> finished;
     m_waiting.emplace(id, finished);
-    m_thread->start(id, std::move(request), std::move(sink));
+    m_thread->start(id, std::move(request), std::move(sink), m_proxy);
     const std::stop_callback whenStopped(stop, [this, id] { m_thread->cancel(id); });
 
     Result result = co_await finished;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/HttpClient.h"
+#include "platform/ProxyConfiguration.h"
 
 #include <QObject>
 
 #include <memory>
+#include <optional>
 #include <unordered_map>
 
 namespace lumaro {
@@ -21,6 +23,10 @@ public:
     /// Ends what still runs as cancelled.
     ~CurlHttpClient() override;
 
+    /// The way for requests that begin from now on, but those to this machine; with none, the one
+    /// that the environment names (curl(1), "Environment").
+    void setProxy(std::optional<ProxyConfiguration> proxy) { m_proxy = std::move(proxy); }
+
     Task<std::expected<HttpResponse, HttpError>> get(HttpRequest request,
                                                      std::stop_token stop) override;
     Task<std::expected<HttpResponse, HttpError>> stream(HttpRequest request, HttpBodySink sink,
@@ -34,6 +40,7 @@ private:
     void finish(quint64 id, Result result);
 
     QByteArray m_userAgent;
+    std::optional<ProxyConfiguration> m_proxy;
     quint64 m_lastId = 0;
     std::unordered_map<quint64, OneShot<Result>> m_waiting;
     /// What the thread still sends is dropped when this is gone.

@@ -41,15 +41,17 @@ CurlThread::~CurlThread()
     m_thread.join();
 }
 
-void CurlThread::start(quint64 id, HttpRequest request, HttpBodySink sink)
+void CurlThread::start(quint64 id, HttpRequest request, HttpBodySink sink,
+                       std::optional<ProxyConfiguration> proxy)
 {
-    post([this, id, request = std::move(request), sink = std::move(sink)] {
-        auto transfer = std::make_unique<CurlTransfer>(id, request, sink);
-        if (const auto prepared = transfer->prepare(); !prepared)
-            return m_finished(id, std::unexpected(prepared.error()));
-        curl_multi_add_handle(m_multi.get(), transfer->easy());
-        m_transfers.emplace(id, std::move(transfer));
-    });
+    post(
+        [this, id, request = std::move(request), sink = std::move(sink), proxy = std::move(proxy)] {
+            auto transfer = std::make_unique<CurlTransfer>(id, request, sink, proxy);
+            if (const auto prepared = transfer->prepare(); !prepared)
+                return m_finished(id, std::unexpected(prepared.error()));
+            curl_multi_add_handle(m_multi.get(), transfer->easy());
+            m_transfers.emplace(id, std::move(transfer));
+        });
 }
 
 void CurlThread::cancel(quint64 id)

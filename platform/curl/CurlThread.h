@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/HttpClient.h"
+#include "platform/ProxyConfiguration.h"
 
 #include <curl/curl.h>
 
@@ -8,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -30,7 +32,8 @@ public:
     CurlThread &operator=(const CurlThread &) = delete;
 
     /// From any thread. Without a sink the body becomes part of the response.
-    void start(quint64 id, HttpRequest request, HttpBodySink sink);
+    void start(quint64 id, HttpRequest request, HttpBodySink sink,
+               std::optional<ProxyConfiguration> proxy);
     /// From any thread; does nothing when the transfer has ended.
     void cancel(quint64 id);
 

@@ -44,10 +44,12 @@ HttpError::Kind errorKind(CURLcode code)
 
 } // namespace
 
-CurlTransfer::CurlTransfer(quint64 id, HttpRequest request, HttpBodySink sink)
+CurlTransfer::CurlTransfer(quint64 id, HttpRequest request, HttpBodySink sink,
+                           std::optional<ProxyConfiguration> proxy)
     : m_id(id)
     , m_request(std::move(request))
     , m_sink(std::move(sink))
+    , m_proxy(std::move(proxy))
     , m_easy(curl_easy_init(), &curl_easy_cleanup)
 {
 }
@@ -85,9 +87,30 @@ std::expected<void, HttpError> CurlTransfer::prepare()
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
     set(CURLOPT_HEADERDATA, this);
+    if (m_proxy)
+        setProxy();
     m_lastSign = Clock::now();
     m_received = 0;
     return {};
+}
+
+void CurlTransfer::setProxy()
+{
+    using Protocol = ProxyConfiguration::Protocol;
+    const auto set = [this](CURLoption option, auto value) {
+        curl_easy_setopt(m_easy.get(), option, value);
+    };
+    set(CURLOPT_PROXY, m_proxy->host.toUtf8().constData());
+    set(CURLOPT_PROXYPORT, long(m_proxy->port));
+    // Names are for the proxy to find.
+    set(CURLOPT_PROXYTYPE,
+        long(m_proxy->protocol == Protocol::Socks5 ? CURLPROXY_SOCKS5_HOSTNAME : CURLPROXY_HTTP));
+    // What runs on this machine is not for a proxy.
+    set(CURLOPT_NOPROXY, "localhost,127.0.0.1,::1");
+    if (m_proxy->credential) {
+        set(CURLOPT_PROXYUSERNAME, m_proxy->credential->username.toUtf8().constData());
+        set(CURLOPT_PROXYPASSWORD, m_proxy->credential->password.toUtf8().constData());
+    }
 }
 
 bool CurlTransfer::isRedirect() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/HttpClient.h"
+#include "platform/ProxyConfiguration.h"
 
 #include <curl/curl.h>
 
@@ -17,7 +18,8 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Without a sink the body becomes part of the response.
-    CurlTransfer(quint64 id, HttpRequest request, HttpBodySink sink);
+    CurlTransfer(quint64 id, HttpRequest request, HttpBodySink sink,
+                 std::optional<ProxyConfiguration> proxy);
     CurlTransfer(const CurlTransfer &) = delete;
     CurlTransfer &operator=(const CurlTransfer &) = delete;
     ~CurlTransfer() = default;
@@ -42,6 +44,7 @@ public:
 private:
     static size_t onBody(char *bytes, size_t size, size_t count, void *transfer);
     static size_t onHeader(char *bytes, size_t size, size_t count, void *transfer);
+    void setProxy();
     bool take(QByteArrayView bytes);
     int status() const;
     std::optional<QByteArray> location() const;
@@ -49,6 +52,7 @@ private:
     quint64 m_id = 0;
     HttpRequest m_request;
     HttpBodySink m_sink;
+    std::optional<ProxyConfiguration> m_proxy;
     std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_easy;
     Clock::time_point m_lastSign;
     QByteArray m_body;

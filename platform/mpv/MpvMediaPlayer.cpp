@@ -173,6 +173,15 @@ void MpvMediaPlayer::notifyFrame()
     Q_EMIT frameReady();
 }
 
+void MpvMediaPlayer::setHttpProxy(const QUrl &proxy)
+{
+    if (!m_core)
+        return;
+    const QByteArray address = proxy.toEncoded();
+    const char *value = address.constData();
+    mpv_set_property_async(m_core->handle(), 0, "http-proxy", MPV_FORMAT_STRING, &value);
+}
+
 void MpvMediaPlayer::replaceItem(const QUrl &url)
 {
     m_item = url;

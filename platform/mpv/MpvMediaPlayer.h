@@ -49,6 +49,9 @@ public:
     /// Told by libmpv on one of its threads.
     void notifyFrame();
 
+    /// The HTTP proxy for items opened from now on; empty for the one that the environment names.
+    void setHttpProxy(const QUrl &proxy);
+
     void replaceItem(const QUrl &url) override;
     void removeItem() override;
     bool hasItem() const override { return !m_item.isEmpty(); }

@@ -1,6 +1,7 @@
 #include "platform/curl/CurlHttpClient.h"
 #include "tests/e2e/servers/FaultServer.h"
 #include "tests/e2e/servers/NginxServer.h"
+#include "tests/e2e/servers/RunningRequest.h"
 #include "tests/e2e/servers/ValueOrFail.h"
 
 #include <QTcpServer>
@@ -15,6 +16,7 @@ using namespace lumaro;
 
 using Kind = HttpError::Kind;
 using Result = std::expected<HttpResponse, HttpError>;
+using Started = RunningRequest;
 
 Q_DECLARE_METATYPE(lumaro::FaultResponse)
 Q_DECLARE_METATYPE(std::optional<lumaro::HttpError::Kind>)
@@ -28,25 +30,6 @@ std::optional<Kind> errorOf(const Result &result)
 {
     return result ? std::nullopt : std::optional(result.error().kind);
 }
-
-/// A request under way, and what came of it.
-class Started
-{
-public:
-    explicit Started(Task<Result> task) { watch(std::move(task)); }
-
-    bool isFinished() const { return m_outcome->has_value(); }
-    const Result &result() const { return **m_outcome; }
-
-private:
-    void watch(Task<Result> task)
-    {
-        std::move(task).then(
-            [outcome = m_outcome](Result result) { outcome->emplace(std::move(result)); });
-    }
-
-    std::shared_ptr<std::optional<Result>> m_outcome = std::make_shared<std::optional<Result>>();
-};
 
 /// A port of this machine where nobody listens.
 QUrl refusingAddress()

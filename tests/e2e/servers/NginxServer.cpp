@@ -31,6 +31,8 @@ http {
     scgi_temp_path temporary/scgi;
     log_format line '$request_method $request_uri $status';
     access_log access.log line;
+    log_format source '$remote_addr $request_uri';
+    access_log sources.log source;
     absolute_redirect off;
     default_type application/octet-stream;
     types {
@@ -172,6 +174,14 @@ QStringList NginxServer::accessLog() const
     QStringList lines =
         readText(m_folder.filePath(u"access.log"_s)).split(u'\n', Qt::SkipEmptyParts);
     lines.removeIf([](const QString &line) { return line.startsWith(u"GET /server-folder "); });
+    return lines;
+}
+
+QStringList NginxServer::sources() const
+{
+    QStringList lines =
+        readText(m_folder.filePath(u"sources.log"_s)).split(u'\n', Qt::SkipEmptyParts);
+    lines.removeIf([](const QString &line) { return line.endsWith(u" /server-folder"); });
     return lines;
 }
 

@@ -39,6 +39,8 @@ public:
     /// One line for each answer given completely or broken off: "GET /movie.mp4?x 206". It appears
     /// when the answer has ended, so wait for it.
     QStringList accessLog() const;
+    /// The same as where each request came from: "127.0.0.1 /movie.mp4?x".
+    QStringList sources() const;
 
 private:
     NginxServer() = default;

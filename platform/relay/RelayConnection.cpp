@@ -1,0 +1,156 @@
+#include "platform/relay/RelayConnection.h"
+
+#include <QHostAddress>
+#include <QNetworkProxy>
+
+#include <chrono>
+
+namespace lumaro {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// For the head to come and the connection onwards to stand.
+constexpr std::chrono::milliseconds patience = 30s;
+/// What may wait in each direction, in bytes.
+constexpr qint64 bufferSize = 256 * 1024;
+
+bool isThisMachine(const QString &host)
+{
+    return host == u"localhost" || host.endsWith(u".localhost") || QHostAddress(host).isLoopback();
+}
+
+} // namespace
+
+RelayConnection::RelayConnection(QTcpSocket *client, std::optional<ProxyConfiguration> upstream,
+                                 QObject *parent)
+    : QObject(parent)
+    , m_client(*client)
+    , m_upstream(std::move(upstream))
+{
+    client->setParent(this);
+    m_client.setReadBufferSize(bufferSize);
+    m_onward.setReadBufferSize(bufferSize);
+    m_patience.setSingleShot(true);
+    m_patience.callOnTimeout(this, [this] { refuse("504 Gateway Timeout"); });
+    m_patience.start(patience);
+
+    connect(&m_client, &QTcpSocket::readyRead, this, &RelayConnection::readHead);
+    connect(&m_client, &QTcpSocket::disconnected, this, &QObject::deleteLater);
+    connect(&m_onward, &QTcpSocket::connected, this, &RelayConnection::greet);
+    connect(&m_onward, &QTcpSocket::readyRead, this, &RelayConnection::shakeHands);
+    connect(&m_onward, &QTcpSocket::errorOccurred, this, [this] {
+        if (!m_passes)
+            refuse("502 Bad Gateway");
+    });
+    for (QTcpSocket *socket : {&m_client, &m_onward}) {
+        connect(socket, &QTcpSocket::readyRead, this, &RelayConnection::passAll);
+        connect(socket, &QTcpSocket::bytesWritten, this, &RelayConnection::passAll);
+    }
+    connect(&m_onward, &QTcpSocket::disconnected, this, &RelayConnection::passAll);
+    readHead();
+}
+
+void RelayConnection::readHead()
+{
+    if (m_request || m_passes)
+        return;
+    m_received += m_client.readAll();
+    const qsizetype end = m_received.indexOf("\r\n\r\n");
+    if (end < 0) {
+        if (m_received.size() > ProxyRequestHead::maximumSize)
+            refuse("431 Request Header Fields Too Large");
+        return;
+    }
+    const qsizetype size = end + 4;
+    m_request = ProxyRequestHead::read(QByteArrayView(m_received).first(size));
+    m_received.remove(0, size);
+    if (m_request)
+        connectOnwards();
+    else
+        refuse("400 Bad Request");
+}
+
+void RelayConnection::connectOnwards()
+{
+    using Protocol = ProxyConfiguration::Protocol;
+
+    // Qt would otherwise come back here.
+    m_onward.setProxy(QNetworkProxy::NoProxy);
+    if (!m_upstream || isThisMachine(m_request->host())) {
+        m_onward.connectToHost(m_request->host(), m_request->port());
+        return;
+    }
+    m_asksProxy = m_upstream->protocol == Protocol::HttpConnect;
+    if (!m_asksProxy)
+        m_handshake.emplace(m_request->host(), m_request->port(), m_upstream->credential);
+    m_onward.connectToHost(m_upstream->host, m_upstream->port);
+}
+
+void RelayConnection::greet()
+{
+    if (m_handshake)
+        m_onward.write(m_handshake->takeOutput());
+    else
+        begin();
+}
+
+void RelayConnection::shakeHands()
+{
+    constexpr qint64 longestAnswer = 512;
+    if (!m_handshake || m_passes)
+        return;
+    m_onward.skip(m_handshake->read(m_onward.peek(longestAnswer)));
+    m_onward.write(m_handshake->takeOutput());
+    if (m_handshake->state() == Socks5Handshake::State::Done)
+        begin();
+    else if (m_handshake->state() == Socks5Handshake::State::Failed)
+        refuse("502 Bad Gateway");
+}
+
+void RelayConnection::begin()
+{
+    m_patience.stop();
+    m_passes = true;
+    if (m_asksProxy)
+        m_onward.write(m_request->forProxy(m_upstream->credential));
+    else if (m_request->isTunnel())
+        m_client.write("HTTP/1.1 200 Connection established\r\n\r\n");
+    else
+        m_onward.write(m_request->forServer());
+    m_onward.write(m_received);
+    m_received.clear();
+    passAll();
+}
+
+void RelayConnection::refuse(const QByteArray &status)
+{
+    m_patience.stop();
+    m_passes = false;
+    m_onward.disconnect(this);
+    m_onward.abort();
+    m_client.write("HTTP/1.1 " + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+    m_client.disconnectFromHost();
+}
+
+void RelayConnection::passAll()
+{
+    if (!m_passes)
+        return;
+    pass(m_client, m_onward);
+    pass(m_onward, m_client);
+    if (m_onward.state() == QAbstractSocket::UnconnectedState && m_onward.bytesAvailable() == 0)
+        m_client.disconnectFromHost();
+}
+
+void RelayConnection::pass(QTcpSocket &from, QTcpSocket &to)
+{
+    constexpr qint64 pieceSize = 64 * 1024;
+    if (to.state() != QAbstractSocket::ConnectedState)
+        return;
+    while (from.bytesAvailable() > 0 && to.bytesToWrite() < bufferSize)
+        to.write(from.read(pieceSize));
+}
+
+} // namespace lumaro
