@@ -33,6 +33,8 @@ Application::Application(const Folders &folders)
     // libmpv requires it, and the application object has just set the user's locale.
     // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
     , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
+    , m_proxyRoute(m_http, &m_mediaPlayer)
+    , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)

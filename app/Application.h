@@ -5,7 +5,9 @@
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
+#include "app/ProxyRoute.h"
 #include "app/TransportModel.h"
+#include "finder/SnifferProxyManager.h"
 #include "platform/NotificationCenter.h"
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/mpv/MpvMediaPlayer.h"
@@ -56,6 +58,7 @@ public:
     DownloadsModel &downloads() { return m_downloads; }
     ChannelListModel &channels() { return m_channels; }
     LocalM3UStore &library() { return m_library; }
+    SnifferProxyManager &proxy() { return m_proxy; }
     LocalM3UModel &librarySection() { return m_librarySection; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
@@ -69,6 +72,8 @@ private:
     QtWorkspace m_workspace;
     QtInputMonitor m_input;
     MpvMediaPlayer m_mediaPlayer;
+    ProxyRoute m_proxyRoute;
+    SnifferProxyManager m_proxy;
     YouTubePlayerRegistry m_youTube;
     OKVideoPlayerRegistry m_okVideo;
     PlayerModel m_player;

@@ -8,6 +8,8 @@ namespace lumaro {
 TerminalApplication::TerminalApplication(const Application::Folders &folders)
     : m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
     , m_defaults(folders.settings)
+    , m_proxyRoute(m_http, nullptr)
+    , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
     , m_downloads({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_download(m_downloads, m_scheduler, m_terminal)
 {

@@ -25,6 +25,8 @@ private:
     FileUserDefaults m_defaults;
     QuickFilePanels m_panels;
     QtWorkspace m_workspace;
+    ProxyRoute m_proxyRoute;
+    SnifferProxyManager m_proxy;
     PosixTerminal m_terminal;
     M3U8DownloadManager m_downloads;
     TerminalDownload m_download;

@@ -32,6 +32,7 @@ public:
     ChannelListModel &channels() { return m_application->channels(); }
     LocalM3UStore &library() { return m_application->library(); }
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
+    SnifferProxyManager &proxy() { return m_application->proxy(); }
     QQuickWindow &window() { return *m_window; }
     void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
 

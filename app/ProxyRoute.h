@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/ProxyConfiguration.h"
+#include "platform/relay/ProxyRelay.h"
+
+namespace lumaro {
+
+class CurlHttpClient;
+class MpvMediaPlayer;
+
+/// Sends whatever this process loads through one proxy: the HTTP client's requests, what the
+/// player plays, and what Qt fetches.
+class ProxyRoute final : public ProxyConfigurationTarget
+{
+public:
+    /// The arguments outlive the route. Without a player only the HTTP client is led.
+    ProxyRoute(CurlHttpClient &http, MpvMediaPlayer *player);
+
+    void setProxyConfigurations(const QList<ProxyConfiguration> &configurations) override;
+
+private:
+    void lead(const std::optional<ProxyConfiguration> &proxy);
+
+    CurlHttpClient &m_http;
+    MpvMediaPlayer *m_player;
+    /// Stays when there is no proxy any more, for what still plays through it.
+    std::optional<ProxyRelay> m_relay;
+};
+
+} // namespace lumaro
