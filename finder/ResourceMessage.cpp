@@ -43,12 +43,11 @@ std::optional<ResourceMessage> ResourceMessageReader::read(QStringView handler,
     const auto address =
         stringValue(isDictionary ? fields.value(QStringLiteral("url")) : body).value_or(QString());
     auto title = stringValue(fields.value(QStringLiteral("title")));
-    if (!admit(address.size() + (title ? title->size() : 0)))
-        return std::nullopt;
     if (address.size() > maximumAddressLength)
         return std::nullopt;
     const QUrl url(address);
-    if (!isWebAddress(url))
+    // What says nothing must not use up what another frame may say.
+    if (!isWebAddress(url) || !admit(address.size() + (title ? title->size() : 0)))
         return std::nullopt;
     if (title)
         title->truncate(maximumTitleLength);

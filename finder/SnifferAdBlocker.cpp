@@ -71,12 +71,13 @@ QString lowerHost(const QUrl &url)
     return url.host(QUrl::FullyEncoded).toLower();
 }
 
-/// One domain of the user's could otherwise make all rules fail to compile.
-bool isPlain(const QString &domain)
+/// Nothing else can be found in an address, and a domain of the user's must not make all rules fail
+/// to compile.
+bool isUsable(const QString &domain)
 {
-    return std::ranges::none_of(domain, [](QChar c) {
-        return c <= u' ' || c > u'~' || QLatin1StringView("\\^$*+?()[]{}|").contains(c);
-    });
+    constexpr qsizetype longest = 1024;
+    return !domain.isEmpty() && domain.size() <= longest
+        && std::ranges::none_of(domain, [](QChar c) { return c <= u' ' || c > u'~'; });
 }
 
 /// The domain that the user means; empty when it is none.
@@ -95,7 +96,7 @@ QString domainOf(const QString &text)
     // Addresses spell other scripts in ASCII.
     if (std::ranges::any_of(domain, [](QChar c) { return c > u'~'; }))
         domain = QString::fromLatin1(QUrl::toAce(domain));
-    return domain.contains(u'.') && isPlain(domain) ? domain : QString();
+    return domain.contains(u'.') && isUsable(domain) ? domain : QString();
 }
 
 QString lastTwoLabels(const QString &host)
@@ -122,14 +123,25 @@ QJsonObject hideRule(const QString &selector)
     };
 }
 
+/// A regular expression for `text` as it stands.
+QString escapedText(const QString &text)
+{
+    QString escaped;
+    for (const QChar c : text) {
+        if (QLatin1StringView("\\^$*+?.()[]{}|").contains(c))
+            escaped += u'\\';
+        escaped += c;
+    }
+    return escaped;
+}
+
 /// Any of the domains, as a regular expression; empty without one.
 QString domainFilter(const QStringList &domains)
 {
     QStringList escaped;
     for (const QString &domain : domains) {
-        QString trimmed = domain.trimmed();
-        if (!trimmed.isEmpty())
-            escaped.append(trimmed.replace(u'.', QLatin1StringView("\\.")));
+        if (const QString trimmed = domain.trimmed(); isUsable(trimmed))
+            escaped.append(escapedText(trimmed));
     }
     return escaped.isEmpty() ? QString() : u".*(" + escaped.join(u'|') + u").*";
 }
@@ -165,9 +177,11 @@ void SnifferAdBlocker::load()
         return;
     }
     for (const auto &domain : domains) {
+        const QString text = domain.toString().trimmed().toLower();
+        const QString usable = domainOf(text);
         // An empty one would be found in every address.
-        if (const QString text = domain.toString(); !text.trimmed().isEmpty())
-            m_blockedDomains.append(text);
+        if (!text.isEmpty())
+            m_blockedDomains.append(usable.isEmpty() ? text : usable);
     }
 }
 

@@ -129,6 +129,8 @@ void UrlFilterTest::matches_data()
     QTest::newRow("nothing but nothing") << QByteArray("^$") << QByteArray("a") << false;
     QTest::newRow("nothing") << QByteArray("^$") << QByteArray() << true;
     QTest::newRow("range and dash") << QByteArray("[a-]-[-a]") << QByteArray("---") << true;
+    QTest::newRow("escaped") << QByteArray(R"(^\^\$\*\+\?\.\(\)\[\]\{\}\|\\$)")
+                             << QByteArray(R"(^$*+?.()[]{}|\)") << true;
     QTest::newRow("bracket") << QByteArray("a]") << QByteArray("a]") << true;
     QTest::newRow("not ASCII") << QByteArray("^a.b$") << QByteArray("a\xc3\x62") << false;
 }

@@ -105,10 +105,13 @@ void ResourceMessageTest::boundsSize()
 void ResourceMessageTest::boundsRate_data()
 {
     QTest::addColumn<QVariant>("body");
-    QTest::newRow("nothing") << QVariant();
+    QTest::addColumn<bool>("leavesRoom");
+    QTest::newRow("nothing") << QVariant() << true;
+    QTest::newRow("no address") << QVariant(u"x"_s) << true;
     QTest::newRow("huge title") << QVariant(
-        QVariantMap{{u"url"_s, u"x"_s}, {u"title"_s, QString(100000, u't')}});
-    QTest::newRow("many addresses") << QVariant(u"https://h/a.m3u8"_s);
+        QVariantMap{{u"url"_s, u"https://h/a.m3u8"_s}, {u"title"_s, QString(100000, u't')}})
+                                << true;
+    QTest::newRow("many addresses") << QVariant(u"https://h/a.m3u8"_s) << false;
 }
 
 void ResourceMessageTest::boundsRate()
@@ -119,6 +122,7 @@ void ResourceMessageTest::boundsRate()
     ResourceMessageReader reader(scheduler);
     for (int i = 0; i < 10000; ++i)
         reader.read(resourceMessageHandler, body);
+    QTEST(reader.read(resourceMessageHandler, genuine).has_value(), "leavesRoom");
     // Even when cheap ones fill every gap, the sum stays within the bound.
     int admitted = 0;
     while (admitted < 10000 && reader.read(resourceMessageHandler, genuine))

@@ -85,6 +85,9 @@ void AtomicFileTest::setAsideKeepsEveryValue()
     QVERIFY(!QDir(folder.filePath(u"settings"_s)).exists());
     for (const char *value : {"first", "second"}) {
         QVERIFY(defaults.setData(key, value));
+        for (const QFileInfo &file :
+             QDir(folder.filePath(u"settings"_s)).entryInfoList(QDir::Files))
+            QVERIFY(!file.permission(QFile::ReadGroup) && !file.permission(QFile::ReadOther));
         QVERIFY(defaults.setAside(key));
         QCOMPARE(defaults.data(key), std::nullopt);
     }
