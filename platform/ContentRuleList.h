@@ -45,9 +45,9 @@ public:
 
     virtual bool blocks(const ContentRequest &request) const = 0;
 
-    /// The style sheet (CSS) that hides what the rules hide in the frame that shows `document`;
+    /// The script (ECMAScript) that hides what the rules hide. For every frame, at document start;
     /// empty when that is nothing.
-    virtual QString hidingStyleSheet(const QUrl &document, const QUrl &firstParty) const = 0;
+    virtual QString hidingScript() const = 0;
 };
 
 /// Why rules could not be compiled.

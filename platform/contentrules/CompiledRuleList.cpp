@@ -1,21 +1,73 @@
 #include "platform/contentrules/CompiledRuleList.h"
 
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <algorithm>
 
 namespace lumaro {
 
+using contentrules::Condition;
 using contentrules::ContentRule;
+using contentrules::Domain;
 
 namespace {
 
-/// Those that hide, or those that do not.
-std::vector<ContentRule> rulesThatHide(bool hide, const std::vector<ContentRule> &rules)
+bool hides(const ContentRule &rule)
+{
+    return !rule.selector.isEmpty();
+}
+
+std::vector<ContentRule> blockingRules(const std::vector<ContentRule> &rules)
 {
     std::vector<ContentRule> some;
-    std::ranges::copy_if(rules, std::back_inserter(some), [hide](const ContentRule &rule) {
-        return rule.selector.isEmpty() != hide;
-    });
+    std::ranges::remove_copy_if(rules, std::back_inserter(some), hides);
     return some;
+}
+
+QString partyName(Condition::Party party)
+{
+    switch (party) {
+    case Condition::Party::Any:
+        return {};
+    case Condition::Party::First:
+        return QStringLiteral("first");
+    case Condition::Party::Third:
+        return QStringLiteral("third");
+    }
+    Q_UNREACHABLE();
+}
+
+QJsonObject asJson(const ContentRule &rule)
+{
+    QJsonArray domains;
+    for (const Domain &domain : rule.condition.domains)
+        domains.append(
+            QString((domain.withSubdomains ? u"*" : u"") + QString::fromLatin1(domain.name)));
+    return {{QStringLiteral("filter"), rule.filter},
+            {QStringLiteral("caseSensitive"), rule.filterIsCaseSensitive},
+            {QStringLiteral("party"), partyName(rule.condition.party)},
+            {QStringLiteral("domains"), domains},
+            {QStringLiteral("excluded"), rule.condition.domainsAreExcluded},
+            {QStringLiteral("selector"), rule.selector}};
+}
+
+QString hidingScriptFor(const std::vector<ContentRule> &rules)
+{
+    QJsonArray hiding;
+    for (const ContentRule &rule : rules) {
+        if (hides(rule) && (rule.condition.types & quint32(ResourceType::Document)) != 0)
+            hiding.append(asJson(rule));
+    }
+    if (hiding.isEmpty())
+        return {};
+    QFile script(QStringLiteral(":/lumaro/contentrules/scripts/hide-elements.js"));
+    const bool opened = script.open(QIODevice::ReadOnly);
+    Q_ASSERT(opened);
+    const QByteArray json = QJsonDocument(hiding).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(script.readAll().trimmed() + '(' + json + ");\n");
 }
 
 } // namespace
@@ -30,25 +82,14 @@ ContentRuleListStore::Result CompiledRuleList::compile(const QString &source)
 }
 
 CompiledRuleList::CompiledRuleList(const std::vector<ContentRule> &rules)
-    : m_blocking(rulesThatHide(false, rules))
-    , m_hiding(rulesThatHide(true, rules))
+    : m_blocking(blockingRules(rules))
+    , m_hidingScript(hidingScriptFor(rules))
 {
 }
 
 bool CompiledRuleList::blocks(const ContentRequest &request) const
 {
     return m_blocking.matchesAny(request);
-}
-
-QString CompiledRuleList::hidingStyleSheet(const QUrl &document, const QUrl &firstParty) const
-{
-    QString sheet;
-    for (const quint32 number :
-         m_hiding.matchingRules({document, firstParty, ResourceType::Document})) {
-        // In a block of its own, a selector that the browser does not know spoils no other.
-        sheet += m_hiding.rule(number).selector + u" { display: none !important; }\n";
-    }
-    return sheet;
 }
 
 } // namespace lumaro

@@ -14,11 +14,11 @@ public:
     explicit CompiledRuleList(const std::vector<contentrules::ContentRule> &rules);
 
     bool blocks(const ContentRequest &request) const override;
-    QString hidingStyleSheet(const QUrl &document, const QUrl &firstParty) const override;
+    QString hidingScript() const override { return m_hidingScript; }
 
 private:
     contentrules::RuleMatcher m_blocking;
-    contentrules::RuleMatcher m_hiding;
+    QString m_hidingScript;
 };
 
 } // namespace lumaro

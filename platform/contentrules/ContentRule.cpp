@@ -19,6 +19,9 @@ struct TypeName
     quint32 types = 0;
 };
 
+constexpr QLatin1StringView filterKey("url-filter");
+constexpr QLatin1StringView caseKey("url-filter-is-case-sensitive");
+
 constexpr quint32 bit(ResourceType type)
 {
     return quint32(type);
@@ -168,9 +171,8 @@ bool isSelector(const QString &text)
 
 std::expected<std::vector<UrlPattern>, Kind> readFilter(const QJsonObject &trigger)
 {
-    const QJsonValue filter = trigger.value(QLatin1StringView("url-filter"));
-    const QJsonValue isCaseSensitive =
-        trigger.value(QLatin1StringView("url-filter-is-case-sensitive"));
+    const QJsonValue filter = trigger.value(filterKey);
+    const QJsonValue isCaseSensitive = trigger.value(caseKey);
     if (!filter.isString() || !(isCaseSensitive.isUndefined() || isCaseSensitive.isBool()))
         return std::unexpected(Kind::BadTrigger);
     auto patterns = readUrlFilter(filter.toString().toUtf8(), isCaseSensitive.toBool());
@@ -201,6 +203,8 @@ std::expected<ContentRule, Kind> readRule(const QJsonValue &value)
     rule.selector = action.value(QLatin1StringView("selector")).toString();
     if (!isSelector(rule.selector))
         return std::unexpected(Kind::BadSelector);
+    rule.filter = trigger.value(filterKey).toString();
+    rule.filterIsCaseSensitive = trigger.value(caseKey).toBool();
     return rule;
 }
 

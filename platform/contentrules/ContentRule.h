@@ -53,6 +53,9 @@ struct ContentRule
     Condition condition;
     /// What is hidden, as a selector (CSS); empty for a rule that blocks.
     QString selector;
+    // Of a rule that hides, as they were written.
+    QString filter;
+    bool filterIsCaseSensitive = false;
 };
 
 /// Reads rules as ContentRuleListStore describes them. Any thread.

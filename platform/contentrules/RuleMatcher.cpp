@@ -87,16 +87,12 @@ bool RuleMatcher::applies(const Pattern &pattern, const Subject &subject) const
             || pattern.filter.matches(subject.seenBy(pattern.filter)));
 }
 
-template <typename Apply>
-bool RuleMatcher::match(const ContentRequest &request, Apply apply) const
+bool RuleMatcher::matchesAny(const ContentRequest &request) const
 {
     if (!isWebAddress(request.url))
         return false;
     const Subject subject(request);
-    const auto tryPattern = [&](quint32 number) {
-        const Pattern &pattern = m_patterns[number];
-        return applies(pattern, subject) && apply(pattern.rule);
-    };
+    const auto tryPattern = [&](quint32 number) { return applies(m_patterns[number], subject); };
     // A text may be found in many places; the pattern's answer stays the same.
     QVarLengthArray<quint32, 32> tried;
     const auto tryText = [&](quint32 number, qsizetype position) {
@@ -114,24 +110,6 @@ bool RuleMatcher::match(const ContentRequest &request, Apply apply) const
     return std::ranges::any_of(m_others, tryPattern)
         || m_texts.search(subject.lowerAddress, tryText)
         || anyDomain(subject.facts.page, tryDomain);
-}
-
-bool RuleMatcher::matchesAny(const ContentRequest &request) const
-{
-    return match(request, [](quint32) { return true; });
-}
-
-std::vector<quint32> RuleMatcher::matchingRules(const ContentRequest &request) const
-{
-    std::vector<quint32> rules;
-    match(request, [&rules](quint32 rule) {
-        rules.push_back(rule);
-        return false;
-    });
-    std::ranges::sort(rules);
-    const auto repeated = std::ranges::unique(rules);
-    rules.erase(repeated.begin(), repeated.end());
-    return rules;
 }
 
 } // namespace lumaro::contentrules

@@ -7,21 +7,13 @@
 
 namespace lumaro::contentrules {
 
-/// Finds the rules that apply to a request without looking at every one. Immutable; any thread.
+/// Finds whether a rule applies to a request without looking at every one. Immutable; any thread.
 class RuleMatcher
 {
 public:
     explicit RuleMatcher(std::vector<ContentRule> rules);
 
-    /// Calls `apply` with the number of each rule that applies, once or more, in no order, until it
-    /// returns true; returns whether it did.
-    template <typename Apply>
-    bool match(const ContentRequest &request, Apply apply) const;
-
     bool matchesAny(const ContentRequest &request) const;
-    /// In their order, each once.
-    std::vector<quint32> matchingRules(const ContentRequest &request) const;
-    const ContentRule &rule(quint32 number) const { return m_rules[number]; }
 
 private:
     struct Pattern

@@ -11,7 +11,7 @@ class FakeContentRuleList final : public ContentRuleList
 {
 public:
     bool blocks(const ContentRequest &) const override { return false; }
-    QString hidingStyleSheet(const QUrl &, const QUrl &) const override { return {}; }
+    QString hidingScript() const override { return {}; }
 };
 
 /// Compilations that wait until the test ends them.
