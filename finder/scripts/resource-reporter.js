@@ -6,13 +6,20 @@
     const playlistAddress = /\.m3u8(?:$|[?#])/i;
     const clickable = 'button, a, [role="button"], [role="option"], [role="menuitem"], li';
     let lastSelectedName = "";
+    // The page's own scripts come later, and may find something else there.
+    let post = function () {};
+    try {
+        const handler = window.webkit.messageHandlers.m3u8SnifferResource;
+        post = handler.postMessage.bind(handler);
+    } catch (error) {
+    }
 
     function report(value) {
         try {
             const url = new URL(String(value), document.baseURI).href;
             if (!playlistAddress.test(url))
                 return;
-            window.webkit.messageHandlers.m3u8SnifferResource.postMessage({
+            post({
                 url: url,
                 title: lastSelectedName || document.title || "",
                 selected: lastSelectedName.length > 0

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/ContentRuleList.h"
+
+#include <QWebEngineUrlRequestInterceptor>
+
+#include <QHash>
+#include <QMutex>
+
+namespace lumaro {
+
+/// Blocks what the web views' content rules block, in every frame. The engine does not tell which
+/// view asks, so the rules of one view hold for all that share its profile.
+class ContentRuleInterceptor final : public QWebEngineUrlRequestInterceptor
+{
+    Q_OBJECT
+
+public:
+    using Lists = QList<std::shared_ptr<const ContentRuleList>>;
+
+    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
+
+    /// In place of those that `view` had.
+    void setLists(const void *view, const Lists &lists);
+
+    void interceptRequest(QWebEngineUrlRequestInfo &info) override;
+
+private:
+    bool blocks(const ContentRequest &request);
+
+    // The engine may ask on a thread of its own.
+    QMutex m_mutex;
+    QHash<const void *, Lists> m_lists;
+};
+
+} // namespace lumaro

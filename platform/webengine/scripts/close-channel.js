@@ -1,0 +1,2 @@
+// The page's own scripts get no message handlers.
+delete window.webkit;
