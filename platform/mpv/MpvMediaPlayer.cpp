@@ -178,8 +178,8 @@ void MpvMediaPlayer::setHttpProxy(const QUrl &proxy)
     if (!m_core)
         return;
     const QByteArray address = proxy.toEncoded();
-    const char *value = address.constData();
-    mpv_set_property_async(m_core->handle(), 0, "http-proxy", MPV_FORMAT_STRING, &value);
+    const char *arguments[] = {"set", "http-proxy", address.constData(), nullptr};
+    mpv_command_async(m_core->handle(), 0, arguments);
 }
 
 void MpvMediaPlayer::replaceItem(const QUrl &url)

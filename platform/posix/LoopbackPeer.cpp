@@ -1,13 +1,13 @@
 #include "platform/posix/LoopbackPeer.h"
 
 #include <QByteArray>
+#include <QDir>
 #include <QFile>
 
-#include <dirent.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <array>
-#include <memory>
+
+#include <unistd.h>
 
 namespace lumaro {
 
@@ -43,17 +43,14 @@ QByteArray socketInode(const QByteArray &local, const QByteArray &remote)
 bool isOwnSocket(const QByteArray &inode)
 {
     const QByteArray wanted = "socket:[" + inode + ']';
-    const std::unique_ptr<DIR, int (*)(DIR *)> folder(opendir("/proc/self/fd"), &closedir);
-    if (!folder)
-        return false;
-    while (const dirent *entry = readdir(folder.get())) {
+    const QDir folder(QStringLiteral("/proc/self/fd"));
+    const QStringList descriptors = folder.entryList(QDir::Files | QDir::System);
+    return std::ranges::any_of(descriptors, [&](const QString &descriptor) {
         std::array<char, 64> target{};
-        const ssize_t length =
-            readlinkat(dirfd(folder.get()), entry->d_name, target.data(), target.size());
-        if (length > 0 && QByteArrayView(target.data(), length) == wanted)
-            return true;
-    }
-    return false;
+        const ssize_t length = readlink(QFile::encodeName(folder.filePath(descriptor)).constData(),
+                                        target.data(), target.size());
+        return length > 0 && QByteArrayView(target.data(), length) == wanted;
+    });
 }
 
 } // namespace
