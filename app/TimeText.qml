@@ -13,6 +13,8 @@ T.AbstractButton {
     readonly property bool leadsToLiveEdge: isLiveMark && !isAtLiveEdge
     readonly property string help: "Go to Live"
 
+    implicitWidth: implicitContentWidth
+    implicitHeight: implicitContentHeight
     enabled: leadsToLiveEdge
     hoverEnabled: true
     focusPolicy: leadsToLiveEdge ? Qt.TabFocus : Qt.NoFocus
