@@ -146,6 +146,23 @@ QString domainFilter(const QStringList &domains)
     return escaped.isEmpty() ? QString() : u".*(" + escaped.join(u'|') + u").*";
 }
 
+/// Any thread.
+QString rulesJSON(const QStringList &domains)
+{
+    QJsonArray rules;
+    if (const QString filter = domainFilter(domains); !filter.isEmpty())
+        rules.append(blockRule(filter));
+    rules.append(blockRule(
+        QStringLiteral(".*(/adservice/|/pagead/|/adsystem/|/popunder|/onclickads|/adserver/).*")));
+    rules.append(hideRule(QStringLiteral(
+        ".ad, .ads, .ad-banner, .advertisement, .ad-box, .ad-container, .adsbygoogle, "
+        "[id^='ad_'], [id^='google_ads_'], [class*='banner-ad'], [class*='ad-banner'], "
+        ".popup-overlay, .popunder, #popunder, .video-ad-overlay, .preroll-ad, .ad-overlay, "
+        "iframe[src*='doubleclick'], iframe[src*='googlesyndication'], iframe[src*='popads'], "
+        "iframe[src*='propeller'], iframe[src*='exoclick'], iframe[src*='adservice']")));
+    return QString::fromUtf8(QJsonDocument(rules).toJson(QJsonDocument::Indented));
+}
+
 } // namespace
 
 SnifferAdBlocker::SnifferAdBlocker(UserDefaults &defaults, Scheduler &scheduler,
@@ -232,7 +249,9 @@ void SnifferAdBlocker::removeAllDomains()
 void SnifferAdBlocker::saveAndRecompile()
 {
     if (m_mayStoreDomains)
-        m_storedDomains.write(QJsonArray::fromStringList(m_blockedDomains));
+        m_storedDomains.write([domains = m_blockedDomains] {
+            return QJsonValue(QJsonArray::fromStringList(domains));
+        });
     compileRules();
     if (m_isEnabled)
         m_webViews.reloadPages();
@@ -240,18 +259,7 @@ void SnifferAdBlocker::saveAndRecompile()
 
 QString SnifferAdBlocker::generateRulesJSON() const
 {
-    QJsonArray rules;
-    if (const QString filter = domainFilter(m_blockedDomains); !filter.isEmpty())
-        rules.append(blockRule(filter));
-    rules.append(blockRule(
-        QStringLiteral(".*(/adservice/|/pagead/|/adsystem/|/popunder|/onclickads|/adserver/).*")));
-    rules.append(hideRule(QStringLiteral(
-        ".ad, .ads, .ad-banner, .advertisement, .ad-box, .ad-container, .adsbygoogle, "
-        "[id^='ad_'], [id^='google_ads_'], [class*='banner-ad'], [class*='ad-banner'], "
-        ".popup-overlay, .popunder, #popunder, .video-ad-overlay, .preroll-ad, .ad-overlay, "
-        "iframe[src*='doubleclick'], iframe[src*='googlesyndication'], iframe[src*='popads'], "
-        "iframe[src*='propeller'], iframe[src*='exoclick'], iframe[src*='adservice']")));
-    return QString::fromUtf8(QJsonDocument(rules).toJson(QJsonDocument::Indented));
+    return rulesJSON(m_blockedDomains);
 }
 
 void SnifferAdBlocker::setCompiling(bool compiling)
@@ -270,7 +278,10 @@ void SnifferAdBlocker::compileRules()
 Task<> SnifferAdBlocker::compile(std::stop_token stop)
 {
     const QString identifier = QStringLiteral("VarnAdBlocker");
-    const QString rules = generateRulesJSON();
+    // A long list takes its time.
+    const ContentRuleListStore::Rules rules = [domains = m_blockedDomains] {
+        return rulesJSON(domains);
+    };
     const ContentRuleListStore::Result result = co_await m_store.compile(identifier, rules, stop);
     if (stop.stop_requested())
         co_return;

@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <expected>
+#include <functional>
 #include <memory>
 
 namespace lumaro {
@@ -88,10 +89,13 @@ public:
     ContentRuleListStore &operator=(const ContentRuleListStore &) = delete;
     virtual ~ContentRuleListStore() = default;
 
-    /// `rules` is JSON text in the form of WebKit's content blockers
+    /// Makes the text of the rules; called on another thread.
+    using Rules = std::function<QString()>;
+
+    /// `rules` makes JSON text in the form of WebKit's content blockers
     /// (https://webkit.org/blog/3476/content-blockers-first-look/); `identifier` names the list in
     /// logs. One wrong rule fails the whole.
-    virtual Task<Result> compile(QString identifier, QString rules, std::stop_token stop) = 0;
+    virtual Task<Result> compile(QString identifier, Rules rules, std::stop_token stop) = 0;
 };
 
 } // namespace lumaro

@@ -50,6 +50,11 @@ void DefaultsValue::write(const QJsonValue &value)
     m_writer.write([value] { return encoded(value); });
 }
 
+void DefaultsValue::write(std::function<QJsonValue()> makeValue)
+{
+    m_writer.write([makeValue = std::move(makeValue)] { return encoded(makeValue()); });
+}
+
 bool DefaultsValue::setAside()
 {
     const auto done = m_defaults.setAside(m_key);

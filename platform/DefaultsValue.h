@@ -17,6 +17,8 @@ public:
     /// Undefined when nothing is stored or it cannot be read.
     QJsonValue read() const;
     void write(const QJsonValue &value);
+    /// The same for one that takes its time to make; called on another thread, perhaps again.
+    void write(std::function<QJsonValue()> makeValue);
     /// Keeps an unreadable value where nothing overwrites it; true if nothing is in the way of
     /// write() then.
     bool setAside();

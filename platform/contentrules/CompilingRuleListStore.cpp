@@ -10,7 +10,7 @@ CompilingRuleListStore::CompilingRuleListStore(Scheduler &scheduler)
 }
 
 Task<ContentRuleListStore::Result>
-CompilingRuleListStore::compile([[maybe_unused]] QString identifier, QString rules,
+CompilingRuleListStore::compile([[maybe_unused]] QString identifier, Rules rules,
                                 std::stop_token stop)
 {
     const OneShot<Result> finished;
@@ -22,7 +22,7 @@ CompilingRuleListStore::compile([[maybe_unused]] QString identifier, QString rul
     const auto work = [result, rules, stop] {
         // Nobody waits for it any more.
         if (!stop.stop_requested())
-            result->emplace(CompiledRuleList::compile(rules));
+            result->emplace(CompiledRuleList::compile(rules()));
     };
     const auto done = [result, finished] {
         if (*result)

@@ -12,7 +12,7 @@ public:
     /// `scheduler` outlives the store.
     explicit CompilingRuleListStore(Scheduler &scheduler);
 
-    Task<Result> compile(QString identifier, QString rules, std::stop_token stop) override;
+    Task<Result> compile(QString identifier, Rules rules, std::stop_token stop) override;
 
 private:
     Scheduler &m_scheduler;

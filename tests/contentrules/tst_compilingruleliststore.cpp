@@ -77,7 +77,8 @@ void CompilingRuleListStoreTest::endsPromptlyWhenStopped()
     CompilingRuleListStore store(scheduler);
     std::stop_source stop;
     std::optional<ContentRuleListStore::Result> result;
-    const auto compiling = store.compile(u"x"_s, u"[]"_s, stop.get_token());
+    const ContentRuleListStore::Rules rules = [] { return u"[]"_s; };
+    const auto compiling = store.compile(u"x"_s, rules, stop.get_token());
     const auto take = [&]() -> Task<> { result = co_await compiling; };
     take();
     QVERIFY(!result);

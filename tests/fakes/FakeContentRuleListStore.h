@@ -18,10 +18,10 @@ public:
 class FakeContentRuleListStore final : public ContentRuleListStore
 {
 public:
-    Task<Result> compile(QString identifier, QString rules, std::stop_token) override
+    Task<Result> compile(QString identifier, Rules rules, std::stop_token) override
     {
         identifiers.append(identifier);
-        sources.append(rules);
+        sources.append(rules());
         const OneShot<Result> result;
         pending.append(result);
         co_return co_await result;
