@@ -1,24 +1,12 @@
 #include "finder/PageScripts.h"
 
-#include <QFile>
+#include "platform/BuiltInScript.h"
 
 namespace lumaro {
 
-namespace {
-
-QString script(const QString &name)
-{
-    QFile file(u":/lumaro/finder/scripts/" + name);
-    const bool opened = file.open(QIODevice::ReadOnly);
-    Q_ASSERT(opened);
-    return opened ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-} // namespace
-
 QString resourceReporterScript()
 {
-    return script(QStringLiteral("resource-reporter.js"));
+    return builtInScript(QStringLiteral(":/lumaro/finder/scripts/resource-reporter.js"));
 }
 
 QString adBlockerFlagScript(bool enabled)
@@ -29,7 +17,7 @@ QString adBlockerFlagScript(bool enabled)
 
 QString popupOverrideScript()
 {
-    return script(QStringLiteral("popup-override.js"));
+    return builtInScript(QStringLiteral(":/lumaro/finder/scripts/popup-override.js"));
 }
 
 } // namespace lumaro

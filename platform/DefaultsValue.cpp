@@ -1,26 +1,12 @@
 #include "platform/DefaultsValue.h"
 
+#include "platform/JsonText.h"
+
 #include <QDebug>
-#include <QJsonArray>
-#include <QJsonDocument>
 
 namespace lumaro {
 
 namespace {
-
-// A document needs an array or an object around its value.
-
-QByteArray encoded(const QJsonValue &value)
-{
-    const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return array.sliced(1).chopped(1);
-}
-
-QJsonValue decoded(const QByteArray &data)
-{
-    const QJsonArray array = QJsonDocument::fromJson('[' + data + ']').array();
-    return array.size() == 1 ? array.first() : QJsonValue(QJsonValue::Undefined);
-}
 
 void logFailure(const QString &key, const UserDefaultsError &error)
 {
@@ -42,17 +28,17 @@ DefaultsValue::DefaultsValue(UserDefaults &defaults, Scheduler &scheduler, const
 QJsonValue DefaultsValue::read() const
 {
     const auto data = m_defaults.data(m_key);
-    return data ? decoded(*data) : QJsonValue(QJsonValue::Undefined);
+    return data ? decodedJson(*data) : QJsonValue(QJsonValue::Undefined);
 }
 
 void DefaultsValue::write(const QJsonValue &value)
 {
-    m_writer.write([value] { return encoded(value); });
+    write([value] { return value; });
 }
 
 void DefaultsValue::write(std::function<QJsonValue()> makeValue)
 {
-    m_writer.write([makeValue = std::move(makeValue)] { return encoded(makeValue()); });
+    m_writer.write([makeValue = std::move(makeValue)] { return encodedJson(makeValue()); });
 }
 
 bool DefaultsValue::setAside()

@@ -1,5 +1,8 @@
 #include "platform/JsonText.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 #include <algorithm>
 
 namespace lumaro {
@@ -60,6 +63,18 @@ QByteArray jsonString(const QString &text)
     QByteArray json;
     appendJsonString(json, text.toUtf8());
     return json;
+}
+
+QByteArray encodedJson(const QJsonValue &value)
+{
+    const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return array.sliced(1).chopped(1);
+}
+
+QJsonValue decodedJson(const QByteArray &json)
+{
+    const QJsonArray array = QJsonDocument::fromJson('[' + json + ']').array();
+    return array.size() == 1 ? array.first() : QJsonValue(QJsonValue::Undefined);
 }
 
 } // namespace lumaro

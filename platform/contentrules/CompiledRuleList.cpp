@@ -1,8 +1,7 @@
 #include "platform/contentrules/CompiledRuleList.h"
 
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
+#include "platform/BuiltInScript.h"
+
 #include <QJsonObject>
 
 #include <algorithm>
@@ -63,11 +62,9 @@ QString hidingScriptFor(const std::vector<ContentRule> &rules)
     }
     if (hiding.isEmpty())
         return {};
-    QFile script(QStringLiteral(":/lumaro/contentrules/scripts/hide-elements.js"));
-    const bool opened = script.open(QIODevice::ReadOnly);
-    Q_ASSERT(opened);
-    const QByteArray json = QJsonDocument(hiding).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(script.readAll().trimmed() + '(' + json + ");\n");
+    QJsonArray arguments;
+    arguments.append(hiding);
+    return builtInCall(QStringLiteral(":/lumaro/contentrules/scripts/hide-elements.js"), arguments);
 }
 
 } // namespace

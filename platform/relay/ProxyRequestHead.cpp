@@ -10,6 +10,8 @@ namespace lumaro {
 namespace {
 
 constexpr QByteArrayView lineEnd = "\r\n";
+/// What follows on the same connection might be for another server.
+constexpr char closing[] = "Connection: close";
 
 /// Meant for whoever receives it, not for the server (RFC 9110, section 7.6.1).
 bool isHopByHop(const QByteArray &header)
@@ -73,25 +75,27 @@ std::optional<ProxyRequestHead> ProxyRequestHead::read(QByteArrayView head)
     return request;
 }
 
+QByteArray ProxyRequestHead::written(const QByteArray &target, const QByteArrayList &more) const
+{
+    const QByteArrayList lines =
+        QByteArrayList{m_method + ' ' + target + ' ' + m_version} + m_headers + more;
+    return lines.join(lineEnd.toByteArray()) + "\r\n\r\n";
+}
+
 QByteArray ProxyRequestHead::forServer() const
 {
-    QByteArrayList lines = {m_method + ' ' + m_pathAndQuery + ' ' + m_version};
-    lines += m_headers;
-    // What follows on the same connection might be for another server.
-    lines += "Connection: close";
-    return lines.join(lineEnd.toByteArray()) + "\r\n\r\n";
+    return written(m_pathAndQuery, {closing});
 }
 
 QByteArray
 ProxyRequestHead::forProxy(const std::optional<ProxyConfiguration::Credential> &credential) const
 {
-    QByteArrayList lines = {m_method + ' ' + m_target + ' ' + m_version};
-    lines += m_headers;
+    QByteArrayList more;
     if (!isTunnel())
-        lines += "Connection: close";
+        more += closing;
     if (credential)
-        lines += "Proxy-Authorization: " + basicAuthentication(*credential);
-    return lines.join(lineEnd.toByteArray()) + "\r\n\r\n";
+        more += "Proxy-Authorization: " + basicAuthentication(*credential);
+    return written(m_target, more);
 }
 
 } // namespace lumaro

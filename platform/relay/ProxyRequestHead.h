@@ -31,6 +31,8 @@ public:
     QByteArray forProxy(const std::optional<ProxyConfiguration::Credential> &credential) const;
 
 private:
+    QByteArray written(const QByteArray &target, const QByteArrayList &more) const;
+
     QByteArray m_method;
     /// As the client wrote it.
     QByteArray m_target;

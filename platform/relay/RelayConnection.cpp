@@ -54,7 +54,7 @@ RelayConnection::RelayConnection(QTcpSocket *client, std::optional<ProxyConfigur
 
 void RelayConnection::readHead()
 {
-    if (m_request || m_passes)
+    if (m_request)
         return;
     m_received += m_client.readAll();
     const qsizetype end = m_received.indexOf("\r\n\r\n");

@@ -139,11 +139,11 @@ qsizetype Socks5Handshake::readReply(QByteArrayView answer)
 {
     constexpr qsizetype fixedSize = 4;
     constexpr qsizetype portSize = 2;
+    if (answer.size() >= 2 && (answer[0] != version || answer[1] != success))
+        return fail();
     // The address's first byte may be its length.
     if (answer.size() <= fixedSize)
-        return answer.size() >= 2 && (answer[0] != version || answer[1] != success) ? fail() : 0;
-    if (answer[0] != version || answer[1] != success)
-        return fail();
+        return 0;
     qsizetype addressSize = 0;
     switch (answer[3]) {
     case IPv4:

@@ -45,11 +45,15 @@ ResourceType typeOf(QWebEngineUrlRequestInfo::ResourceType type)
 
 void ContentRuleInterceptor::setLists(const void *view, const Lists &lists)
 {
-    const QMutexLocker lock(&m_mutex);
     if (lists.isEmpty())
-        m_lists.remove(view);
+        m_listsOfViews.remove(view);
     else
-        m_lists.insert(view, lists);
+        m_listsOfViews.insert(view, lists);
+    QSet<std::shared_ptr<const ContentRuleList>> all;
+    for (const Lists &some : std::as_const(m_listsOfViews))
+        all += QSet(some.begin(), some.end());
+    const QMutexLocker lock(&m_mutex);
+    m_lists = all.values();
 }
 
 void ContentRuleInterceptor::interceptRequest(QWebEngineUrlRequestInfo &info)
@@ -59,13 +63,12 @@ void ContentRuleInterceptor::interceptRequest(QWebEngineUrlRequestInfo &info)
 
 bool ContentRuleInterceptor::blocks(const ContentRequest &request)
 {
-    QSet<std::shared_ptr<const ContentRuleList>> lists;
+    Lists lists;
     {
         const QMutexLocker lock(&m_mutex);
-        for (const Lists &some : std::as_const(m_lists))
-            lists += QSet(some.begin(), some.end());
+        lists = m_lists;
     }
-    return std::ranges::any_of(lists,
+    return std::ranges::any_of(std::as_const(lists),
                                [&request](const auto &list) { return list->blocks(request); });
 }
 

@@ -20,7 +20,7 @@ public:
 
     using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
 
-    /// In place of those that `view` had.
+    /// In place of those that `view` had. Main thread.
     void setLists(const void *view, const Lists &lists);
 
     void interceptRequest(QWebEngineUrlRequestInfo &info) override;
@@ -28,9 +28,11 @@ public:
 private:
     bool blocks(const ContentRequest &request);
 
+    QHash<const void *, Lists> m_listsOfViews;
     // The engine may ask on a thread of its own.
     QMutex m_mutex;
-    QHash<const void *, Lists> m_lists;
+    /// Those of all views, each once.
+    Lists m_lists;
 };
 
 } // namespace lumaro

@@ -1,8 +1,8 @@
 #include "platform/webengine/MessageChannel.h"
 
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
+#include "platform/BuiltInScript.h"
+#include "platform/JsonText.h"
+
 #include <QRandomGenerator>
 
 #include <array>
@@ -20,14 +20,6 @@ QString newSecret()
             .toHex());
 }
 
-QString script(const QString &name)
-{
-    QFile file(u":/lumaro/webengine/scripts/" + name);
-    const bool opened = file.open(QIODevice::ReadOnly);
-    Q_ASSERT(opened);
-    return opened ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 } // namespace
 
 MessageChannel::MessageChannel(QStringList handlers)
@@ -38,15 +30,13 @@ MessageChannel::MessageChannel(QStringList handlers)
 
 QString MessageChannel::openingScript() const
 {
-    const QByteArray names =
-        QJsonDocument(QJsonArray::fromStringList(m_handlers)).toJson(QJsonDocument::Compact);
-    return script(QStringLiteral("open-channel.js")).trimmed() + u"(\"" + m_secret + u"\", "
-        + QString::fromUtf8(names) + u");\n";
+    return builtInCall(QStringLiteral(":/lumaro/webengine/scripts/open-channel.js"),
+                       {m_secret, QJsonArray::fromStringList(m_handlers)});
 }
 
 QString MessageChannel::closingScript()
 {
-    return script(QStringLiteral("close-channel.js"));
+    return builtInScript(QStringLiteral(":/lumaro/webengine/scripts/close-channel.js"));
 }
 
 std::optional<MessageChannel::Message> MessageChannel::read(const QString &consoleMessage) const
@@ -57,12 +47,10 @@ std::optional<MessageChannel::Message> MessageChannel::read(const QString &conso
     const QString handler = consoleMessage.mid(m_secret.size(), end - m_secret.size());
     if (end < 0 || !m_handlers.contains(handler))
         return std::nullopt;
-    // A body by itself is no JSON text to Qt.
-    const QByteArray json = '[' + QStringView(consoleMessage).mid(end + 1).toUtf8() + ']';
-    const QJsonArray values = QJsonDocument::fromJson(json).array();
-    if (values.size() != 1)
+    const QJsonValue body = decodedJson(QStringView(consoleMessage).mid(end + 1).toUtf8());
+    if (body.isUndefined())
         return std::nullopt;
-    return Message{handler, values.first().toVariant()};
+    return Message{handler, body.toVariant()};
 }
 
 } // namespace lumaro
