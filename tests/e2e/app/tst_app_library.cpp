@@ -258,11 +258,8 @@ void AppLibraryTest::killedWhileWritingKeepsWholeLibraries()
     for (int round = 0; round < rounds; ++round) {
         QVERIFY(program.start({m_movie}));
         QVERIFY(becomesTrue([&] { return !Program::window(title).isEmpty(); }));
-        // Saves and takes it back, again and again: every step stores another library. The typist
-        // of the round before was stopped with keys held down.
-        QStringList keys{u"keyup"_s,       u"shift"_s,   u"keyup"_s,
-                         u"ctrl"_s,        u"keyup"_s,   u"z"_s,
-                         u"windowfocus"_s, u"--sync"_s,  Program::window(title),
+        // Saves and takes it back, again and again: every step stores another library.
+        QStringList keys{u"windowfocus"_s, u"--sync"_s,  Program::window(title),
                          u"key"_s,         u"--delay"_s, u"8"_s};
         for (int i = 0; i < 1000; ++i)
             keys << u"ctrl+d"_s << u"ctrl+z"_s;
@@ -276,6 +273,8 @@ void AppLibraryTest::killedWhileWritingKeepsWholeLibraries()
         program.process().sendSignal(SIGKILL);
         QVERIFY(program.process().waitForFinished(20s));
         typist.stop();
+        // It may have been stopped with these held down, for whichever window comes next.
+        outputOf(u"xdotool"_s, {u"keyup"_s, u"d"_s, u"keyup"_s, u"z"_s, u"keyup"_s, u"ctrl"_s});
         QVERIFY(becomesTrue([&] { return Program::window(title).isEmpty(); }));
 
         const auto stored = program.library();
