@@ -2,18 +2,10 @@
 
 #include "tests/e2e/servers/VirtualDisplay.h"
 
-#include <cstdio>
-
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace lumaro {
-
-namespace {
-
-constexpr int patience = 30'000;
-
-} // namespace
 
 AppWorld::AppWorld()
     : m_application(std::make_unique<Application>(Application::Folders{
@@ -23,7 +15,7 @@ AppWorld::AppWorld()
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));
     m_window->requestActivate();
-    if (!QTest::qWaitForWindowActive(m_window, patience))
+    if (!QTest::qWaitForWindowActive(m_window, longestWait))
         qFatal("The main window does not appear.");
 }
 
@@ -51,11 +43,6 @@ bool AppWorld::pictureChanges()
     return becomesTrue([&] { return screen() != before; });
 }
 
-bool becomesTrue(const std::function<bool()> &condition)
-{
-    return QTest::qWaitFor(condition, patience);
-}
-
 QString outputOf(const QString &program, const QStringList &arguments)
 {
     const QTemporaryDir folder;
@@ -78,16 +65,13 @@ QStringList channelNames(const PlayerModel &player)
 
 int runAppTest(int argc, char *argv[], const std::function<int()> &test)
 {
-    const auto display = VirtualDisplay::start();
-    if (!display) {
-        std::fprintf(stderr, "%s\n", qPrintable(display.error()));
-        return 1;
-    }
-    Application::prepare();
-    const QGuiApplication qt(argc, argv);
-    // A test's windows come and go; its process stays.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    return test();
+    return runInDisplay([&] {
+        Application::prepare();
+        const QGuiApplication qt(argc, argv);
+        // A test's windows come and go; its process stays.
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        return test();
+    });
 }
 
 } // namespace lumaro

@@ -6,6 +6,7 @@
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
+#include "tests/e2e/servers/Waiting.h"
 
 #include <QGuiApplication>
 #include <QQuickWindow>
@@ -53,9 +54,6 @@ private:
     std::unique_ptr<Application> m_application;
     QQuickWindow *m_window = nullptr;
 };
-
-/// Waits for `condition`, as long as the slowest machine may take.
-bool becomesTrue(const std::function<bool()> &condition);
 
 /// What `program` prints, when it has ended well.
 QString outputOf(const QString &program, const QStringList &arguments);

@@ -24,11 +24,7 @@ private Q_SLOTS:
     void everythingTakesTheProxy();
 
 private:
-    QUrl siteUrl(const QString &path) const
-    {
-        return QUrl(u"http://"_s + ProxyServer::siteName + u':' + QString::number(m_site->port())
-                    + path);
-    }
+    QUrl siteUrl(const QString &path) const { return ProxyServer::siteUrl(*m_site, path); }
     void use(const ProxyConfiguration &proxy);
 
     std::unique_ptr<NginxServer> m_site;

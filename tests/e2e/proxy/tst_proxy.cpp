@@ -53,6 +53,14 @@ QByteArray bodyOf(const QByteArray &answer)
     return isGood ? answer.sliced(end + 4) : QByteArray();
 }
 
+/// What comes until the other side closes.
+QByteArray answerOn(QTcpSocket &socket)
+{
+    const bool isEnded = QTest::qWaitFor(
+        [&socket] { return socket.state() == QAbstractSocket::UnconnectedState; }, 20'000);
+    return isEnded ? bodyOf(socket.readAll()) : QByteArray("no answer");
+}
+
 ProxyConfiguration localProxy(Protocol protocol, quint16 port)
 {
     return {protocol, u"127.0.0.1"_s, port, std::nullopt};
@@ -80,11 +88,7 @@ private Q_SLOTS:
     void keepsUpWithALargeAnswer();
 
 private:
-    QUrl siteUrl(const QString &path) const
-    {
-        return QUrl(u"http://"_s + ProxyServer::siteName + u':' + QString::number(m_site->port())
-                    + path);
-    }
+    QUrl siteUrl(const QString &path) const { return ProxyServer::siteUrl(*m_site, path); }
     QByteArray fetched(CurlHttpClient &client, const QUrl &url);
     /// What `url` answers by way of the relay.
     QByteArray relayed(const QUrl &url);
@@ -127,10 +131,7 @@ QByteArray ProxyTest::relayed(const QUrl &url)
     socket.connectToHost(QHostAddress::LocalHost, m_relay->port());
     socket.write("GET " + url.toEncoded() + " HTTP/1.1\r\nHost: " + url.authority().toUtf8()
                  + "\r\n\r\n");
-    if (!QTest::qWaitFor([&] { return socket.state() == QAbstractSocket::UnconnectedState; },
-                         20'000))
-        return "no answer";
-    return bodyOf(socket.readAll());
+    return answerOn(socket);
 }
 
 QByteArray ProxyTest::tunnelled(const QUrl &url)
@@ -139,10 +140,7 @@ QByteArray ProxyTest::tunnelled(const QUrl &url)
     socket.setProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_relay->port()});
     socket.connectToHost(url.host(), quint16(url.port()));
     socket.write("GET " + url.path().toUtf8() + " HTTP/1.0\r\n\r\n");
-    if (!QTest::qWaitFor([&] { return socket.state() == QAbstractSocket::UnconnectedState; },
-                         20'000))
-        return "no answer";
-    return bodyOf(socket.readAll());
+    return answerOn(socket);
 }
 
 void ProxyTest::goesThroughTheProxy_data()

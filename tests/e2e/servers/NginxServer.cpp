@@ -1,11 +1,11 @@
 #include "tests/e2e/servers/NginxServer.h"
 
 #include "tests/e2e/servers/Fetch.h"
+#include "tests/e2e/servers/FreePort.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTcpServer>
 #include <qtestsupport_core.h>
 
 using namespace std::chrono_literals;
@@ -77,12 +77,6 @@ QString codeLocations()
         locations += u"        location ~ ^/redirect/%1/(?<target>.+)$ { return %1 "
                      "/$target$is_args$args; }\n"_s.arg(code);
     return locations;
-}
-
-quint16 freePort()
-{
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost) ? probe.serverPort() : 0;
 }
 
 QString readText(const QString &path)

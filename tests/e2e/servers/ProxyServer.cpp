@@ -1,8 +1,10 @@
 #include "tests/e2e/servers/ProxyServer.h"
 
+#include "tests/e2e/servers/FreePort.h"
+#include "tests/e2e/servers/NginxServer.h"
+
 #include <QFile>
 #include <QNetworkProxy>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <qtestsupport_core.h>
 
@@ -11,12 +13,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace lumaro {
 
 namespace {
-
-quint16 freePort()
-{
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost) ? probe.serverPort() : 0;
-}
 
 bool listens(quint16 port)
 {
@@ -66,6 +62,13 @@ ProxyServer::start(Protocol protocol, const std::optional<Credential> &credentia
     if (settled && server->m_process.isRunning())
         return server;
     return std::unexpected(u"The proxy did not start."_s);
+}
+
+QUrl ProxyServer::siteUrl(const NginxServer &site, const QString &path)
+{
+    QUrl url = site.url(path);
+    url.setHost(QString::fromUtf16(siteName));
+    return url;
 }
 
 QStringList ProxyServer::command() const

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -70,6 +71,15 @@ std::expected<void, QString> VirtualDisplay::startServer()
         return std::unexpected(u"The display server did not start."_s);
     m_name = u':' + QString::fromLatin1(number);
     return {};
+}
+
+int runInDisplay(const std::function<int()> &program)
+{
+    const auto display = VirtualDisplay::start();
+    if (display)
+        return program();
+    std::fprintf(stderr, "%s\n", qPrintable(display.error()));
+    return 1;
 }
 
 } // namespace lumaro

@@ -2,6 +2,7 @@
 
 #include "tests/e2e/servers/ChildProcess.h"
 
+#include <functional>
 #include <memory>
 
 namespace lumaro {
@@ -30,5 +31,9 @@ private:
     ChildProcess m_server;
     QString m_name;
 };
+
+/// Runs `program` in a display of its own and returns its result; 1 without a display, said on the
+/// standard error.
+int runInDisplay(const std::function<int()> &program);
 
 } // namespace lumaro

@@ -10,6 +10,7 @@
 #include "tests/e2e/servers/ProxyServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
 #include "tests/e2e/servers/VirtualDisplay.h"
+#include "tests/e2e/servers/Waiting.h"
 #include "tests/fakes/FakeUserDefaults.h"
 
 #include <QGuiApplication>
@@ -18,19 +19,12 @@
 #include <QQuickView>
 #include <QtWebEngineQuick>
 
-#include <cstdio>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
 
 namespace {
-
-/// Waits for `condition`, as long as the slowest machine may take.
-bool becomesTrue(const std::function<bool()> &condition)
-{
-    return QTest::qWaitFor(condition, 30'000);
-}
 
 /// Says what became of each frame after it has been loaded.
 QString witnessScript()
@@ -221,8 +215,7 @@ void WebEngineTest::pagesTakeTheProxy()
     QVERIFY(proxy);
     m_relay->setUpstream(proxy->configuration());
     const qsizetype before = m_site->sources().size();
-    const QUrl url(u"http://"_s + ProxyServer::siteName + u':' + QString::number(m_site->port())
-                   + u"/frame.html");
+    const QUrl url = ProxyServer::siteUrl(*m_site, u"/frame.html"_s);
     m_world->view.load(url);
     const QStringList loaded{u"/frame.html block false false"_s};
     QCOMPARE(m_world->witness(1), loaded);
@@ -246,20 +239,17 @@ void WebEngineTest::pagesTakeTheProxy()
 
 int main(int argc, char *argv[])
 {
-    const auto display = VirtualDisplay::start();
-    if (!display) {
-        std::fprintf(stderr, "%s\n", qPrintable(display.error()));
-        return 1;
-    }
-    // The engine's sandbox does not work for root.
-    if (geteuid() == 0)
-        qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
-    QtWebEngineQuick::initialize();
-    const QGuiApplication qt(argc, argv);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    WebEngineTest test;
-    return QTest::qExec(&test, argc, argv);
+    return runInDisplay([&] {
+        // The engine's sandbox does not work for root.
+        if (geteuid() == 0)
+            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+        QtWebEngineQuick::initialize();
+        const QGuiApplication qt(argc, argv);
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        WebEngineTest test;
+        return QTest::qExec(&test, argc, argv);
+    });
 }
 
 #include "tst_webengine.moc"

@@ -6,17 +6,10 @@
 #include <QGuiApplication>
 
 #include <clocale>
-#include <cstdio>
 
 using namespace std::chrono_literals;
 
 namespace lumaro {
-
-namespace {
-
-constexpr int patience = 30'000;
-
-} // namespace
 
 MpvWorld::MpvWorld()
     : player(std::make_unique<MpvMediaPlayer>())
@@ -34,7 +27,7 @@ MpvWorld::MpvWorld()
     picture->setSize(window->size());
     picture->setPlayer(player.get());
     window->show();
-    if (!QTest::qWaitForWindowExposed(window.get(), patience))
+    if (!QTest::qWaitForWindowExposed(window.get(), longestWait))
         qFatal("The window does not appear.");
 }
 
@@ -54,24 +47,16 @@ bool MpvWorld::playsTo(double seconds)
     });
 }
 
-bool becomesTrue(const std::function<bool()> &condition)
-{
-    return QTest::qWaitFor(condition, patience);
-}
-
 int runMpvTest(int argc, char *argv[], const std::function<int()> &test)
 {
-    const auto display = VirtualDisplay::start();
-    if (!display) {
-        std::fprintf(stderr, "%s\n", qPrintable(display.error()));
-        return 1;
-    }
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
-    const QGuiApplication qt(argc, argv);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    // libmpv requires it, and the application object has just set the user's locale.
-    std::setlocale(LC_NUMERIC, "C");
-    return test();
+    return runInDisplay([&] {
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+        const QGuiApplication qt(argc, argv);
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+        // libmpv requires it, and the application object has just set the user's locale.
+        std::setlocale(LC_NUMERIC, "C");
+        return test();
+    });
 }
 
 } // namespace lumaro

@@ -2,6 +2,7 @@
 
 #include "platform/mpv/MpvMediaPlayer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
+#include "tests/e2e/servers/Waiting.h"
 
 #include <QQuickWindow>
 
@@ -27,9 +28,6 @@ public:
     int started = 0;
     QList<MediaPlayer::ItemFailure> failures;
 };
-
-/// Waits for `condition`, as long as the slowest machine may take.
-bool becomesTrue(const std::function<bool()> &condition);
 
 /// Runs `test` in a display of its own.
 int runMpvTest(int argc, char *argv[], const std::function<int()> &test);
