@@ -1,5 +1,7 @@
 import QtQuick
+import QtQuick.Templates as T
 import Lumaro.App
+import Lumaro.Ui
 
 // Shows the panel that is asked for. Each dialog is loaded with its first request: start-up must
 // not wait for it.
@@ -8,18 +10,36 @@ Item {
 
     required property QuickFilePanels panels
 
+    readonly property list<Loader> loaders: [fileLoader, saveLoader, folderLoader]
+
+    function loaderFor(kind: int): Loader {
+        switch (kind) {
+        case QuickFilePanels.NewFile: return saveLoader;
+        case QuickFilePanels.Folder: return folderLoader;
+        default: return fileLoader;
+        }
+    }
+
     Connections {
         target: host.panels
 
         function onOpenRequested() {
-            const loader = host.panels.isChoosingFolder ? folderLoader : fileLoader;
+            const loader = host.loaderFor(host.panels.kind);
             if (loader.status === Loader.Null)
-                loader.setSource(loader.panel, { "panels": host.panels });
+                loader.setSource(loader.panel, loader.properties);
             loader.item.open();
         }
+        function onReplacingAsked() {
+            replacing.active = true;
+            const dialog = replacing.item as Dialog;
+            dialog.text = "“%1” exists already. Replacing it loses what is in it."
+                .arg(host.panels.proposedName);
+            dialog.open();
+        }
         function onWithdrawn() {
-            fileLoader.item?.close();
-            folderLoader.item?.close();
+            for (const loader of host.loaders)
+                loader.item?.close();
+            (replacing.item as Dialog)?.close();
         }
     }
 
@@ -27,10 +47,30 @@ Item {
         id: fileLoader
 
         readonly property string panel: "FilePanel.qml"
+        readonly property var properties: ({ "panels": host.panels })
+    }
+    Loader {
+        id: saveLoader
+
+        readonly property string panel: "SaveFilePanel.qml"
+        readonly property var properties: ({ "panels": host.panels, "overlay": T.Overlay.overlay })
     }
     Loader {
         id: folderLoader
 
         readonly property string panel: "FolderPanel.qml"
+        readonly property var properties: ({ "panels": host.panels })
+    }
+    Loader {
+        id: replacing
+
+        active: false
+        sourceComponent: Dialog {
+            title: "Replace File?"
+            acceptText: "Replace"
+            destructive: true
+            onAccepted: host.panels.replace()
+            onRejected: host.panels.chooseAnother()
+        }
     }
 }

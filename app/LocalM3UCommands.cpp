@@ -20,7 +20,6 @@ LocalM3UCommands::LocalM3UCommands(LocalM3UModel &library, QObject *parent)
         return command;
     };
     LocalM3UHistory *const history = library.history();
-    const auto isFilled = [&library] { return library.list()->count() > 0; };
 
     make(QStringLiteral("Show Local M3U"), QStringLiteral("Ctrl+Shift+L"),
          [&library] { library.show(); });
@@ -57,15 +56,13 @@ LocalM3UCommands::LocalM3UCommands(LocalM3UModel &library, QObject *parent)
             library.importLocalPlaylist();
         },
         {}, true);
-    MenuCommand *const exportFile = make(
-        QStringLiteral("Export M3U File…"), QStringLiteral("Ctrl+Shift+E"),
-        [&library] { library.exportLocalPlaylistAsM3U(); }, isFilled);
+    make(QStringLiteral("Export M3U File…"), QStringLiteral("Ctrl+Shift+E"),
+         [&library] { library.exportLocalPlaylistAsM3U(); });
     MenuCommand *const removeAll = make(
         QStringLiteral("Delete All…"), QStringLiteral("Ctrl+Shift+Backspace"),
-        [&library] { library.removeAll(); }, isFilled);
-    for (MenuCommand *command : {exportFile, removeAll})
-        connect(library.list(), &LocalM3UListModel::countChanged, command,
-                &MenuCommand::isEnabledChanged);
+        [&library] { library.removeAll(); }, [&library] { return library.list()->count() > 0; });
+    connect(library.list(), &LocalM3UListModel::countChanged, removeAll,
+            &MenuCommand::isEnabledChanged);
 }
 
 } // namespace lumaro

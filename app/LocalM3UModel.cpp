@@ -47,11 +47,10 @@ LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
 {
     connect(&m_store, &LocalM3UStore::entriesChanged, this, &LocalM3UModel::currentChanged);
     connect(&m_store, &LocalM3UStore::entriesChanged, this, [this] { setImportError({}); });
-    connect(&m_store, &LocalM3UStore::errorMessageChanged, this, [this] {
-        Q_EMIT errorMessageChanged();
-        if (isNotStored())
-            m_player.showToast(m_store.errorMessage(), PlayerModel::toastDuration);
-    });
+    connect(&m_store, &LocalM3UStore::errorMessageChanged, this,
+            &LocalM3UModel::errorMessageChanged);
+    connect(&m_store, &LocalM3UStore::storingFailed, this,
+            [this] { m_player.showToast(m_store.errorMessage(), PlayerModel::toastDuration); });
     connect(&m_player, &PlayerModel::currentURLChanged, this, [this] {
         m_list.setCurrentURL(m_player.currentURL());
         Q_EMIT currentChanged();
@@ -84,8 +83,7 @@ void LocalM3UModel::setImportError(const QString &message)
 
 void LocalM3UModel::show()
 {
-    m_window.setSidebarSection(MainWindowModel::PlayerSidebarSection::localM3U);
-    m_window.setSidebarVisible(true);
+    m_window.revealSidebar(MainWindowModel::PlayerSidebarSection::localM3U);
     Q_EMIT focusRequested();
 }
 
@@ -245,8 +243,12 @@ void LocalM3UModel::saveToLocalM3U(int index)
     if (index < 0 || index >= playlist.size())
         return;
     PlaylistEntry entry = playlist.at(index);
+    if (!m_window.mayOpen(entry.url))
+        return;
     // The library may hold the playlist's own entry already.
     entry.id = QUuid::createUuid();
+    if (entry.logoURL && entry.logoURL->isLocalFile() && m_player.isPlaylistRemote())
+        entry.logoURL.reset();
     m_store.save(entry);
     notifySaved();
 }
@@ -297,6 +299,8 @@ bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
 Task<> LocalM3UModel::importFrom(std::optional<QUrl> file, std::stop_token stop)
 {
     setImportError({});
+    // The next one ends this one.
+    const int import = ++m_lastImport;
     // A panel that is closed leaves the player's message as it was.
     bool failed = false;
     const auto watch = connect(&m_player, &PlayerModel::errorMessageChanged, this, [&] {
@@ -310,6 +314,8 @@ Task<> LocalM3UModel::importFrom(std::optional<QUrl> file, std::stop_token stop)
     if (stop.stop_requested())
         co_return;
     disconnect(watch);
+    if (import != m_lastImport)
+        co_return;
     m_window.setKeepsSection(false);
     if (entries)
         replaceLibrary(*entries);

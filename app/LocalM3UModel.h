@@ -124,6 +124,8 @@ private:
     LocalM3UEditor m_editor;
     LocalM3UHistory m_history;
     QString m_importError;
+    /// Counts them.
+    int m_lastImport = 0;
     Question m_question = Question::None;
     QUuid m_questionedId;
     QString m_exportError;

@@ -49,7 +49,6 @@ Item {
                     iconName: "export"
                     text: "Export M3U File…"
                     shortcutText: "Ctrl+Shift+E"
-                    enabled: !root.isEmpty
                     onClicked: root.library.exportLocalPlaylistAsM3U()
                 }
             }

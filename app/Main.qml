@@ -30,6 +30,25 @@ Window {
     color: "black"
     title: player.title
 
+    // For what Qt draws itself: the file panels of a desktop that has none.
+    palette {
+        window: Theme.surface
+        windowText: Theme.text
+        base: Theme.background
+        text: Theme.text
+        placeholderText: Theme.textSecondary
+        button: Theme.surfaceRaised
+        buttonText: Theme.text
+        light: Theme.surface
+        midlight: Theme.fillPressed
+        mid: Theme.stroke
+        dark: Theme.textSecondary
+        shadow: "black"
+        highlight: Theme.accent
+        highlightedText: Theme.onAccent
+        brightText: Theme.text
+    }
+
     onVisibilityChanged: state => {
         shell.isFullScreen = state === Window.FullScreen;
         // A pointer that lies still says nothing of itself.

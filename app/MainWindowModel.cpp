@@ -210,15 +210,21 @@ void MainWindowModel::playChannel(int index)
     if (index < 0 || index >= playlist.size())
         return;
     const PlaylistEntry entry = playlist.at(index);
-    // A server does not choose what is read on this computer.
-    if (entry.url.isLocalFile() && m_player.isPlaylistRemote()) {
-        m_player.showToast(
-            QStringLiteral("A playlist from the network cannot open files on this computer."),
-            PlayerModel::toastDuration);
+    if (!mayOpen(entry.url))
         return;
-    }
     m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
     setCurrentChannel(index);
+}
+
+bool MainWindowModel::mayOpen(const QUrl &channel)
+{
+    // A server does not choose what is read on this computer.
+    if (!channel.isLocalFile() || !m_player.isPlaylistRemote())
+        return true;
+    m_player.showToast(
+        QStringLiteral("A playlist from the network cannot open files on this computer."),
+        PlayerModel::toastDuration);
+    return false;
 }
 
 void MainWindowModel::setCurrentChannel(int index)

@@ -102,6 +102,9 @@ public:
     Q_INVOKABLE void openFile();
     /// Plays the channel at `index` of the player's playlist.
     Q_INVOKABLE void playChannel(int index);
+    /// Whether this address of the player's playlist may be used. Where it must not, the user is
+    /// told.
+    bool mayOpen(const QUrl &channel);
 
 Q_SIGNALS:
     void sidebarVisibleChanged();

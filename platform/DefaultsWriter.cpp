@@ -76,7 +76,7 @@ DefaultsWriter::DefaultsWriter(UserDefaults &defaults, Scheduler &scheduler, con
 DefaultsWriter::~DefaultsWriter()
 {
     m_lifetime.request_stop();
-    // Nobody is left to hear of a failure.
+    // Who wants to hear of a failure flushes first.
     [[maybe_unused]] const Result result = flush();
     m_slot->close();
 }

@@ -63,7 +63,7 @@ PlayerModel::~PlayerModel()
         m_platform.input.setMouseMovedHandler({});
     }
     m_remoteLoad.request_stop();
-    m_imports.request_stop();
+    m_import.request_stop();
     m_lifetime.request_stop();
 }
 
@@ -161,7 +161,7 @@ QUuid PlayerModel::renewRemoteRequest()
 
 void PlayerModel::updateIsLoading()
 {
-    publish(m_isLoading, m_isLoadingRemotePlaylist || m_importsRunning > 0,
+    publish(m_isLoading, m_isLoadingRemotePlaylist || m_isImporting,
             &PlayerModel::isLoadingChanged);
 }
 
@@ -225,10 +225,12 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
                                                                 std::optional<QString> displayName)
 {
     publish(m_errorMessage, QString(), &PlayerModel::errorMessageChanged);
-    ++m_importsRunning;
+    // The one before, if it is still being read, is not what the user wants any more.
+    std::exchange(m_import, std::stop_source()).request_stop();
+    m_isImporting = true;
     updateIsLoading();
 
-    const std::stop_token stop = m_imports.get_token();
+    const std::stop_token stop = m_import.get_token();
     const auto reading = m_platform.scheduler.inBackground(
         [file] { return readPlaylistFile(file, maximumPlaylistSize); });
     const PlaylistResult result = co_await reading;
@@ -245,7 +247,7 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
         publish(m_errorMessage, u"Could not import playlist: " + result.error(),
                 &PlayerModel::errorMessageChanged);
     }
-    --m_importsRunning;
+    m_isImporting = false;
     updateIsLoading();
     co_return result ? std::optional(*result) : std::nullopt;
 }
@@ -253,8 +255,8 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
 void PlayerModel::clearNetworkStream()
 {
     renewRemoteRequest();
-    std::exchange(m_imports, std::stop_source()).request_stop();
-    m_importsRunning = 0;
+    std::exchange(m_import, std::stop_source()).request_stop();
+    m_isImporting = false;
     updateIsLoading();
     if (!m_playlist.isEmpty()) {
         m_playlist = {};

@@ -196,7 +196,7 @@ private:
 
     PlayerPlatform m_platform;
     std::stop_source m_lifetime;
-    std::stop_source m_imports;
+    std::stop_source m_import;
 
     QString m_title;
     QString m_errorMessage;
@@ -221,7 +221,7 @@ private:
     QUuid m_remoteRequestID;
     std::stop_source m_remoteLoad;
     bool m_isLoadingRemotePlaylist = false;
-    int m_importsRunning = 0;
+    bool m_isImporting = false;
     std::optional<LastPlayableSource> m_lastPlayableSource;
     DelayedTask m_bufferingIndicatorTask;
     DelayedTask m_toastTask;

@@ -59,14 +59,14 @@ bool AddressReader::isKnownRoot(QByteArrayView root)
 
 std::optional<QUrl> AddressReader::parsed(QByteArrayView text)
 {
-    if (text.size() > maximumLength)
-        return std::nullopt;
     QUrl address(QString::fromUtf8(text), QUrl::StrictMode);
     return address.isValid() ? std::optional(std::move(address)) : std::nullopt;
 }
 
 std::optional<QUrl> AddressReader::resolved(QByteArrayView text) const
 {
+    if (text.size() > maximumLength)
+        return std::nullopt;
     std::optional<QUrl> address = parsed(text);
     if (!address || !address->isRelative())
         return address;

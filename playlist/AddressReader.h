@@ -13,7 +13,7 @@ namespace lumaro {
 class AddressReader
 {
 public:
-    /// Anything longer counts as no address, in bytes.
+    /// Anything longer in a playlist counts as no address, in bytes.
     static constexpr qsizetype maximumLength = 1 << 20;
 
     explicit AddressReader(const QUrl &baseURL);
@@ -22,7 +22,7 @@ public:
     /// some that are.
     bool isPlainWebAddress(QByteArrayView text);
 
-    /// `text` on its own; empty when it is no address.
+    /// `text` on its own, however long; empty when it is no address.
     static std::optional<QUrl> parsed(QByteArrayView text);
 
     /// The absolute form of `text`; empty when it is no address.

@@ -37,6 +37,12 @@ LocalM3UEditor::Field LocalM3UEditor::errorField() const
 
 void LocalM3UEditor::beginAdding(const QString &address)
 {
+    if (m_isOpen) {
+        // What is being typed matters more.
+        if (m_form.address.isEmpty())
+            setAddress(address);
+        return;
+    }
     LocalM3UForm form;
     form.address = address;
     m_isNew = true;
@@ -45,6 +51,8 @@ void LocalM3UEditor::beginAdding(const QString &address)
 
 void LocalM3UEditor::beginEditing(const PlaylistEntry &entry)
 {
+    if (m_isOpen)
+        return;
     m_isNew = false;
     begin(entry.id, LocalM3UForm::of(entry));
 }
@@ -92,8 +100,8 @@ void LocalM3UEditor::save()
         setError(entry.error());
         return;
     }
-    close();
     Q_EMIT saved(*entry);
+    close();
 }
 
 void LocalM3UEditor::cancel()

@@ -48,8 +48,12 @@ public:
     QString errorMessage() const;
     Field errorField() const;
 
-    /// Opens the form for a new link, its address filled in as far as it is known.
+    // What an open form holds is not thrown away by opening it again.
+
+    /// Opens the form for a new link, its address filled in as far as it is known. An open form
+    /// takes the address if it has none.
     void beginAdding(const QString &address);
+    /// Opens the form for a link of the library, unless it is open.
     void beginEditing(const PlaylistEntry &entry);
     /// Asks for an image file to be the logo.
     Q_INVOKABLE void chooseLogoFile();

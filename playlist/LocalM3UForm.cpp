@@ -30,7 +30,7 @@ QString description(LocalM3UFormError error)
     case LocalM3UFormError::invalidLogoAddress:
         return QStringLiteral("Enter a valid logo URL.");
     case LocalM3UFormError::invalidCountryCode:
-        return QStringLiteral("Enter a country code of two letters.");
+        return QStringLiteral("Enter a country code of two characters.");
     }
     Q_UNREACHABLE();
 }

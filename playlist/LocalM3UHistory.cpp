@@ -10,6 +10,25 @@ PlaylistEntries without(const QUuid &id, const PlaylistEntries &entries)
     return index < 0 ? entries : entries.replacing(index, 1, {});
 }
 
+/// Saving or importing a link again gives it another id.
+PlaylistEntries withoutAddress(const QUrl &url, const PlaylistEntries &entries)
+{
+    const QByteArray address = url.toEncoded();
+    qsizetype first = -1;
+    qsizetype count = 0;
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        if (entries.address(i) == QUtf8StringView(address) && ++count == 1)
+            first = i;
+    }
+    if (count == 0)
+        return entries;
+    if (count == 1)
+        return entries.replacing(first, 1, {});
+    QList<PlaylistEntry> others = entries.toList();
+    others.removeIf([&](const PlaylistEntry &entry) { return entry.url == url; });
+    return PlaylistEntries::fromList(others);
+}
+
 /// Drops the states that do not differ from the one that follows them, `current` at last.
 void dropRepeated(QList<PlaylistEntries> &states, const PlaylistEntries &current)
 {
@@ -65,11 +84,17 @@ void LocalM3UHistory::apply(const PlaylistEntries &entries)
 
 void LocalM3UHistory::deleteForGood(const QUuid &id)
 {
+    const qsizetype index = m_current.indexOf(id);
+    if (index < 0)
+        return;
+    const QUrl url = m_current.at(index).url;
+    apply(without(id, m_current));
+    // A list that was imported may hold the link twice, and then still does.
+    const bool isGone = !m_store.contains(url);
     for (QList<PlaylistEntries> *states : {&m_before, &m_after}) {
         for (PlaylistEntries &state : *states)
-            state = without(id, state);
+            state = isGone ? withoutAddress(url, state) : without(id, state);
     }
-    apply(without(id, m_current));
     dropRepeated(m_before, m_current);
     dropRepeated(m_after, m_current);
     Q_EMIT changed();

@@ -27,7 +27,8 @@ public:
     Q_INVOKABLE void undo() { step(m_before, m_after); }
     Q_INVOKABLE void redo() { step(m_after, m_before); }
 
-    /// Deletes the entry from the store and from every remembered state.
+    /// Deletes the entry from the store and from every remembered state, there under whatever id
+    /// its address has.
     void deleteForGood(const QUuid &id);
     void deleteAllForGood();
 

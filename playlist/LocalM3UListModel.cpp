@@ -65,6 +65,7 @@ void LocalM3UListModel::refresh()
         Rows all(size_t(m_store.entries().size()));
         std::iota(all.begin(), all.end(), 0);
         changeRows(m_store.entries(), std::move(all));
+        setIsSearching(false);
     } else {
         prepare(m_store.entries(), m_preparation.get_token());
     }
@@ -74,6 +75,7 @@ void LocalM3UListModel::refresh()
 
 Task<> LocalM3UListModel::prepare(PlaylistEntries entries, std::stop_token stop)
 {
+    setIsSearching(true);
     const auto indexing = m_scheduler.inBackground(
         [entries] { return std::make_shared<const SearchIndex>(entries); });
     auto index = co_await indexing;
@@ -81,6 +83,7 @@ Task<> LocalM3UListModel::prepare(PlaylistEntries entries, std::stop_token stop)
         co_return;
     m_index = std::move(index);
     changeRows(entries, m_index->matches(m_filterText));
+    setIsSearching(false);
 }
 
 void LocalM3UListModel::setFilterText(const QString &text)
@@ -89,6 +92,7 @@ void LocalM3UListModel::setFilterText(const QString &text)
     if (m_filterText == trimmed)
         return;
     const bool wasEmpty = std::exchange(m_filterText, trimmed).isEmpty();
+    m_selectsFirstMatch = !trimmed.isEmpty();
     Q_EMIT filterTextChanged();
     if (trimmed.isEmpty())
         refresh();
@@ -142,6 +146,10 @@ void LocalM3UListModel::changeRows(const PlaylistEntries &entries, Rows rows)
 
 void LocalM3UListModel::restoreSelection()
 {
+    if (std::exchange(m_selectsFirstMatch, false)) {
+        selectRow(0);
+        return;
+    }
     if (m_selectedRow < 0)
         return;
     const auto entry = qint32(m_entries.indexOf(m_selectedId));
@@ -150,6 +158,12 @@ void LocalM3UListModel::restoreSelection()
         setSelectedRow(int(row - m_rows.begin()));
     else
         setSelectedRow(std::min(m_selectedRow, matchCount() - 1));
+}
+
+void LocalM3UListModel::setIsSearching(bool searching)
+{
+    if (std::exchange(m_isSearching, searching) != searching)
+        Q_EMIT isSearchingChanged();
 }
 
 void LocalM3UListModel::selectRow(int row)
@@ -178,7 +192,7 @@ void LocalM3UListModel::moveSelection(int by)
 {
     const int last = matchCount() - 1;
     if (m_selectedRow < 0)
-        selectRow(by > 0 ? 0 : last);
+        selectRow(by >= 0 ? 0 : last);
     else
         selectRow(int(std::clamp(qint64(m_selectedRow) + by, qint64(0), qint64(last))));
     if (m_selectedRow >= 0)

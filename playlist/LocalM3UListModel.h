@@ -21,8 +21,10 @@ class LocalM3UListModel : public QAbstractListModel
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     /// The links that the search text leaves.
     Q_PROPERTY(int matchCount READ matchCount NOTIFY matchCountChanged)
-    /// -1 for none. Follows its link when the library changes; when the link goes, its neighbour
-    /// is selected.
+    /// The rows are not those of the search text yet.
+    Q_PROPERTY(bool isSearching READ isSearching NOTIFY isSearchingChanged)
+    /// -1 for none. A new search text selects its first match. Otherwise the selection follows its
+    /// link when the library changes; when the link goes, its neighbour is selected.
     Q_PROPERTY(int selectedRow READ selectedRow WRITE selectRow NOTIFY selectedRowChanged)
 
 public:
@@ -46,6 +48,7 @@ public:
     void setFilterText(const QString &text);
     int count() const { return int(m_store.entries().size()); }
     int matchCount() const { return int(m_rows.size()); }
+    bool isSearching() const { return m_isSearching; }
     int selectedRow() const { return m_selectedRow; }
     void selectRow(int row);
     /// Selects the link with this id, if the search text leaves it.
@@ -67,6 +70,7 @@ Q_SIGNALS:
     void filterTextChanged();
     void countChanged();
     void matchCountChanged();
+    void isSearchingChanged();
     void selectedRowChanged();
     /// The user should see this row.
     void revealRequested(int row);
@@ -80,6 +84,7 @@ private:
     void resetRows();
     void changeRows(const PlaylistEntries &entries, Rows rows);
     void restoreSelection();
+    void setIsSearching(bool searching);
     void setSelectedRow(int row);
 
     LocalM3UStore &m_store;
@@ -94,6 +99,9 @@ private:
     Rows m_rows;
     int m_count = 0;
     QByteArray m_currentAddress;
+    bool m_isSearching = false;
+    /// The search text is new.
+    bool m_selectsFirstMatch = false;
     QUuid m_selectedId;
     int m_selectedRow = -1;
 };

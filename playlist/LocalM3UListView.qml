@@ -4,8 +4,8 @@ import Lumaro.Playlist
 import Lumaro.Ui
 
 // The library's links with a search over them. In the search field the arrows move through the
-// list, Enter plays, F2 edits, and Delete asks to delete where there is nothing to delete in the
-// text.
+// list, Enter plays, F2 edits, Shift+F10 and the menu key show what else can be done, and Delete asks
+// to delete where there is nothing to delete in the text.
 Item {
     id: root
 
@@ -23,8 +23,13 @@ Item {
     function takeFocus(): void {
         search.forceActiveFocus(Qt.ShortcutFocusReason);
     }
+    // Enter was pressed before the matches were found.
+    property bool playsWhenFound: false
+
     function play(): void {
-        // Enter right after typing means the first match.
+        playsWhenFound = links.isSearching;
+        if (playsWhenFound)
+            return;
         if (links.selectedRow < 0)
             links.moveSelection(1);
         played(links.selectedRow);
@@ -44,8 +49,20 @@ Item {
         case Qt.Key_PageUp: links.moveSelection(-page); break;
         case Qt.Key_PageDown: links.moveSelection(page); break;
         case Qt.Key_F2: edited(links.selectedRow); break;
+        case Qt.Key_Menu: askForMenuOfSelected(); break;
+        case Qt.Key_F10:
+            event.accepted = event.modifiers === Qt.ShiftModifier;
+            if (event.accepted)
+                askForMenuOfSelected();
+            break;
         default: event.accepted = false;
         }
+    }
+    function askForMenuOfSelected(): void {
+        links.moveSelection(0);
+        const item = list.itemAtIndex(links.selectedRow);
+        if (item)
+            askForMenu(links.selectedRow, item, 56, list.rowHeight);
     }
     function askForMenu(row: int, item: Item, x: real, y: real): void {
         links.selectedRow = row;
@@ -111,16 +128,15 @@ Item {
         Keys.onEnterPressed: root.play()
         Keys.onDeletePressed: root.deleted(root.links.selectedRow)
         Keys.onEscapePressed: root.dismissed()
-        Keys.onMenuPressed: {
-            const row = itemAtIndex(root.links.selectedRow);
-            if (row)
-                root.askForMenu(root.links.selectedRow, row, 56, rowHeight);
-        }
 
         Connections {
             target: root.links
 
             function onModelReset() { list.positionViewAtBeginning(); }
+            function onIsSearchingChanged() {
+                if (root.playsWhenFound && !root.links.isSearching)
+                    root.play();
+            }
             function onRevealRequested(row: int) { list.positionViewAtIndex(row, ListView.Contain); }
         }
 

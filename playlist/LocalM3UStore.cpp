@@ -3,6 +3,8 @@
 #include "playlist/PlaylistEntryCoding.h"
 #include "playlist/UrlPath.h"
 
+#include <QDebug>
+
 namespace lumaro {
 
 namespace {
@@ -21,6 +23,11 @@ QString nameFor(const QUrl &url, const QString &given)
             return name;
     }
     return QStringLiteral("Stream");
+}
+
+QString failureText(const UserDefaultsError &error)
+{
+    return u"Local M3U could not be saved. " + error.description();
 }
 
 PlaylistEntries load(UserDefaults &defaults)
@@ -42,11 +49,16 @@ LocalM3UStore::LocalM3UStore(UserDefaults &defaults, Scheduler &scheduler, QObje
     : QObject(parent)
     , m_entries(load(defaults))
     , m_addresses(m_entries)
-    , m_writer(defaults, scheduler, defaultsKey, [this](const DefaultsWriter::Result &result) {
-        setErrorMessage(result ? QString()
-                               : u"Local M3U could not be saved. " + result.error().description());
-    })
+    , m_writer(defaults, scheduler, defaultsKey,
+               [this](const DefaultsWriter::Result &result) { noteStored(result); })
 {
+}
+
+LocalM3UStore::~LocalM3UStore()
+{
+    // No window is left to say it in.
+    if (const DefaultsWriter::Result result = m_writer.flush(); !result)
+        qWarning().noquote() << failureText(result.error());
 }
 
 void LocalM3UStore::setEntries(const PlaylistEntries &entries)
@@ -59,15 +71,19 @@ void LocalM3UStore::setEntries(const PlaylistEntries &entries)
 void LocalM3UStore::save(const QUrl &url, const QString &name)
 {
     save({.id = QUuid::createUuid(),
-          .name = nameFor(url, name),
+          .name = name,
           .url = url,
           .logoURL = {},
           .groupTitle = {},
           .countryCode = {}});
 }
 
-void LocalM3UStore::save(const PlaylistEntry &entry)
+void LocalM3UStore::save(PlaylistEntry entry)
 {
+    // It would make all that is stored unreadable.
+    if (!entry.url.isValid())
+        return;
+    entry.name = nameFor(entry.url, entry.name);
     const qsizetype same = indexOf(entry.url);
     const PlaylistEntries others = same < 0 ? m_entries : m_entries.replacing(same, 1, {});
     setEntries(others.replacing(0, 0, {entry}));
@@ -79,12 +95,13 @@ void LocalM3UStore::persist()
     m_writer.write([entries = m_entries] { return encodeEntries(entries); });
 }
 
-void LocalM3UStore::setErrorMessage(const QString &message)
+void LocalM3UStore::noteStored(const DefaultsWriter::Result &result)
 {
-    if (m_errorMessage == message)
-        return;
-    m_errorMessage = message;
-    Q_EMIT errorMessageChanged();
+    const QString message = result ? QString() : failureText(result.error());
+    if (std::exchange(m_errorMessage, message) != message)
+        Q_EMIT errorMessageChanged();
+    if (!result)
+        Q_EMIT storingFailed();
 }
 
 } // namespace lumaro

@@ -20,6 +20,7 @@ public:
     /// Loads the library; data that is no library is set aside. Both outlive the store, which
     /// stores what is not stored yet when it goes.
     LocalM3UStore(UserDefaults &defaults, Scheduler &scheduler, QObject *parent = nullptr);
+    ~LocalM3UStore() override;
 
     const PlaylistEntries &entries() const { return m_entries; }
     /// Call persist() afterwards.
@@ -32,10 +33,10 @@ public:
     bool contains(const QUrl &url) const { return indexOf(url) >= 0; }
 
     /// Puts a new entry first, in place of the first one with the same address, and persists. A
-    /// blank name is made up from the address.
+    /// blank name is made up from the address. Nothing happens when that is invalid.
     void save(const QUrl &url, const QString &name);
-    /// The same for an entry that is already made up.
-    void save(const PlaylistEntry &entry);
+    /// The same for an entry with more than these two.
+    void save(PlaylistEntry entry);
 
     /// Stores the entries soon, in the background. A failure leaves what is stored as it is and
     /// shows in errorMessage.
@@ -44,9 +45,11 @@ public:
 Q_SIGNALS:
     void entriesChanged();
     void errorMessageChanged();
+    /// A change could not be stored, perhaps like the one before; errorMessage says why.
+    void storingFailed();
 
 private:
-    void setErrorMessage(const QString &message);
+    void noteStored(const DefaultsWriter::Result &result);
 
     PlaylistEntries m_entries;
     AddressIndex m_addresses;

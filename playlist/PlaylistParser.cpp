@@ -77,6 +77,8 @@ private:
         const QByteArrayView address = m_pending.logo;
         if (address.isEmpty() || m_addresses.isPlainWebAddress(address))
             return m_builder.inText(address);
+        if (address.size() > AddressReader::maximumLength)
+            return {};
         const auto url = AddressReader::parsed(address);
         return url ? place(address, url->toEncoded()) : Slice();
     }

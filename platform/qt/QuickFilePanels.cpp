@@ -1,5 +1,8 @@
 #include "platform/qt/QuickFilePanels.h"
 
+#include <QFileInfo>
+#include <QStandardPaths>
+
 namespace lumaro {
 
 namespace {
@@ -13,12 +16,25 @@ QString nameFilter(const QString &description, const QStringList &extensions)
     return description + u" (" + patterns.join(u' ') + u')';
 }
 
+QUrl folderOf(const QUrl &file)
+{
+    return file.adjusted(QUrl::RemoveFilename | QUrl::StripTrailingSlash);
+}
+
+/// Where a name was typed, Qt's own panel (6.4) forgets the scheme.
+QUrl withScheme(const QUrl &file)
+{
+    return file.isRelative() ? QUrl::fromLocalFile(QUrl::fromPercentEncoding(file.toEncoded()))
+                             : file;
+}
+
 } // namespace
 
 Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
                                                       std::stop_token stop)
 {
-    return show({.title = request.title,
+    return show({.kind = Kind::File,
+                 .title = request.title,
                  .prompt = request.prompt,
                  .nameFilters = {nameFilter(request.typeDescription, request.extensions),
                                  QStringLiteral("All files (*)")}},
@@ -28,21 +44,26 @@ Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
 Task<std::optional<QUrl>> QuickFilePanels::chooseNewFile(SavePanelRequest request,
                                                          std::stop_token stop)
 {
-    return show({.title = request.title,
-                 .prompt = request.prompt,
-                 .nameFilters = {nameFilter(request.typeDescription, {request.extension})},
-                 .isSaving = true,
-                 .proposedName = request.proposedName,
-                 .defaultSuffix = request.extension},
-                std::move(stop));
+    const QUrl folder = m_newFileFolder.isEmpty()
+        ? QUrl::fromLocalFile(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
+        : m_newFileFolder;
+    return show(
+        {.kind = Kind::NewFile,
+         .title = request.title,
+         .prompt = request.prompt,
+         .nameFilters = {nameFilter(request.typeDescription, {request.extension})},
+         .folder = folder,
+         .proposedFile = QUrl::fromLocalFile(folder.toLocalFile() + u'/' + request.proposedName),
+         .defaultSuffix = request.extension},
+        std::move(stop));
 }
 
 Task<std::optional<QUrl>> QuickFilePanels::chooseFolder(FolderPanelRequest request,
                                                         std::stop_token stop)
 {
-    return show({.title = request.title,
+    return show({.kind = Kind::Folder,
+                 .title = request.title,
                  .prompt = request.prompt,
-                 .isChoosingFolder = true,
                  .folder = request.folder},
                 std::move(stop));
 }
@@ -58,13 +79,38 @@ Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token sto
         Q_EMIT withdrawn();
         answer(std::nullopt);
     });
+    Q_EMIT proposedFileChanged();
     Q_EMIT openRequested();
     co_return co_await choice;
 }
 
-void QuickFilePanels::accept(const QUrl &file)
+void QuickFilePanels::accept(const QUrl &chosen)
 {
-    answer(file);
+    const QUrl file = withScheme(chosen);
+    if (m_panel.kind != Kind::NewFile) {
+        answer(file);
+        return;
+    }
+    m_newFileFolder = folderOf(file);
+    if (!QFileInfo::exists(file.toLocalFile())) {
+        answer(file);
+        return;
+    }
+    m_panel.folder = m_newFileFolder;
+    m_panel.proposedFile = file;
+    Q_EMIT proposedFileChanged();
+    Q_EMIT replacingAsked();
+}
+
+void QuickFilePanels::replace()
+{
+    answer(m_panel.proposedFile);
+}
+
+void QuickFilePanels::chooseAnother()
+{
+    if (m_open)
+        Q_EMIT openRequested();
 }
 
 void QuickFilePanels::reject()

@@ -11,22 +11,27 @@ namespace lumaro {
 class QuickFilePanels : public QObject, public FilePanels
 {
     Q_OBJECT
+    Q_PROPERTY(Kind kind READ kind NOTIFY openRequested)
     Q_PROPERTY(QString title READ title NOTIFY openRequested)
     Q_PROPERTY(QString prompt READ prompt NOTIFY openRequested)
     /// Name filters as Qt's dialogs write them.
     Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY openRequested)
-    /// The panel asks where to write rather than what to read.
-    Q_PROPERTY(bool isSaving READ isSaving NOTIFY openRequested)
-    /// The file name that a saving panel begins with.
-    Q_PROPERTY(QString proposedName READ proposedName NOTIFY openRequested)
-    /// The panel asks for a folder rather than a file.
-    Q_PROPERTY(bool isChoosingFolder READ isChoosingFolder NOTIFY openRequested)
-    /// Where a folder panel begins.
+    /// Where a panel for a folder or a new file begins.
     Q_PROPERTY(QUrl folder READ folder NOTIFY openRequested)
-    /// The extension that a saving panel adds to a name without one.
+    /// What a panel for a new file begins with; what the user chose once replacing is asked.
+    Q_PROPERTY(QUrl proposedFile READ proposedFile NOTIFY proposedFileChanged)
+    Q_PROPERTY(QString proposedName READ proposedName NOTIFY proposedFileChanged)
+    /// The extension that such a panel adds to a name without one.
     Q_PROPERTY(QString defaultSuffix READ defaultSuffix NOTIFY openRequested)
 
 public:
+    enum class Kind {
+        File, ///< an existing file
+        NewFile, ///< a file to write
+        Folder, ///< an existing folder
+    };
+    Q_ENUM(Kind)
+
     using QObject::QObject;
 
     Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token stop) override;
@@ -37,41 +42,50 @@ public:
     Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,
                                            std::stop_token stop) override;
 
+    Kind kind() const { return m_panel.kind; }
     const QString &title() const { return m_panel.title; }
     const QString &prompt() const { return m_panel.prompt; }
-    QStringList nameFilters() const { return m_panel.nameFilters; }
-    bool isSaving() const { return m_panel.isSaving; }
-    const QString &proposedName() const { return m_panel.proposedName; }
-    const QString &defaultSuffix() const { return m_panel.defaultSuffix; }
-    bool isChoosingFolder() const { return m_panel.isChoosingFolder; }
+    const QStringList &nameFilters() const { return m_panel.nameFilters; }
     const QUrl &folder() const { return m_panel.folder; }
+    const QUrl &proposedFile() const { return m_panel.proposedFile; }
+    const QString &defaultSuffix() const { return m_panel.defaultSuffix; }
+    QString proposedName() const { return m_panel.proposedFile.fileName(); }
 
-    Q_INVOKABLE void accept(const QUrl &file);
+    /// A new file that exists already is asked about first.
+    Q_INVOKABLE void accept(const QUrl &chosen);
     Q_INVOKABLE void reject();
+    /// The user agrees to replace the file.
+    Q_INVOKABLE void replace();
+    /// The user would rather go back to the panel.
+    Q_INVOKABLE void chooseAnother();
 
 Q_SIGNALS:
     void openRequested();
+    void proposedFileChanged();
+    /// The view asks whether to replace the file, and answers with replace() or chooseAnother().
+    void replacingAsked();
     /// Whoever asked no longer wants an answer.
     void withdrawn();
 
 private:
     struct Panel
     {
+        Kind kind;
         QString title;
         QString prompt;
         QStringList nameFilters{};
-        bool isSaving = false;
-        QString proposedName{};
-        QString defaultSuffix{};
-        bool isChoosingFolder = false;
         QUrl folder{};
+        QUrl proposedFile{};
+        QString defaultSuffix{};
     };
 
     Task<std::optional<QUrl>> show(Panel panel, std::stop_token stop);
     void answer(const std::optional<QUrl> &file);
 
-    Panel m_panel;
+    Panel m_panel{};
     std::optional<OneShot<std::optional<QUrl>>> m_open;
+    /// Of the last file that was written.
+    QUrl m_newFileFolder;
 };
 
 } // namespace lumaro

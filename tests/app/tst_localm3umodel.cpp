@@ -74,6 +74,7 @@ class LocalM3UModelTest : public QObject
 
 private Q_SLOTS:
     void savesAChannel();
+    void networkListNamesNoFiles();
     void savesWhatPlays();
     void showsWhatIsSavedAlready();
     void savesUnderAName_data();
@@ -86,6 +87,7 @@ private Q_SLOTS:
     void asksBeforeDeleting();
     void deletesOnlyWhatWasAgreedTo();
     void importReplacesTheLibrary();
+    void lastOfTwoImportsCounts();
     void badImportsLoseNothing_data();
     void badImportsLoseNothing();
     void drops_data();
@@ -123,6 +125,24 @@ void LocalM3UModelTest::savesAChannel()
         world.library.saveToLocalM3U(index);
     QCOMPARE(world.storedNames(), u"OneTwoab"_s);
     QCOMPARE(world.shell.sidebarSection(), Section::network);
+}
+
+void LocalM3UModelTest::networkListNamesNoFiles()
+{
+    World world;
+    world.player.openRemote(u"http://h/list.m3u"_s, {});
+    world.http.respond(QUrl(u"http://h/list.m3u"_s), 200,
+                       "#EXTINF:-1,Secret\nfile:///etc/passwd\n"
+                       "#EXTINF:-1 tvg-logo=\"file:///home/me/a.png\",TV\nhttp://h/1\n"_ba);
+    world.scheduler.runBackground();
+    QCOMPARE(world.player.playlist().size(), 2);
+    world.library.saveToLocalM3U(0);
+    QCOMPARE(world.names(), QString());
+    QCOMPARE(world.player.toastMessage(),
+             u"A playlist from the network cannot open files on this computer."_s);
+    world.library.saveToLocalM3U(1);
+    QCOMPARE(world.names(), u"TV"_s);
+    QVERIFY(!world.store.entries().at(0).logoURL);
 }
 
 void LocalM3UModelTest::savesWhatPlays()
@@ -337,6 +357,19 @@ void LocalM3UModelTest::importReplacesTheLibrary()
     QCOMPARE(world.shell.sidebarSection(), Section::network);
 }
 
+void LocalM3UModelTest::lastOfTwoImportsCounts()
+{
+    World world;
+    world.shell.setSidebarSection(Section::localM3U);
+    world.library.drop({world.write(u"first.m3u"_s, "http://h/first\n")}, {});
+    world.library.drop({world.write(u"second.m3u"_s, "http://h/second\n")}, {});
+    // The first is still being read when the second has been.
+    world.scheduler.runNewestBackground();
+    QCOMPARE(world.store.entries().size(), 1);
+    QCOMPARE(world.names(), u"second"_s);
+    QCOMPARE(world.shell.sidebarSection(), Section::localM3U);
+}
+
 void LocalM3UModelTest::badImportsLoseNothing_data()
 {
     QTest::addColumn<QByteArray>("content");
@@ -433,6 +466,13 @@ void LocalM3UModelTest::exports()
     world.library.importLocalPlaylist();
     QCOMPARE(world.storedNames(), u"ab"_s);
     QCOMPARE(world.store.entries().at(1).url, exported.at(1).url);
+
+    world.set(QString());
+    world.library.exportLocalPlaylistAsM3U();
+    world.scheduler.runBackground();
+    QFile empty(world.panels.choice->toLocalFile());
+    QVERIFY(empty.open(QIODevice::ReadOnly));
+    QCOMPARE(empty.readAll(), "#EXTM3U\n"_ba);
 }
 
 void LocalM3UModelTest::saysWhyItCannotExport()
@@ -463,6 +503,12 @@ void LocalM3UModelTest::saysWhatIsNotStored()
     QVERIFY(world.library.isNotStored());
     QCOMPARE(world.library.errorMessage(), error);
     QCOMPARE(world.player.toastMessage(), error);
+    // The next change says so again.
+    world.scheduler.advance(PlayerModel::toastDuration);
+    QCOMPARE(world.player.toastMessage(), QString());
+    world.store.save(QUrl(u"http://h/a"_s), u"a"_s);
+    world.scheduler.runBackground();
+    QCOMPARE(world.player.toastMessage(), error);
     world.defaults.failure.reset();
     world.library.tryAgain();
     QCOMPARE(world.storedNames(), u"a"_s);
@@ -482,7 +528,8 @@ void LocalM3UModelTest::commandsFollowTheState()
         }
         return titles;
     };
-    const QStringList always{u"Show Local M3U"_s, u"Add Link…"_s, u"Import M3U File…"_s};
+    const QStringList always{u"Show Local M3U"_s, u"Add Link…"_s, u"Import M3U File…"_s,
+                             u"Export M3U File…"_s};
     QCOMPARE(enabled(), always);
     world.player.play(QUrl(u"http://h/a.m3u8"_s), u"a"_s, true);
     commands.all()[1]->trigger();

@@ -31,6 +31,15 @@ void FakeScheduler::advance(Duration duration)
     m_now = end;
 }
 
+void FakeScheduler::runNewestBackground()
+{
+    if (!m_background.empty()) {
+        m_background.push_front(std::move(m_background.back()));
+        m_background.pop_back();
+    }
+    runBackground();
+}
+
 void FakeScheduler::runBackground()
 {
     while (!m_background.empty()) {

@@ -21,6 +21,8 @@ public:
 
     /// Does the background work that waits, and what that work asks for in turn.
     void runBackground();
+    /// The same, but what was asked for last overtakes the rest.
+    void runNewestBackground();
 
     qsizetype pendingCalls() const { return qsizetype(m_calls.size()); }
     qsizetype pendingBackgroundWork() const { return qsizetype(m_background.size()); }

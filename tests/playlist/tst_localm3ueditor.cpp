@@ -21,7 +21,7 @@ LocalM3UForm goodForm()
 const QString noName = u"Enter a channel or video name."_s;
 const QString badAddress = u"Enter a valid HTTP or HTTPS M3U8 URL."_s;
 const QString badLogo = u"Enter a valid logo URL."_s;
-const QString badCountry = u"Enter a country code of two letters."_s;
+const QString badCountry = u"Enter a country code of two characters."_s;
 
 struct World
 {
@@ -57,6 +57,7 @@ private Q_SLOTS:
     void checks();
     void errorGoesWithTheNextChange();
     void editingKeepsTheId();
+    void openFormKeepsWhatWasTyped();
     void cancelHandsNothingOver();
     void logoFileFillsTheField();
     void logoFileOfAClosedFormIsDropped();
@@ -158,6 +159,7 @@ void LocalM3UEditorTest::errorGoesWithTheNextChange()
     QCOMPARE(world.editor.errorMessage(), QString());
     world.editor.save();
     QCOMPARE(world.editor.errorMessage(), badAddress);
+    world.editor.cancel();
     world.editor.beginAdding({});
     QCOMPARE(world.editor.errorMessage(), QString());
     QCOMPARE(world.editor.name(), QString());
@@ -176,6 +178,19 @@ void LocalM3UEditorTest::editingKeepsTheId()
     QVERIFY(!world.editor.isNew());
     world.editor.save();
     QCOMPARE(world.saved, QList{entry});
+}
+
+void LocalM3UEditorTest::openFormKeepsWhatWasTyped()
+{
+    World world;
+    world.editor.beginAdding({});
+    world.editor.setName(u"typed"_s);
+    world.editor.beginEditing(PlaylistEntry());
+    QVERIFY(world.editor.isNew());
+    world.editor.beginAdding(u"http://first"_s);
+    world.editor.beginAdding(u"http://second"_s);
+    QCOMPARE(world.editor.name(), u"typed"_s);
+    QCOMPARE(world.editor.address(), u"http://first"_s);
 }
 
 void LocalM3UEditorTest::cancelHandsNothingOver()

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void newChangeEndsRedo();
     void forgetsTheOldest();
     void deletedStaysDeleted();
+    void deletedStaysDeletedUnderOtherIds();
     void deletedAllStaysDeleted();
 };
 
@@ -108,6 +109,36 @@ void LocalM3UHistoryTest::deletedStaysDeleted()
     world.history.redo();
     QCOMPARE(world.names(), u"ca"_s);
     QVERIFY(!world.history.canRedo());
+}
+
+void LocalM3UHistoryTest::deletedStaysDeletedUnderOtherIds()
+{
+    World world;
+    // Saved again and again, it has a new id each time.
+    for (const QString &name : {u"a"_s, u"b"_s, u"a"_s, u"c"_s, u"a"_s})
+        world.save(name);
+    world.removeForGood(0);
+    for (int i = 0; i < LocalM3UHistory::depth; ++i) {
+        QVERIFY(!world.names().contains(u'a'));
+        world.history.undo();
+    }
+    QCOMPARE(world.names(), QString());
+
+    // In a list that holds the link twice, one of them stays, and so do those before.
+    PlaylistEntry link;
+    link.id = QUuid::createUuid();
+    link.name = u"x"_s;
+    link.url = QUrl(u"http://h/x"_s);
+    PlaylistEntry twin = link;
+    twin.id = QUuid::createUuid();
+    twin.name = u"X"_s;
+    world.store.setEntries(PlaylistEntries::fromList({link, twin}));
+    world.store.setEntries(PlaylistEntries::fromList({twin, link}));
+    world.removeForGood(0);
+    QCOMPARE(world.names(), u"x"_s);
+    world.removeForGood(0);
+    world.history.undo();
+    QCOMPARE(world.names(), QString());
 }
 
 void LocalM3UHistoryTest::deletedAllStaysDeleted()

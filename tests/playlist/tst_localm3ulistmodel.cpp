@@ -73,6 +73,7 @@ private Q_SLOTS:
     void selectionFollowsItsLink_data();
     void selectionFollowsItsLink();
     void selectionMoves();
+    void newSearchSelectsItsFirstMatch();
     void showsValues();
     void showsOnlyHarmlessLogos_data();
     void showsOnlyHarmlessLogos();
@@ -224,6 +225,31 @@ void LocalM3UListModelTest::selectionMoves()
     world.search(QString());
     world.model.select(world.store.entries().id(0));
     QCOMPARE(world.selected(), u"a"_s);
+}
+
+void LocalM3UListModelTest::newSearchSelectsItsFirstMatch()
+{
+    World world;
+    QList<PlaylistEntry> entries = links(u"abc"_s);
+    for (PlaylistEntry &entry : entries)
+        entry.groupTitle = u"kanal"_s;
+    world.store.setEntries(PlaylistEntries::fromList(entries));
+    world.model.selectRow(2);
+    world.model.setFilterText(u"k"_s);
+    QVERIFY(world.model.isSearching());
+    world.scheduler.runBackground();
+    QVERIFY(!world.model.isSearching());
+    QCOMPARE(world.selected(), u"a"_s);
+    world.model.selectRow(1);
+    world.model.setFilterText(u"ka"_s);
+    QCOMPARE(world.selected(), u"a"_s);
+    // The same search after a change of the library is no new one.
+    world.model.selectRow(1);
+    world.store.save(QUrl(u"http://h/kan"_s), u"kan"_s);
+    world.scheduler.runBackground();
+    QCOMPARE(world.selected(), u"b"_s);
+    world.model.setFilterText(u"nothing"_s);
+    QCOMPARE(world.model.selectedRow(), -1);
 }
 
 void LocalM3UListModelTest::showsValues()

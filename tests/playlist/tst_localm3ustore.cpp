@@ -1,3 +1,4 @@
+#include "playlist/AddressReader.h"
 #include "playlist/LocalM3UStore.h"
 #include "playlist/PlaylistEntryCoding.h"
 #include "tests/fakes/FakeScheduler.h"
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void containsByAbsoluteString_data();
     void containsByAbsoluteString();
     void survivesTheNextLaunch();
+    void whatIsSavedLoadsAgain();
     void startsEmptyOnBadData_data();
     void startsEmptyOnBadData();
     void saysWhenItCannotStore();
@@ -168,6 +170,21 @@ void LocalM3UStoreTest::survivesTheNextLaunch()
     world.restart();
     QCOMPARE(names(world.store->entries()), (QStringList{u"C"_s, u"B"_s, u"\"A\"\n😀"_s}));
     QCOMPARE(world.store->entries(), changed);
+}
+
+void LocalM3UStoreTest::whatIsSavedLoadsAgain()
+{
+    World world;
+    // Encoded, this is three times as long.
+    const QUrl endless(u"http://h/"_s + QString(AddressReader::maximumLength - 100, u'ü'));
+    QVERIFY(endless.isValid());
+    world.store->save(endless, u"endless"_s);
+    // One that cannot be read back would take all others with it.
+    for (const QString &address : {u""_s, u"http://[1/"_s})
+        world.store->save(QUrl(address), u"none"_s);
+    world.restart();
+    QCOMPARE(names(world.store->entries()), QStringList{u"endless"_s});
+    QVERIFY(world.store->contains(endless));
 }
 
 void LocalM3UStoreTest::startsEmptyOnBadData_data()

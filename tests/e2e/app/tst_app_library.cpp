@@ -4,6 +4,8 @@
 
 #include <QDropEvent>
 #include <QMimeData>
+#include <QQuickItem>
+#include <QScopeGuard>
 
 #include <csignal>
 
@@ -88,6 +90,41 @@ private:
     ChildProcess m_process;
 };
 
+/// Saves what plays and takes it back, again and again: every step stores another library.
+class Typist
+{
+public:
+    explicit Typist(const QString &title)
+        : m_title(title)
+    {
+    }
+    ~Typist() { stop(); }
+    Typist(const Typist &) = delete;
+    Typist &operator=(const Typist &) = delete;
+
+    /// A window that is not quite there yet takes no focus, which ends the typing.
+    void keepTyping()
+    {
+        if (m_process.isRunning())
+            return;
+        QStringList keys{u"windowfocus"_s, Program::window(m_title), u"key"_s, u"--delay"_s,
+                         u"8"_s};
+        for (int i = 0; i < 100; ++i)
+            keys << u"ctrl+d"_s << u"ctrl+z"_s;
+        (void)m_process.start(u"xdotool"_s, keys, {});
+    }
+    void stop()
+    {
+        m_process.stop();
+        // They may be held down now, for whichever window comes next.
+        outputOf(u"xdotool"_s, {u"keyup"_s, u"d"_s, u"keyup"_s, u"z"_s, u"keyup"_s, u"ctrl"_s});
+    }
+
+private:
+    QString m_title;
+    ChildProcess m_process;
+};
+
 /// A file system of a few hundred kilobytes.
 class SmallDisk
 {
@@ -129,6 +166,7 @@ private Q_SLOTS:
 
     void keysAddEditAndDelete();
     void savesWhatPlays();
+    void exportsByKeys();
     void fileDroppedOnTheLibraryBecomesIt();
     void killedWhileWritingKeepsWholeLibraries();
     void fullDiskKeepsTheStoredLibrary();
@@ -222,6 +260,50 @@ void AppLibraryTest::savesWhatPlays()
     QVERIFY(m_world->playsTo(0.2));
 }
 
+void AppLibraryTest::exportsByKeys()
+{
+    const QTemporaryDir home;
+    const auto restore = qScopeGuard([before = qgetenv("HOME")] { qputenv("HOME", before); });
+    qputenv("HOME", home.path().toLocal8Bit());
+    QVERIFY(QDir(home.path()).mkpath(u"Documents"_s));
+    openWorld();
+    m_world->library().setEntries(links(2));
+    const auto exported = [&home](const QString &name) {
+        QFile file(home.filePath(u"Documents/"_s + name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll().count('\n') : 0;
+    };
+    // The panel has the name selected once it is open.
+    const auto nameAndExport = [&] {
+        QVERIFY(pressUntil(Qt::Key_E, Qt::ControlModifier | Qt::ShiftModifier, [&] {
+            const QQuickItem *focus = m_world->window().activeFocusItem();
+            return focus && focus->objectName() == u"fileNameTextField";
+        }));
+        m_world->type(u"my list"_s);
+        m_world->press(Qt::Key_Return);
+    };
+    nameAndExport();
+    QVERIFY(becomesTrue([&] { return exported(u"my list.m3u"_s) == 5; }));
+
+    // The same name again, at first not agreed to.
+    m_world->library().setEntries(links(1));
+    nameAndExport();
+    const auto focusIs = [&](const QString &name) {
+        return becomesTrue([&] {
+            const QQuickItem *focus = m_world->window().activeFocusItem();
+            return focus && focus->property("text") == name;
+        });
+    };
+    QVERIFY(focusIs(u"Cancel"_s));
+    m_world->press(Qt::Key_Return);
+    QVERIFY(focusIs(u"my list.m3u"_s));
+    QCOMPARE(exported(u"my list.m3u"_s), 5);
+    m_world->press(Qt::Key_Return);
+    QVERIFY(focusIs(u"Cancel"_s));
+    m_world->press(Qt::Key_Tab);
+    m_world->press(Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return exported(u"my list.m3u"_s) == 3; }));
+}
+
 void AppLibraryTest::fileDroppedOnTheLibraryBecomesIt()
 {
     openWorld();
@@ -258,23 +340,18 @@ void AppLibraryTest::killedWhileWritingKeepsWholeLibraries()
     for (int round = 0; round < rounds; ++round) {
         QVERIFY(program.start({m_movie}));
         QVERIFY(becomesTrue([&] { return !Program::window(title).isEmpty(); }));
-        // Saves and takes it back, again and again: every step stores another library.
-        QStringList keys{u"windowfocus"_s, u"--sync"_s,  Program::window(title),
-                         u"key"_s,         u"--delay"_s, u"8"_s};
-        for (int i = 0; i < 1000; ++i)
-            keys << u"ctrl+d"_s << u"ctrl+z"_s;
-        ChildProcess typist;
+        Typist typist(title);
         qint64 version = program.libraryVersion();
-        QVERIFY(typist.start(u"xdotool"_s, keys, {}));
         for (int stores = 0; stores <= round; ++stores) {
-            QVERIFY(becomesTrue([&] { return program.libraryVersion() != version; }));
+            QVERIFY(becomesTrue([&] {
+                typist.keepTyping();
+                return program.libraryVersion() != version;
+            }));
             version = program.libraryVersion();
         }
         program.process().sendSignal(SIGKILL);
         QVERIFY(program.process().waitForFinished(20s));
         typist.stop();
-        // It may have been stopped with these held down, for whichever window comes next.
-        outputOf(u"xdotool"_s, {u"keyup"_s, u"d"_s, u"keyup"_s, u"z"_s, u"keyup"_s, u"ctrl"_s});
         QVERIFY(becomesTrue([&] { return Program::window(title).isEmpty(); }));
 
         const auto stored = program.library();
