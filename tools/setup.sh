@@ -15,10 +15,12 @@ build_packages=(
 )
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
-    microsocks tinyproxy-bin
+    microsocks tinyproxy-bin nodejs
 )
+# Some distributions of node bring npm along, and do not get on with the package.
+command -v npm >/dev/null || test_packages+=(npm)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
-bench_packages=(mpv libx11-dev libxext-dev nodejs curl yt-dlp)
+bench_packages=(mpv libx11-dev libxext-dev curl yt-dlp)
 
 # need_packages NAME…: installs those that are not there yet, and says which.
 need_packages() {

@@ -53,10 +53,11 @@ Seconds processorTimeOf(Work work)
     return Seconds(double(std::clock() - start) / CLOCKS_PER_SEC);
 }
 
-/// Whatever else the machine does can only add time.
-Seconds best(const QList<Seconds> &times)
+Seconds median(QList<Seconds> times)
 {
-    return *std::ranges::min_element(times);
+    const auto middle = times.begin() + times.size() / 2;
+    std::ranges::nth_element(times, middle);
+    return *middle;
 }
 
 /// What the library is stored in and shown by, as in the application.
@@ -95,17 +96,41 @@ Seconds longestHold(Library &library, const QString &folder, const std::function
     return library.store.errorMessage().isEmpty() ? longest : Seconds::max();
 }
 
-Row saving(const QString &what, const QString &folder, int rounds, const QString &search)
+/// The changes that a user makes one at a time.
+enum class Change { Save, Edit, Delete };
+
+void make(Change change, Library &library, const QString &name)
+{
+    const PlaylistEntries &entries = library.store.entries();
+    const qsizetype middle = entries.size() / 2;
+    switch (change) {
+    case Change::Save:
+        library.store.save(QUrl(u"http://new.example/%1.m3u8"_s.arg(name)), u"New " + name);
+        break;
+    case Change::Edit: {
+        PlaylistEntry entry = entries.at(middle);
+        entry.name += name;
+        library.store.setEntries(entries.replacing(middle, 1, {entry}));
+        library.store.persist();
+        break;
+    }
+    case Change::Delete:
+        library.history.deleteForGood(entries.id(middle));
+        break;
+    }
+}
+
+Row changing(const QString &what, const QString &folder, int rounds, Change change,
+             const QString &search)
 {
     Library library(folder);
     library.list.setFilterText(search);
     QList<Seconds> times;
     for (int round = 0; round < rounds; ++round) {
-        const QUrl url(u"http://new.example/%1%2.m3u8"_s.arg(search).arg(round));
-        times.append(
-            longestHold(library, folder, [&] { library.store.save(url, u"New channel"_s); }));
+        times.append(longestHold(library, folder,
+                                 [&] { make(change, library, search + QString::number(round)); }));
     }
-    return {what, best(times) / frame, milliseconds(best(times)), Limit{Limit::Kind::Below, 1}};
+    return {what, median(times) / frame, milliseconds(median(times)), Limit{Limit::Kind::Below, 1}};
 }
 
 Row loading(const QString &folder, int rounds)
@@ -120,8 +145,8 @@ Row loading(const QString &folder, int rounds)
             size = store.entries().size();
         }));
     }
-    Row row{u"processor time of loading, to 300 ms"_s, best(times) / loadingTime,
-            milliseconds(best(times)), Limit{Limit::Kind::Below, 1}};
+    Row row{u"processor time of loading, to 300 ms"_s, median(times) / loadingTime,
+            milliseconds(median(times)), Limit{Limit::Kind::Below, 1}};
     if (size < linkCount)
         row.ratio = std::unexpected(u"found %1 links"_s.arg(size));
     return row;
@@ -147,7 +172,7 @@ Seconds timeOfQuestions(const PlaylistEntries &entries, int different, int round
                 found += addresses.indexOf(urls[i % different]) >= 0 ? 1 : 0;
         }));
     }
-    return found == qsizetype(rounds) * questions / 2 ? best(times) : Seconds::max();
+    return found == qsizetype(rounds) * questions / 2 ? median(times) : Seconds::max();
 }
 
 /// With few different addresses, as a window shows them, the processor's cache holds what is
@@ -185,9 +210,12 @@ int main(int argc, char *argv[])
         u"library of 50,000 links"_s,
         {
             loading(folder.path(), rounds),
-            saving(u"longest hold of the main thread by a save, to 16 ms"_s, folder.path(), rounds,
-                   {}),
-            saving(u"the same during a search"_s, folder.path(), rounds, u"sports"_s),
+            changing(u"longest hold of the main thread by a save, to 16 ms"_s, folder.path(),
+                     rounds, Change::Save, {}),
+            changing(u"the same by an edit"_s, folder.path(), rounds, Change::Edit, {}),
+            changing(u"the same by a deletion"_s, folder.path(), rounds, Change::Delete, {}),
+            changing(u"the same by a save during a search"_s, folder.path(), rounds, Change::Save,
+                     u"sports"_s),
             asking(u"time of contains, to that in a library of 50"_s, 100, rounds,
                    Limit{Limit::Kind::AtMost, 1.2}),
             asking(u"the same for 50,000 different addresses"_s, 50'000, rounds, std::nullopt),
