@@ -82,6 +82,8 @@ protected:
         request.setRawHeader("Accept-Encoding", "identity");
         QNetworkReply *reply =
             QNetworkAccessManager::createRequest(operation, request, outgoingData);
+        // Else Qt goes on reading for as long as a fast server does not pause.
+        reply->setReadBufferSize(2 * BoundedNetworkAccess::maximumPictureSize);
         connect(reply, &QNetworkReply::metaDataChanged, reply, [reply] {
             if (reply->header(QNetworkRequest::ContentLengthHeader).toLongLong()
                 > BoundedNetworkAccess::maximumPictureSize)
