@@ -128,12 +128,9 @@ void TerminalDownload::finish(const M3U8DownloadManager::JobState &job)
         return Q_EMIT finished(1);
     }
     const bool isSaved = job.progress.has_value();
-    if (size == 0 && !isSaved) {
-        m_terminal.say(QStringLiteral("Stopped · nothing saved"));
-    } else {
-        m_terminal.say(joined({job.message, sizeText(size), time}));
+    m_terminal.say(joined({job.message, sizeText(size), time}));
+    if (!job.destination.isEmpty())
         m_terminal.print(pathOf(job));
-    }
     Q_EMIT finished(isSaved ? 0 : statusAfterStop(size));
 }
 

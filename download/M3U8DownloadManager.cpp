@@ -205,6 +205,9 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::append(QUrl segment, Seg
     // The open file would go on growing where nobody finds it.
     if (!file.folderExists())
         co_return std::unexpected(DownloadError::cannotCreateDestination);
+    if (file.isDeleted())
+        co_return std::unexpected(FileWriteError{.kind = FileWriteError::Kind::Failed,
+                                                 .description = QStringLiteral("it was deleted")});
     file.keep();
     co_return {};
 }
@@ -225,8 +228,11 @@ void M3U8DownloadManager::finish(const QString &key, const Outcome &outcome, boo
         state.message = QStringLiteral("Download failed");
     }
     m_tasks.remove(key);
-    if (!outcome && !wasStopped)
-        setErrorMessage(description(outcome.error()));
+    if (!outcome && !wasStopped) {
+        // Announced even when the last failure was the same.
+        m_errorMessage = description(outcome.error());
+        Q_EMIT errorMessageChanged();
+    }
     setJob(key, state);
 }
 
@@ -241,17 +247,12 @@ void M3U8DownloadManager::setJob(const QString &key, const JobState &state)
 
 // Errors and the save folder
 
-void M3U8DownloadManager::setErrorMessage(const QString &message)
-{
-    if (m_errorMessage == message)
-        return;
-    m_errorMessage = message;
-    Q_EMIT errorMessageChanged();
-}
-
 void M3U8DownloadManager::dismissError()
 {
-    setErrorMessage(QString());
+    if (m_errorMessage.isEmpty())
+        return;
+    m_errorMessage.clear();
+    Q_EMIT errorMessageChanged();
 }
 
 void M3U8DownloadManager::setSaveFolder(const QUrl &folder)

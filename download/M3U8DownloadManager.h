@@ -95,7 +95,6 @@ private:
     void finish(const QString &key, const Outcome &outcome, bool wasStopped, double seconds);
 
     void setJob(const QString &key, const JobState &state);
-    void setErrorMessage(const QString &message);
     Task<> askForSaveFolder();
 
     DownloadPlatform m_platform;

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 namespace lumaro {
 
 SegmentFile::~SegmentFile()
@@ -37,6 +39,13 @@ bool SegmentFile::append(QByteArrayView bytes)
 bool SegmentFile::folderExists() const
 {
     return QFileInfo(m_file).dir().exists();
+}
+
+bool SegmentFile::isDeleted() const
+{
+    // Moved or renamed it would still be there.
+    struct stat status{};
+    return fstat(m_file.handle(), &status) == 0 && status.st_nlink == 0;
 }
 
 FileWriteError SegmentFile::currentError() const

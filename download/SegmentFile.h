@@ -27,6 +27,8 @@ public:
 
     /// The folder that the file was made in is still there.
     bool folderExists() const;
+    /// Somebody has deleted the file.
+    bool isDeleted() const;
 
     const std::optional<FileWriteError> &error() const { return m_error; }
 

@@ -23,6 +23,9 @@ HttpRequest requestFor(const QUrl &url)
 /// Empty when the server gave what was asked for.
 std::optional<DownloadFailure> failureOf(const std::expected<HttpResponse, HttpError> &response)
 {
+    // What no HTTP server was asked for, none has granted.
+    if (!response && response.error().kind == HttpError::Kind::UnsupportedAddress)
+        return DownloadError::serverRejected;
     if (!response)
         return response.error();
     if (response->status < 200 || response->status > 299)

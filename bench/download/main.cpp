@@ -1,6 +1,7 @@
 // Saving a stream from nginx on this machine, Lumaro, curl, ffmpeg and yt-dlp by turns.
 //   bench_download APP [--rounds N]
 
+#include "bench/report/Report.h"
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/NginxServer.h"
 
@@ -10,7 +11,9 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <thread>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
@@ -22,11 +25,8 @@ constexpr double wallLimit = 1.5;
 constexpr double processorLimit = 0.25;
 /// What a stream may add to what the program needs for any, in bytes.
 constexpr qint64 memoryLimit = 8 * 1024 * 1024;
+constexpr Seconds stopLimit = 200ms;
 constexpr auto patience = 5min;
-
-using Seconds = std::chrono::duration<double>;
-template <typename T>
-using Result = std::expected<T, QString>;
 
 struct Command
 {
@@ -46,7 +46,7 @@ struct Run
     qint64 size = 0;
 };
 
-Result<Run> measure(const Command &command)
+Measured<Run> measure(const Command &command)
 {
     QFile::remove(command.file);
     const auto begin = std::chrono::steady_clock::now();
@@ -63,6 +63,27 @@ Result<Run> measure(const Command &command)
     if (!ended || process.exitCode() != 0 || size == 0)
         return std::unexpected(QString(command.name + u" failed."_s));
     return Run{wall, process.processorTime(), process.peakMemory(), size};
+}
+
+/// The longest time from the signal to the end, for stops at different moments.
+Measured<Seconds> slowestStop(const Command &command)
+{
+    Seconds slowest{};
+    for (const auto moment : {20ms, 60ms, 100ms, 140ms, 180ms, 220ms, 260ms}) {
+        ChildProcess process;
+        if (const auto started = process.start(command.program, command.arguments, {}); !started)
+            return std::unexpected(started.error());
+        std::this_thread::sleep_for(moment);
+        const bool isEarly = process.isRunning();
+        const auto begin = std::chrono::steady_clock::now();
+        process.sendSignal(SIGINT);
+        if (!process.waitForFinished(patience))
+            return std::unexpected(u"A stopped download went on."_s);
+        if (isEarly)
+            slowest = std::max<Seconds>(slowest, std::chrono::steady_clock::now() - begin);
+        QFile::remove(command.file);
+    }
+    return slowest;
 }
 
 double median(QList<double> values)
@@ -101,7 +122,7 @@ qint64 memoryOf(const QList<Run> &runs)
 class Course
 {
 public:
-    static Result<std::unique_ptr<Course>> open(const QString &app)
+    static Measured<std::unique_ptr<Course>> open(const QString &app)
     {
         const auto playlist =
             MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::LargeHls);
@@ -188,7 +209,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-Result<QList<QList<Run>>> measureRounds(const QList<Command> &commands, int rounds)
+Measured<QList<QList<Run>>> measureRounds(const QList<Command> &commands, int rounds)
 {
     QList<QList<Run>> runs(commands.size());
     for (int round = 0; round < rounds; ++round) {
@@ -206,11 +227,42 @@ Result<QList<QList<Run>>> measureRounds(const QList<Command> &commands, int roun
     return runs;
 }
 
-bool isWithin(const char *what, double ratio, double limit)
+QString megabytes(qint64 bytes)
 {
-    std::printf("%s: %.2f (limit: at most %g)%s\n", what, ratio, limit,
-                ratio <= limit ? "" : " MISSED");
-    return ratio <= limit;
+    return u"%1 MB"_s.arg(double(bytes) / 1e6, 0, 'f', 1);
+}
+
+Measured<QList<Row>> measureAll(const QString &app, int rounds)
+{
+    const auto course = Course::open(app);
+    if (!course)
+        return std::unexpected(course.error());
+    const QList<Command> commands = (*course)->commands();
+    const auto runs = measureRounds(commands, rounds);
+    if (!runs)
+        return std::unexpected(runs.error());
+    const auto stop = slowestStop(commands.at(0));
+    if (!stop)
+        return std::unexpected(stop.error());
+
+    const QList<Run> &lumaro = runs->at(0);
+    const auto ratio = [&](auto value, int peer) { return value(lumaro) / value(runs->at(peer)); };
+    const qint64 growth = memoryOf(lumaro) - memoryOf(runs->at(1));
+    using enum Limit::Kind;
+    return QList<Row>{
+        {u"wall time, to one curl"_s, ratio(wallOf, 2), milliseconds(Seconds(wallOf(lumaro))),
+         Limit{AtMost, wallLimit}},
+        {u"processor time a GB, to ffmpeg -c copy"_s,
+         ratio(processorOf, 3),
+         {},
+         Limit{AtMost, processorLimit}},
+        {u"processor time a GB, to yt-dlp"_s,
+         ratio(processorOf, 4),
+         {},
+         Limit{AtMost, processorLimit}},
+        {u"memory beyond that for two segments, to 8 MB"_s, double(growth) / double(memoryLimit),
+         megabytes(growth), Limit{AtMost, 1}},
+        {u"slowest stop, to 200 ms"_s, *stop / stopLimit, milliseconds(*stop), Limit{AtMost, 1}}};
 }
 
 } // namespace
@@ -228,22 +280,10 @@ int main(int argc, char *argv[])
     if (parser.positionalArguments().size() != 1 || rounds < 1)
         parser.showHelp(2);
 
-    const auto course = Course::open(parser.positionalArguments().first());
-    const auto runs =
-        course ? measureRounds((*course)->commands(), rounds) : std::unexpected(course.error());
-    if (!runs) {
-        std::fprintf(stderr, "download: %s\n", qPrintable(runs.error()));
+    const auto rows = measureAll(parser.positionalArguments().first(), rounds);
+    if (!rows) {
+        std::fprintf(stderr, "download: %s\n", qPrintable(rows.error()));
         return 2;
     }
-    const QList<Run> &lumaro = runs->at(0);
-    const qint64 growth = memoryOf(lumaro) - memoryOf(runs->at(1));
-    const QList<bool> results{
-        isWithin("wall time, to one curl", wallOf(lumaro) / wallOf(runs->at(2)), wallLimit),
-        isWithin("processor time a GB, to ffmpeg -c copy",
-                 processorOf(lumaro) / processorOf(runs->at(3)), processorLimit),
-        isWithin("processor time a GB, to yt-dlp", processorOf(lumaro) / processorOf(runs->at(4)),
-                 processorLimit),
-        isWithin("memory beyond that for two segments, in MB", double(growth) / 1e6,
-                 double(memoryLimit) / 1e6)};
-    return results.contains(false) ? 1 : 0;
+    return report(u"download of 200 segments of 2 MB"_s, *rows);
 }

@@ -69,7 +69,7 @@ std::expected<void, HttpError> CurlTransfer::prepare()
     const auto set = [this](CURLoption option, auto value) {
         curl_easy_setopt(m_easy.get(), option, value);
     };
-    // Forgets the answer before; keeps connections and cookies.
+    // Forgets the answer before; keeps connections.
     curl_easy_reset(m_easy.get());
     const QByteArray address = m_request.url.toEncoded(QUrl::FullyEncoded | QUrl::RemoveFragment);
     set(CURLOPT_URL, address.constData());
@@ -78,9 +78,9 @@ std::expected<void, HttpError> CurlTransfer::prepare()
     set(CURLOPT_USERAGENT, m_request.userAgent.constData());
     // Whatever this libcurl can decode.
     set(CURLOPT_ACCEPT_ENCODING, "");
-    // Cookies live as long as the request: some servers hand one out with a redirect.
-    set(CURLOPT_COOKIEFILE, "");
     set(CURLOPT_NOSIGNAL, 1L);
+    // Who gives up while a name is looked up does not wait for the resolver, which may take long.
+    set(CURLOPT_QUICK_EXIT, 1L);
     set(CURLOPT_BUFFERSIZE, receiveBufferSize);
     set(CURLOPT_MAXFILESIZE_LARGE, curl_off_t(m_request.maximumBodySize));
     set(CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
@@ -133,7 +133,8 @@ std::expected<HttpResponse, HttpError> CurlTransfer::result(CURLcode code)
 {
     if (m_refusal)
         return std::unexpected(HttpError{*m_refusal});
-    if (code != CURLE_OK)
+    const bool wasCutOff = code == CURLE_WRITE_ERROR && isUnwanted();
+    if (code != CURLE_OK && !wasCutOff)
         return std::unexpected(HttpError{errorKind(code)});
     return HttpResponse{status(), m_request.url, std::move(m_body)};
 }
@@ -156,14 +157,21 @@ bool CurlTransfer::take(QByteArrayView bytes)
     m_received += bytes.size();
     if (isRedirect())
         return m_received <= maximumRedirectBody;
+    if (isUnwanted())
+        return false;
     if (m_received > m_request.maximumBodySize) {
         m_refusal = HttpError::Kind::TooLarge;
     } else if (!m_sink) {
         m_body.append(bytes);
-    } else if (status() / 100 == 2 && !m_sink(bytes)) {
+    } else if (!m_sink(bytes)) {
         m_refusal = HttpError::Kind::NotTaken;
     }
     return !m_refusal;
+}
+
+bool CurlTransfer::isUnwanted() const
+{
+    return m_sink && status() / 100 != 2;
 }
 
 int CurlTransfer::status() const

@@ -46,6 +46,8 @@ private:
     static size_t onHeader(char *bytes, size_t size, size_t count, void *transfer);
     void setProxy();
     bool take(QByteArrayView bytes);
+    /// The answer's body is not what the sink is for; it may have no end.
+    bool isUnwanted() const;
     int status() const;
     std::optional<QByteArray> location() const;
 

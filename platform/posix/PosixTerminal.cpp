@@ -24,6 +24,13 @@ extern "C" void tellEventLoop(int number)
     [[maybe_unused]] const ssize_t written = write(signalPipe[1], &byte, 1);
 }
 
+/// Whoever started this process may have it ignore a signal, as nohup does.
+bool isIgnored(int number)
+{
+    struct sigaction action{};
+    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 void writeAll(int descriptor, const QByteArray &text)
 {
     QByteArrayView bytes = text;
@@ -53,14 +60,18 @@ PosixTerminal::PosixTerminal(QObject *parent)
         return;
     m_signals = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
     connect(m_signals.get(), &QSocketNotifier::activated, this, &PosixTerminal::receiveSignal);
-    for (const int number : endingSignals)
-        std::signal(number, tellEventLoop);
+    for (const int number : endingSignals) {
+        if (!isIgnored(number))
+            std::signal(number, tellEventLoop);
+    }
 }
 
 PosixTerminal::~PosixTerminal()
 {
-    for (const int number : endingSignals)
-        std::signal(number, SIG_DFL);
+    for (const int number : endingSignals) {
+        if (!isIgnored(number))
+            std::signal(number, SIG_DFL);
+    }
     m_signals.reset();
     for (int &end : signalPipe)
         close(std::exchange(end, -1));

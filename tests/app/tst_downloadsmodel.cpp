@@ -97,7 +97,6 @@ void DownloadsModelTest::tellsOfErrors()
 {
     World world;
     const auto failOnce = [&] {
-        world.downloadManager.dismissError();
         world.downloadManager.start(stream, {});
         world.http.respond(stream, 404, {});
     };
@@ -106,7 +105,13 @@ void DownloadsModelTest::tellsOfErrors()
     QCOMPARE(world.player.toastMessage(), QString());
     world.downloads.setPanelShown(false);
     failOnce();
-    QCOMPARE(world.player.toastMessage(), u"The stream server rejected the download request."_s);
+    const QString rejected = u"The stream server rejected the download request."_s;
+    QCOMPARE(world.player.toastMessage(), rejected);
+    // The same again is news too.
+    world.scheduler.advance(PlayerModel::toastDuration);
+    QCOMPARE(world.player.toastMessage(), QString());
+    failOnce();
+    QCOMPARE(world.player.toastMessage(), rejected);
 }
 
 void DownloadsModelTest::showsTheFolder()

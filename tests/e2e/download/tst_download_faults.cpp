@@ -19,7 +19,6 @@ constexpr auto playlistType = "application/vnd.apple.mpegurl";
 constexpr int patience = 30'000;
 constexpr qint64 segmentSize = 300'000;
 const QString rejected = u"The stream server rejected the download request."_s;
-const QString notHttp = u"The address is not an HTTP or HTTPS address."_s;
 const QString lost = u"The connection to the server was lost."_s;
 
 QByteArray segmentBytes(char letter)
@@ -67,6 +66,7 @@ private Q_SLOTS:
     void failsOnAFullDisk();
     void failsOnAReadOnlyFolder();
     void failsWhenTheFolderGoes();
+    void failsWhenTheFileGoes();
     void refusesAHugePlaylist();
     void takesManySegments();
     void holdsNoSegmentInMemory();
@@ -129,7 +129,17 @@ void DownloadFaultsTest::keepsWholeSegments_data()
             r.status = 302;
             r.headers = {{"Location", "file:///etc/passwd"}};
         },
-        notHttp);
+        rejected);
+    row(
+        "an error page without end",
+        [](FaultResponse &r) {
+            r.status = 403;
+            r.body = {.head = {},
+                      .part = QByteArray(4096, 'x'),
+                      .times = RepeatedBody::endless,
+                      .tail = {}};
+        },
+        rejected);
 }
 
 void DownloadFaultsTest::keepsWholeSegments()
@@ -190,7 +200,7 @@ void DownloadFaultsTest::refusesOtherSchemes()
     serve("/list.m3u8", playlist);
     m_world->manager().start(list(), u"Film"_s);
     QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
-    QCOMPARE(m_world->manager().errorMessage(), notHttp);
+    QCOMPARE(m_world->manager().errorMessage(), rejected);
     for (const QString &name : QDir(m_world->path({})).entryList(QDir::Files))
         QCOMPARE(contentOf(m_world->path(name)), QByteArray());
 
@@ -298,6 +308,18 @@ void DownloadFaultsTest::failsWhenTheFolderGoes()
     QCOMPARE(m_world->manager().errorMessage(),
              u"The selected download folder is no longer "
              "available. Choose another Save Folder."_s);
+}
+
+void DownloadFaultsTest::failsWhenTheFileGoes()
+{
+    m_server->hold("/b");
+    m_world->manager().start(list(), u"Film"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_server->requestCount("/b"), 1, patience);
+    QVERIFY(QFile::remove(m_world->path(u"Film.ts"_s)));
+    m_server->release("/b");
+    QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
+    QCOMPARE(m_world->manager().errorMessage(),
+             u"The file could not be written: it was deleted."_s);
 }
 
 void DownloadFaultsTest::refusesAHugePlaylist()

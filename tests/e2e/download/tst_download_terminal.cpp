@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QTest>
+#include <QUdpSocket>
 
 #include <csignal>
 
@@ -33,9 +34,10 @@ public:
         m_process.start(arguments.first(), arguments.sliced(1));
     }
 
-    bool ends()
+    bool ends() { return endsWithin(patience); }
+    bool endsWithin(int milliseconds)
     {
-        return QTest::qWaitFor([this] { return isOver(); }, patience);
+        return QTest::qWaitFor([this] { return isOver(); }, milliseconds);
     }
     int exitCode() const { return m_process.exitCode(); }
     void send(int signalNumber) { kill(pid_t(m_process.processId()), signalNumber); }
@@ -73,6 +75,8 @@ private Q_SLOTS:
     void saysWhyItFails();
     void keepsTheFileWhenInterrupted();
     void cutShortIsNotSuccess();
+    void endsWhileANameIsLookedUp();
+    void goesOnWithoutItsTerminal();
 
 private:
     QStringList command(const QUrl &url) const
@@ -176,6 +180,45 @@ void DownloadTerminalTest::cutShortIsNotSuccess()
     QCOMPARE(program.exitCode(), 128 + SIGTERM);
     QCOMPARE(program.printed(), path + u'\n');
     QCOMPARE(contentOf(path), QByteArray("whole"));
+}
+
+void DownloadTerminalTest::endsWhileANameIsLookedUp()
+{
+    // A name server that never answers, for the program only.
+    QUdpSocket nameServer;
+    if (!nameServer.bind(QHostAddress(u"127.0.0.53"_s), 53))
+        QSKIP("This process may not be a name server.");
+    const QTemporaryDir folder;
+    QFile settings(folder.filePath(u"resolv.conf"_s));
+    QVERIFY(settings.open(QIODevice::WriteOnly));
+    settings.write("nameserver 127.0.0.53\noptions timeout:30 attempts:3\n");
+    settings.close();
+    Program program(
+        QStringList{u"unshare"_s, u"--mount"_s, u"sh"_s, u"-c"_s,
+                    u"mount --bind '%1' /etc/resolv.conf && exec \"$@\""_s.arg(settings.fileName()),
+                    u"sh"_s}
+        + command(QUrl(u"http://slow.lumaro.test/a.m3u8"_s)));
+    QTRY_VERIFY_WITH_TIMEOUT(nameServer.hasPendingDatagrams(), patience);
+    program.send(SIGINT);
+    QVERIFY(program.endsWithin(20'000));
+    QCOMPARE(program.exitCode(), 128 + SIGINT);
+    QVERIFY(program.said().contains(u"Stopped · file saved"));
+}
+
+void DownloadTerminalTest::goesOnWithoutItsTerminal()
+{
+    const auto server = valueOrFail(FaultServer::start());
+    server->route("/list.m3u8", FaultResponse::of("text/plain", "#EXTM3U\na\n#EXT-X-ENDLIST\n"));
+    server->route("/a", FaultResponse::of("video/mp2t", "whole"));
+    server->hold("/a");
+    Program program(QStringList{u"nohup"_s} + command(server->url("/list.m3u8"))
+                    + QStringList{u"--name"_s, u"Left alone"_s});
+    QTRY_COMPARE_WITH_TIMEOUT(server->requestCount("/a"), 1, patience);
+    program.send(SIGHUP);
+    server->release("/a");
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(contentOf(m_folder.filePath(u"Left alone.ts"_s)), QByteArray("whole"));
 }
 
 QTEST_GUILESS_MAIN(DownloadTerminalTest)
