@@ -3,15 +3,16 @@
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <optional>
 
 namespace lumaro::contentrules {
 
 namespace {
 
-bool isWebAddress(const QUrl &url)
+bool isWebAddress(QByteArrayView address)
 {
-    const QString scheme = url.scheme();
-    return scheme == u"http" || scheme == u"https" || scheme == u"ws" || scheme == u"wss";
+    return address.startsWith("http://") || address.startsWith("https://")
+        || address.startsWith("ws://") || address.startsWith("wss://");
 }
 
 /// Calls `use` with the host and each domain above it until it returns true.
@@ -36,19 +37,38 @@ struct RuleMatcher::Subject
     /// Longer addresses only gain time.
     static constexpr qsizetype maximumLength = 16384;
 
-    QByteArray address;
-    QByteArray lowerAddress;
-    RequestFacts facts;
-
-    explicit Subject(const ContentRequest &request)
-        : address(request.url.toEncoded(QUrl::FullyEncoded).left(maximumLength))
-        , lowerAddress(address.toLower())
-        , facts(request)
+    explicit Subject(const ContentRequest &asked)
+        : request(asked)
+        , lowerAddress(lowered(encoded(asked)))
     {
     }
-    const QByteArray &seenBy(const UrlPattern &pattern) const
+    const QByteArray &seenBy(const UrlPattern &pattern)
     {
-        return pattern.isCaseSensitive ? address : lowerAddress;
+        if (!pattern.isCaseSensitive)
+            return lowerAddress;
+        return address ? *address : address.emplace(encoded(request));
+    }
+    // Most requests have an address that no rule is for, and need none of this.
+    const RequestFacts &facts() { return knownFacts ? *knownFacts : knownFacts.emplace(request); }
+
+    const ContentRequest &request;
+    QByteArray lowerAddress;
+    std::optional<QByteArray> address;
+    std::optional<RequestFacts> knownFacts;
+
+private:
+    static QByteArray encoded(const ContentRequest &request)
+    {
+        QByteArray address = request.url.toEncoded(QUrl::FullyEncoded);
+        address.truncate(maximumLength);
+        return address;
+    }
+    /// QByteArray's own way takes several times as long.
+    static QByteArray lowered(QByteArray text)
+    {
+        for (char &c : text)
+            c = char(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0));
+        return text;
     }
 };
 
@@ -58,17 +78,17 @@ RuleMatcher::RuleMatcher(std::vector<ContentRule> rules)
     std::vector<TextIndex::Entry> texts;
     for (size_t rule = 0; rule < m_rules.size(); ++rule) {
         // The patterns are all that is needed of it.
-        for (const UrlPattern &pattern : std::exchange(m_rules[rule].patterns, {}))
-            file(pattern, quint32(rule), texts);
+        for (UrlPattern &pattern : std::exchange(m_rules[rule].patterns, {}))
+            file(std::move(pattern), quint32(rule), texts);
     }
     m_texts = TextIndex(texts);
 }
 
-void RuleMatcher::file(const UrlPattern &pattern, quint32 rule,
-                       std::vector<TextIndex::Entry> &texts)
+void RuleMatcher::file(UrlPattern added, quint32 rule, std::vector<TextIndex::Entry> &texts)
 {
     const auto number = quint32(m_patterns.size());
-    m_patterns.push_back({pattern, rule});
+    m_patterns.push_back({std::move(added), rule});
+    const UrlPattern &pattern = m_patterns.back().filter;
     const Condition &condition = m_rules[rule].condition;
     if (!pattern.required.isEmpty()) {
         texts.push_back({pattern.required, number});
@@ -80,18 +100,18 @@ void RuleMatcher::file(const UrlPattern &pattern, quint32 rule,
     }
 }
 
-bool RuleMatcher::applies(const Pattern &pattern, const Subject &subject) const
+bool RuleMatcher::applies(const Pattern &pattern, Subject &subject) const
 {
-    return m_rules[pattern.rule].condition.holds(subject.facts)
+    return m_rules[pattern.rule].condition.holds(subject.facts())
         && (pattern.filter.matchesEverything()
             || pattern.filter.matches(subject.seenBy(pattern.filter)));
 }
 
 bool RuleMatcher::matchesAny(const ContentRequest &request) const
 {
-    if (!isWebAddress(request.url))
+    Subject subject(request);
+    if (!isWebAddress(subject.lowerAddress))
         return false;
-    const Subject subject(request);
     const auto tryPattern = [&](quint32 number) { return applies(m_patterns[number], subject); };
     // A text may be found in many places; the pattern's answer stays the same.
     QVarLengthArray<quint32, 32> tried;
@@ -109,7 +129,7 @@ bool RuleMatcher::matchesAny(const ContentRequest &request) const
     };
     return std::ranges::any_of(m_others, tryPattern)
         || m_texts.search(subject.lowerAddress, tryText)
-        || anyDomain(subject.facts.page, tryDomain);
+        || (!m_domains.isEmpty() && anyDomain(subject.facts().page, tryDomain));
 }
 
 } // namespace lumaro::contentrules

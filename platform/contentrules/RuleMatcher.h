@@ -23,8 +23,8 @@ private:
     };
     struct Subject;
 
-    void file(const UrlPattern &pattern, quint32 rule, std::vector<TextIndex::Entry> &texts);
-    bool applies(const Pattern &pattern, const Subject &subject) const;
+    void file(UrlPattern added, quint32 rule, std::vector<TextIndex::Entry> &texts);
+    bool applies(const Pattern &pattern, Subject &subject) const;
 
     std::vector<ContentRule> m_rules;
     std::vector<Pattern> m_patterns;

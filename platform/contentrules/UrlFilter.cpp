@@ -13,6 +13,7 @@ struct Node
 {
     enum class Kind {
         Set,
+        Text, ///< nothing but these characters, which one after another would take much room
         Sequence,
         Choice,
         Repeat, ///< of the only child
@@ -21,6 +22,7 @@ struct Node
     };
     Kind kind = Kind::Sequence;
     CharSet set;
+    QByteArray text;
     std::vector<Node> children;
     bool mayBeAbsent = false;
     bool mayGoOn = false;
@@ -83,9 +85,35 @@ private:
         return node;
     }
 
+    /// An alternative that is a text, as in a long list of domains; empty for any other, which is
+    /// then still to be read.
+    QByteArray wholeText()
+    {
+        static constexpr QByteArrayView special = "()[].^$*+?{}";
+        const qsizetype begin = m_at;
+        QByteArray text;
+        while (!atEnd() && !nextIs('|') && !nextIs(')')) {
+            char c = m_text[m_at++];
+            const bool isEscaped = c == '\\';
+            if (isEscaped)
+                c = escapedCharacter().value_or('\0');
+            if (c <= 0 || (!isEscaped && special.contains(c))) {
+                m_at = begin;
+                return {};
+            }
+            text += m_isCaseSensitive ? c : lower(c);
+        }
+        return text;
+    }
+
     std::optional<Node> sequence(int depth)
     {
         Node node;
+        if (QByteArray text = wholeText(); !text.isEmpty()) {
+            node.kind = Node::Kind::Text;
+            node.text = std::move(text);
+            return node;
+        }
         while (!atEnd() && !nextIs('|') && !nextIs(')')) {
             auto item = repeated(depth);
             if (!item)
@@ -256,13 +284,22 @@ std::optional<char> onlyCharacter(const Node &node)
     return std::nullopt;
 }
 
+/// Empty when other texts match too.
+std::optional<QByteArray> onlyText(const Node &node)
+{
+    if (node.kind == Node::Kind::Text)
+        return node.text;
+    const auto c = onlyCharacter(node);
+    return c ? std::optional(QByteArray(1, *c)) : std::nullopt;
+}
+
 QByteArray longestText(const std::vector<Node> &items)
 {
     QByteArray longest;
     QByteArray current;
     for (const Node &item : items) {
-        if (const auto c = onlyCharacter(item))
-            current += lower(*c);
+        if (const auto text = onlyText(item))
+            current += text->toLower();
         else
             current.clear();
         if (current.size() > longest.size())
@@ -311,6 +348,8 @@ private:
         switch (node.kind) {
         case Node::Kind::Set:
             return writeSet(node.set);
+        case Node::Kind::Text:
+            return writeText(node.text);
         case Node::Kind::Sequence:
             return write(node.children);
         case Node::Kind::Choice:
@@ -323,6 +362,15 @@ private:
             return false;
         }
         Q_UNREACHABLE();
+    }
+
+    bool writeText(const QByteArray &text)
+    {
+        return std::ranges::all_of(text, [this](char c) {
+            CharSet set;
+            set.set(size_t(c));
+            return writeSet(set);
+        });
     }
 
     bool writeSet(const CharSet &set)
@@ -445,11 +493,14 @@ private:
         pattern.atEnd = atEnd;
         pattern.isCaseSensitive = m_isCaseSensitive;
         pattern.required = longestText(items);
-        const bool isText = std::ranges::all_of(
-            items, [](const Node &item) { return onlyCharacter(item).has_value(); });
+        const bool isText =
+            std::ranges::all_of(items, [](const Node &item) { return onlyText(item).has_value(); });
         if (isText) {
             for (const Node &item : items)
-                pattern.text += *onlyCharacter(item);
+                pattern.text += *onlyText(item);
+            // Mostly the same, and then it takes its room once.
+            if (pattern.text == pattern.required)
+                pattern.required = pattern.text;
         } else {
             Writer writer(pattern);
             if (!writer.write(items) || !writer.finish())
