@@ -4,22 +4,10 @@
 
 #include <QGuiApplication>
 #include <QQuickWindow>
-#include <QStandardPaths>
 
 #include <clocale>
 
 namespace lumaro {
-
-Application::Folders Application::Folders::standard()
-{
-    const auto folder = [](QStandardPaths::StandardLocation location) {
-        return QString(QStandardPaths::writableLocation(location) + u"/lumaro");
-    };
-    return {folder(QStandardPaths::GenericConfigLocation),
-            folder(QStandardPaths::GenericCacheLocation),
-            {QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
-             QStandardPaths::writableLocation(QStandardPaths::HomeLocation)}};
-}
 
 void Application::prepare()
 {
@@ -33,7 +21,7 @@ Application::Application(const Folders &folders)
     // libmpv requires it, and the application object has just set the user's locale.
     // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
     , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
-    , m_proxyRoute(m_http, &m_mediaPlayer)
+    , m_proxyRoute(m_http, m_mediaPlayer)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})

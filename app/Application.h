@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/DownloadsModel.h"
+#include "app/Folders.h"
 #include "app/LocalM3UCommands.h"
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
@@ -29,18 +30,6 @@ namespace lumaro {
 class Application
 {
 public:
-    /// Where the user's settings and the cache are kept.
-    struct Folders
-    {
-        QString settings;
-        QString cache;
-        /// Where downloads go: the first that exists.
-        QStringList downloads;
-
-        /// Those of the XDG Base Directory Specification, and the user's own for downloads.
-        static Folders standard();
-    };
-
     /// To be called before the application object is made.
     static void prepare();
 

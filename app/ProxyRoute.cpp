@@ -8,7 +8,7 @@
 
 namespace lumaro {
 
-ProxyRoute::ProxyRoute(CurlHttpClient &http, MpvMediaPlayer *player)
+ProxyRoute::ProxyRoute(CurlHttpClient &http, MpvMediaPlayer &player)
     : m_http(http)
     , m_player(player)
 {
@@ -19,19 +19,13 @@ void ProxyRoute::setProxyConfigurations(const QList<ProxyConfiguration> &configu
     const auto proxy =
         configurations.isEmpty() ? std::nullopt : std::optional(configurations.first());
     m_http.setProxy(proxy);
-    if (m_player)
-        lead(proxy);
-}
-
-void ProxyRoute::lead(const std::optional<ProxyConfiguration> &proxy)
-{
     if (proxy && !m_relay)
         m_relay.emplace(&isOwnLoopbackPeer);
     if (m_relay)
         m_relay->setUpstream(proxy);
     if (!proxy) {
         QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_player->setHttpProxy({});
+        m_player.setHttpProxy({});
         return;
     }
     const QString host = QStringLiteral("127.0.0.1");
@@ -40,7 +34,7 @@ void ProxyRoute::lead(const std::optional<ProxyConfiguration> &proxy)
     address.setScheme(QStringLiteral("http"));
     address.setHost(host);
     address.setPort(m_relay->port());
-    m_player->setHttpProxy(address);
+    m_player.setHttpProxy(address);
 }
 
 } // namespace lumaro

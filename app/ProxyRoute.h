@@ -13,16 +13,14 @@ class MpvMediaPlayer;
 class ProxyRoute final : public ProxyConfigurationTarget
 {
 public:
-    /// The arguments outlive the route. Without a player only the HTTP client is led.
-    ProxyRoute(CurlHttpClient &http, MpvMediaPlayer *player);
+    /// The arguments outlive the route.
+    ProxyRoute(CurlHttpClient &http, MpvMediaPlayer &player);
 
     void setProxyConfigurations(const QList<ProxyConfiguration> &configurations) override;
 
 private:
-    void lead(const std::optional<ProxyConfiguration> &proxy);
-
     CurlHttpClient &m_http;
-    MpvMediaPlayer *m_player;
+    MpvMediaPlayer &m_player;
     /// Stays when there is no proxy any more, for what still plays through it.
     std::optional<ProxyRelay> m_relay;
 };

@@ -1,9 +1,14 @@
 #pragma once
 
-#include "app/Application.h"
+#include "app/Folders.h"
 #include "app/TerminalDownload.h"
+#include "finder/SnifferProxyManager.h"
+#include "platform/FilePanels.h"
+#include "platform/Workspace.h"
+#include "platform/curl/CurlHttpClient.h"
 #include "platform/posix/PosixTerminal.h"
-#include "platform/qt/QtWorkspace.h"
+#include "platform/qt/FileUserDefaults.h"
+#include "platform/qt/QtScheduler.h"
 
 namespace lumaro {
 
@@ -11,7 +16,7 @@ namespace lumaro {
 class TerminalApplication
 {
 public:
-    explicit TerminalApplication(const Application::Folders &folders);
+    explicit TerminalApplication(const Folders &folders);
 
     /// Saves the stream at `address` into `folder`, or without one into the user's save folder.
     /// Runs the event loop; the process's exit status.
@@ -19,13 +24,43 @@ public:
                  const std::optional<QString> &name);
 
 private:
+    /// Nobody is there to choose anything.
+    class NoFilePanels final : public FilePanels
+    {
+    public:
+        Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request,
+                                             std::stop_token stop) override;
+        Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
+                                                std::stop_token stop) override;
+        Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,
+                                               std::stop_token stop) override;
+    };
+    class NoWorkspace final : public Workspace
+    {
+    public:
+        void activateFileViewer(const QList<QUrl> &files) override;
+    };
+    /// Sends the HTTP client's requests through the proxy.
+    class ClientRoute final : public ProxyConfigurationTarget
+    {
+    public:
+        explicit ClientRoute(CurlHttpClient &http)
+            : m_http(http)
+        {
+        }
+        void setProxyConfigurations(const QList<ProxyConfiguration> &configurations) override;
+
+    private:
+        CurlHttpClient &m_http;
+    };
+
     // In the order of who needs whom.
     QtScheduler m_scheduler;
     CurlHttpClient m_http;
     FileUserDefaults m_defaults;
-    QuickFilePanels m_panels;
-    QtWorkspace m_workspace;
-    ProxyRoute m_proxyRoute;
+    NoFilePanels m_panels;
+    NoWorkspace m_workspace;
+    ClientRoute m_proxyRoute;
     SnifferProxyManager m_proxy;
     PosixTerminal m_terminal;
     M3U8DownloadManager m_downloads;

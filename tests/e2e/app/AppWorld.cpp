@@ -8,7 +8,7 @@ using namespace std::chrono_literals;
 namespace lumaro {
 
 AppWorld::AppWorld()
-    : m_application(std::make_unique<Application>(Application::Folders{
+    : m_application(std::make_unique<Application>(Folders{
           m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}}))
 {
     if (!m_application->show())

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QCommandLineParser>
+
+#include <optional>
+
+namespace lumaro {
+
+/// What the command line may say, to the program that starts as to the window's.
+class CommandLine
+{
+public:
+    CommandLine();
+
+    /// Reads the application's arguments, answers --help and --version itself, and ends the process
+    /// over what it does not know.
+    void process();
+    /// True unless something is asked for that needs no display. Needs no application object.
+    bool wantsWindow(int argc, char *argv[]);
+
+    QString downloadAddress() const { return m_parser.value(m_download); }
+    /// Where a download shall go, and its name, if told.
+    std::optional<QString> folder() const { return optionalValue(m_to); }
+    std::optional<QString> name() const { return optionalValue(m_name); }
+    QStringList filesAndAddresses() const { return m_parser.positionalArguments(); }
+
+private:
+    std::optional<QString> optionalValue(const QCommandLineOption &option) const;
+
+    QCommandLineOption m_download;
+    QCommandLineOption m_to;
+    QCommandLineOption m_name;
+    QCommandLineParser m_parser;
+};
+
+/// Gives the application object its name and version.
+void nameApplication();
+
+} // namespace lumaro

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace lumaro {
+
+/// Where the user's settings and the cache are kept.
+struct Folders
+{
+    QString settings;
+    QString cache;
+    /// Where downloads go: the first that exists.
+    QStringList downloads;
+
+    /// Those of the XDG Base Directory Specification, and the user's own for downloads.
+    static Folders standard();
+};
+
+} // namespace lumaro
