@@ -205,15 +205,33 @@ Task<> SnifferSavedWebsiteStore::importWebsites()
     if (stop.stop_requested())
         co_return;
     if (imported)
-        mergeImportedWebsites(*imported);
+        co_await mergeImportedWebsites(*imported);
     else
         log(u"Failed to import websites: " + description(imported.error()));
 }
 
-void SnifferSavedWebsiteStore::mergeImportedWebsites(const WebList &imported)
+Task<> SnifferSavedWebsiteStore::mergeImportedWebsites(WebList imported)
 {
-    m_list.merge(imported);
-    trimAndPersist();
+    const std::stop_token stop = m_lifetime.get_token();
+    for (;;) {
+        const int revision = m_revision;
+        const auto merge = [before = m_list, imported] {
+            WebList list = before;
+            list.merge(imported);
+            list.trimHistory();
+            return list;
+        };
+        const auto merging = m_scheduler.inBackground(merge);
+        WebList merged = co_await merging;
+        if (stop.stop_requested())
+            co_return;
+        // A page visited meanwhile must not be lost.
+        if (revision == m_revision) {
+            m_list = std::move(merged);
+            publish();
+            co_return;
+        }
+    }
 }
 
 void SnifferSavedWebsiteStore::trimAndPersist()
@@ -224,6 +242,7 @@ void SnifferSavedWebsiteStore::trimAndPersist()
 
 void SnifferSavedWebsiteStore::publish()
 {
+    ++m_revision;
     persist();
     Q_EMIT websitesChanged();
 }

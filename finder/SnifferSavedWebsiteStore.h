@@ -43,7 +43,7 @@ public:
     /// Ask for a file and write, or merge, the list; failures are logged.
     Task<> exportWebsites();
     Task<> importWebsites();
-    void mergeImportedWebsites(const WebList &imported);
+    Task<> mergeImportedWebsites(WebList imported);
 
 Q_SIGNALS:
     void websitesChanged();
@@ -59,6 +59,8 @@ private:
     FilePanels &m_panels;
     WallClock m_clock;
     WebList m_list;
+    /// Counts the list's changes.
+    int m_revision = 0;
     DefaultsWriter m_writer;
     /// False when storing would destroy what could not be read.
     bool m_mayStore = true;

@@ -88,6 +88,8 @@ private Q_SLOTS:
     void doesNotOverwriteWhatCouldNotBeSetAside();
     void merges_data();
     void merges();
+    void visitDuringAMergeIsKept();
+    void importsLongLists();
     void importOfTheExportChangesNothing();
     void importsWhatItCan();
     void failedImportChangesNothing_data();
@@ -423,11 +425,71 @@ void SnifferSavedWebsiteStoreTest::merges()
     world.defaults.values.insert(key, encodeWebsites({own}));
     world.open();
     world.store->mergeImportedWebsites(WebList({imported}));
+    world.scheduler.runBackground();
     result.id = own.id;
     QCOMPARE(world.store->websites(), QList{result});
     // Once more, and from the other side, makes no difference.
     world.store->mergeImportedWebsites(WebList({imported}));
+    world.scheduler.runBackground();
     QCOMPARE(world.store->websites(), QList{result});
+}
+
+void SnifferSavedWebsiteStoreTest::visitDuringAMergeIsKept()
+{
+    World world;
+    world.visit(u"own.example"_s);
+    world.store->mergeImportedWebsites(
+        WebList({website(u"https://imported.example"_s, u"I"_s, -1, 1, true)}));
+    world.visit(u"new.example"_s);
+    world.scheduler.runBackground();
+    QCOMPARE(world.addresses(),
+             (QStringList{u"https://new.example"_s, u"https://own.example"_s,
+                          u"https://imported.example"_s}));
+}
+
+void SnifferSavedWebsiteStoreTest::importsLongLists()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"list.json"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    // Each page is there twice, every record with the same id, one in a thousand a favourite.
+    constexpr int pages = 50'000;
+    QByteArray text = "[";
+    for (int i = 0; i < 2 * pages; ++i) {
+        const QByteArray number = QByteArray::number(i % pages);
+        text += (i == 0 ? "" : ",");
+        text += R"({"id":"9b2d6b4e-5f0e-4c5f-9c55-0a1b2c3d4e5f","urlString":"https://)" + number
+            + R"(.example","title":"","savedAt":)" + number + R"(,"visitCount":1,"isFavorite":)"
+            + (i % 1000 == 0 ? "true}" : "false}");
+    }
+    file.write(text + ']');
+    file.close();
+    World world;
+    world.visit(u"own.example"_s);
+    world.panels.choice = QUrl::fromLocalFile(file.fileName());
+    world.store->importWebsites();
+    world.scheduler.runBackground();
+    // Its 50 favourites, and the newest of its history next to our own.
+    QCOMPARE(world.count(), 50 + WebList::maximumHistory);
+    QCOMPARE(world.at(0).urlString, u"https://own.example"_s);
+    QCOMPARE(world.at(1).urlString, u"https://49999.example"_s);
+    QSet<QUuid> ids;
+    for (const SnifferSavedWebsite &website : world.store->websites())
+        ids.insert(website.id);
+    QCOMPARE(ids.size(), world.count());
+
+    // Ten times as many are too many to be the list of a person.
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[");
+    const QByteArray records = text.sliced(1) + ',';
+    for (int i = 0; i < 10; ++i)
+        file.write(records);
+    file.close();
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(u"Failed to import websites: The file is too large"_s));
+    world.store->importWebsites();
+    world.scheduler.runBackground();
+    QCOMPARE(world.count(), 50 + WebList::maximumHistory);
 }
 
 void SnifferSavedWebsiteStoreTest::importOfTheExportChangesNothing()
