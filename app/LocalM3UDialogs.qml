@@ -21,7 +21,25 @@ Item {
         id: form
 
         active: false
-        sourceComponent: LocalM3UFormDialog { editor: root.library.editor }
+        sourceComponent: LocalM3UFormDialog {
+            id: dialog
+
+            property bool isSaved: false
+
+            editor: root.library.editor
+            onOpened: isSaved = false
+            // The new link is in the list, wherever the keyboard was before.
+            onClosed: {
+                if (isSaved)
+                    root.library.focusRequested();
+            }
+
+            Connections {
+                target: root.library.editor
+
+                function onSaved() { dialog.isSaved = true; }
+            }
+        }
     }
     Loader {
         id: question

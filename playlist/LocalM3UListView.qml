@@ -4,7 +4,7 @@ import Lumaro.Playlist
 import Lumaro.Ui
 
 // The library's links with a search over them. In the search field the arrows move through the
-// list, Enter plays, F2 edits, Shift+F10 and the menu key show what else can be done, and Delete asks
+// list, Enter plays, F2 edits, Shift+F10 shows what else can be done, and Delete asks
 // to delete where there is nothing to delete in the text.
 Item {
     id: root
@@ -35,6 +35,8 @@ Item {
         played(links.selectedRow);
     }
     function handleKey(event: KeyEvent): void {
+        if (event.accepted)
+            return;
         // A text field keeps these keys from the menu; with nothing typed they are meant for the list.
         if (search.text === "" && (event.matches(StandardKey.Undo) || event.matches(StandardKey.Redo))) {
             event.matches(StandardKey.Undo) ? undone() : redone();
@@ -78,6 +80,8 @@ Item {
             leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
         }
         iconName: "search"
+        // With nothing typed it is meant for the list.
+        takesMenuKey: text !== ""
         placeholderText: root.links.count === 1 ? "Search 1 link"
                        : "Search %1 links".arg(root.links.count.toLocaleString(Qt.locale(), "f", 0))
         text: root.links.filterText

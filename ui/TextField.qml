@@ -7,6 +7,7 @@ import Lumaro.Ui
 //   text, placeholderText   as in every text input
 //   iconName                an icon before the text
 //   errorText               says what is wrong; outlines the field
+//   takesMenuKey            shows the context menu by its key too
 //   clearable               offers the clear button while there is text
 //   textEdited()            the user typed
 //   cleared()               the clear button was used
@@ -16,6 +17,7 @@ T.TextField {
     property string iconName
     property string errorText
     property bool clearable: true
+    property bool takesMenuKey: true
     signal cleared()
 
     implicitWidth: 240
@@ -38,7 +40,7 @@ T.TextField {
             menuLoader.popup(event.x, event.y);
     }
     Keys.onPressed: event => {
-        if (event.key === Qt.Key_Menu) {
+        if (event.key === Qt.Key_Menu && takesMenuKey) {
             menuLoader.popup(cursorRectangle.x, height);
             event.accepted = true;
         }
