@@ -130,6 +130,8 @@ void RelayConnection::refuse(const QByteArray &status)
     m_passes = false;
     m_onward.disconnect(this);
     m_onward.abort();
+    // Whatever else it sends, it has its answer.
+    disconnect(&m_client, &QTcpSocket::readyRead, this, nullptr);
     m_client.write("HTTP/1.1 " + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
     m_client.disconnectFromHost();
 }
