@@ -20,4 +20,15 @@ QString popupOverrideScript()
     return builtInScript(QStringLiteral(":/lumaro/finder/scripts/popup-override.js"));
 }
 
+QString mediaPauseScript()
+{
+    return builtInScript(QStringLiteral(":/lumaro/finder/scripts/pause-media.js"));
+}
+
+QString mediaStopScript()
+{
+    return QStringLiteral("document.querySelectorAll('video,audio').forEach(function(m){ "
+                          "m.pause(); m.src = ''; });");
+}
+
 } // namespace lumaro

@@ -16,4 +16,11 @@ QString adBlockerFlagScript(bool enabled);
 /// large links over everything. For every frame, at document start, after the flag.
 QString popupOverrideScript();
 
+// To be run in a page that is there.
+
+/// Pauses whatever plays.
+QString mediaPauseScript();
+/// Ends it for good.
+QString mediaStopScript();
+
 } // namespace lumaro

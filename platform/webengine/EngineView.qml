@@ -8,6 +8,10 @@ WebEngineView {
 
     required property EngineWebView webView
 
+    function tellHistory(): void {
+        webView.canGoBack = canGoBack;
+        webView.canGoForward = canGoForward;
+    }
     function insertScripts(): void {
         userScripts.clear();
         for (const source of webView.scripts) {
@@ -21,7 +25,14 @@ WebEngineView {
     }
 
     Component.onCompleted: insertScripts()
-    onUrlChanged: webView.url = url
+    onUrlChanged: {
+        webView.url = url;
+        tellHistory();
+    }
+    // What the engine announces of its history comes before the history has changed.
+    onLoadingChanged: tellHistory()
+    onCanGoBackChanged: tellHistory()
+    onCanGoForwardChanged: tellHistory()
     onJavaScriptConsoleMessage: (level, message) => webView.readConsole(message)
 
     Connections {
@@ -29,6 +40,9 @@ WebEngineView {
 
         function onScriptsChanged() { root.insertScripts(); }
         function onLoadRequested(url: url) { root.url = url; }
+        function onStopRequested() { root.stop(); }
+        function onBackRequested() { root.goBack(); }
+        function onForwardRequested() { root.goForward(); }
         function onReloadRequested() { root.reload(); }
         function onEvaluationRequested(script: string) { root.runJavaScript(script); }
     }

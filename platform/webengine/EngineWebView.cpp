@@ -4,7 +4,7 @@ namespace lumaro {
 
 EngineWebView::EngineWebView(EngineProfile &profile, const QStringList &messageHandlers,
                              QObject *parent)
-    : WebView(parent)
+    : PageView(parent)
     , m_profile(profile)
     , m_channel(messageHandlers)
 {
@@ -21,6 +21,18 @@ void EngineWebView::setUrl(const QUrl &url)
         return;
     m_url = url;
     Q_EMIT urlChanged();
+}
+
+void EngineWebView::setCanGoBack(bool can)
+{
+    if (std::exchange(m_canGoBack, can) != can)
+        Q_EMIT historyChanged();
+}
+
+void EngineWebView::setCanGoForward(bool can)
+{
+    if (std::exchange(m_canGoForward, can) != can)
+        Q_EMIT historyChanged();
 }
 
 void EngineWebView::setUserScripts(const QStringList &scripts)

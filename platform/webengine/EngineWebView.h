@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/WebView.h"
+#include "platform/PageView.h"
 #include "platform/webengine/EngineProfile.h"
 #include "platform/webengine/MessageChannel.h"
 
@@ -10,13 +10,16 @@ namespace lumaro {
 
 /// A web view of Qt WebEngine, for models. An EngineView shows it: it tells what happens there and
 /// does what is asked for here. Main thread.
-class EngineWebView : public WebView
+class EngineWebView : public PageView
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by whoever has the models.")
     /// What the view shows or loads, as it tells.
     Q_PROPERTY(QUrl url READ url WRITE setUrl NOTIFY urlChanged)
+    /// Where the view could go, as it tells.
+    Q_PROPERTY(bool canGoBack READ canGoBack WRITE setCanGoBack NOTIFY historyChanged)
+    Q_PROPERTY(bool canGoForward READ canGoForward WRITE setCanGoForward NOTIFY historyChanged)
     /// For every frame, at document start, in this order.
     Q_PROPERTY(QStringList scripts READ scripts NOTIFY scriptsChanged)
 
@@ -28,7 +31,15 @@ public:
 
     QUrl url() const override { return m_url; }
     void setUrl(const QUrl &url);
-    void load(const QUrl &url) { Q_EMIT loadRequested(url); }
+    void load(const QUrl &url) override { Q_EMIT loadRequested(url); }
+    void stopLoading() override { Q_EMIT stopRequested(); }
+    void loadEmptyPage() override { load(QUrl(QStringLiteral("about:blank"))); }
+    bool canGoBack() const override { return m_canGoBack; }
+    void setCanGoBack(bool can);
+    bool canGoForward() const override { return m_canGoForward; }
+    void setCanGoForward(bool can);
+    void goBack() override { Q_EMIT backRequested(); }
+    void goForward() override { Q_EMIT forwardRequested(); }
     void reload() override { Q_EMIT reloadRequested(); }
     void evaluate(const QString &script) override { Q_EMIT evaluationRequested(script); }
 
@@ -45,7 +56,11 @@ public:
 Q_SIGNALS:
     void urlChanged();
     void scriptsChanged();
+    void historyChanged();
     void loadRequested(const QUrl &url);
+    void stopRequested();
+    void backRequested();
+    void forwardRequested();
     void reloadRequested();
     void evaluationRequested(const QString &script);
     /// Any page can have this sent, with whatever it likes.
@@ -55,6 +70,8 @@ private:
     EngineProfile &m_profile;
     MessageChannel m_channel;
     QUrl m_url;
+    bool m_canGoBack = false;
+    bool m_canGoForward = false;
     QStringList m_userScripts;
     ContentRuleInterceptor::Lists m_lists;
 };

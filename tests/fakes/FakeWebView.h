@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/WebView.h"
+#include "platform/PageView.h"
 
 #include <QList>
 #include <QStringList>
@@ -10,7 +10,7 @@
 namespace lumaro {
 
 /// A web view that remembers what was done to it.
-class FakeWebView final : public WebView
+class FakeWebView final : public PageView
 {
 public:
     explicit FakeWebView(const QString &shownAddress = {})
@@ -26,6 +26,17 @@ public:
         if (reloaded)
             reloaded();
     }
+    void load(const QUrl &url) override
+    {
+        address = url.toString(QUrl::FullyEncoded);
+        log.append(QStringLiteral("load ") + address);
+    }
+    void stopLoading() override { log.append(QStringLiteral("stop")); }
+    void loadEmptyPage() override { log.append(QStringLiteral("empty page")); }
+    bool canGoBack() const override { return mayGoBack; }
+    bool canGoForward() const override { return mayGoForward; }
+    void goBack() override { log.append(QStringLiteral("back")); }
+    void goForward() override { log.append(QStringLiteral("forward")); }
     void addContentRuleList(std::shared_ptr<const ContentRuleList> list) override
     {
         lists.append(list);
@@ -34,6 +45,8 @@ public:
 
     QString address;
     QStringList log;
+    bool mayGoBack = false;
+    bool mayGoForward = false;
     QList<std::shared_ptr<const ContentRuleList>> lists;
     /// Called by reload().
     std::function<void()> reloaded;

@@ -20,6 +20,7 @@ private Q_SLOTS:
     void removesOverlays_data();
     void removesOverlays();
     void letsOverlaysBeWhenOff();
+    void pausesWhatPlays();
 };
 
 void PageScriptsTest::reportsPlaylists_data()
@@ -197,6 +198,33 @@ void PageScriptsTest::letsOverlaysBeWhenOff()
              u"document.dispatch('click', link)"_s);
     QCOMPARE(page.run(u"link.removed"_s), false);
     page.run(u"document.dispatch('click', body); document.dispatch('click', document)"_s);
+}
+
+void PageScriptsTest::pausesWhatPlays()
+{
+    FakePage page;
+    page.run(uR"(
+        function root(name, inner) {
+            var film = { pause: function () { log.push("pause " + name); } };
+            var broken = { pause: function () { throw 1; } };
+            var frame = { contentWindow: { postMessage: function (message, origin) {
+                log.push(name + " " + message + " to " + origin); } } };
+            var locked = { get contentWindow() { throw 1; } };
+            return { querySelectorAll: function (selector) {
+                return selector === "video, audio" ? [broken, film]
+                     : selector === "iframe" ? [locked, frame] : [film, { shadowRoot: inner }];
+            } };
+        }
+        document.querySelectorAll = root("page", root("shadow", null)).querySelectorAll;)"_s);
+    page.run(mediaPauseScript());
+    const QString play = uR"({"event":"command","func":"pauseVideo","args":""} to *)"_s;
+    const QString pause = uR"({"method":"pause"} to *)"_s;
+    QCOMPARE(page.run(u"log"_s).toStringList(),
+             (QStringList{u"pause page"_s, u"page "_s + play, u"page "_s + pause, u"pause shadow"_s,
+                          u"shadow "_s + play, u"shadow "_s + pause}));
+
+    // A page without any of that is left alone.
+    FakePage().run(mediaPauseScript());
 }
 
 QTEST_GUILESS_MAIN(PageScriptsTest)

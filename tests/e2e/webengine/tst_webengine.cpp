@@ -93,6 +93,7 @@ private Q_SLOTS:
     void cleanup();
 
     void everyFrameReports();
+    void goesBackAndForth();
     void pagesCannotPost();
     void rulesHideAndBlock();
     void pagesTakeTheProxy_data();
@@ -158,6 +159,29 @@ void WebEngineTest::everyFrameReports()
     QVERIFY(becomesTrue([&] { return !m_world->reported.isEmpty(); }));
     QCOMPARE(m_world->reported.first(), u"http://localhost:%1/live/a.m3u8?x"_s.arg(m_site->port()));
     QCOMPARE(m_world->view.url(), m_site->url(u"/page.html"_s));
+}
+
+void WebEngineTest::goesBackAndForth()
+{
+    EngineWebView &view = m_world->view;
+    const auto isAt = [&view](const QUrl &url) {
+        return becomesTrue([&] { return view.url() == url; });
+    };
+    const QUrl frame = m_site->url(u"/frame.html"_s);
+    const QUrl page = m_site->url(u"/page.html"_s);
+    view.load(frame);
+    QCOMPARE(m_world->witness(1).size(), 1);
+    QVERIFY(!view.canGoBack() && !view.canGoForward());
+    view.load(page);
+    QVERIFY(isAt(page));
+    QVERIFY(becomesTrue([&] { return view.canGoBack(); }));
+    view.goBack();
+    QVERIFY(isAt(frame));
+    QVERIFY(becomesTrue([&] { return view.canGoForward(); }));
+    view.goForward();
+    QVERIFY(isAt(page));
+    view.loadEmptyPage();
+    QVERIFY(isAt(QUrl(u"about:blank"_s)));
 }
 
 void WebEngineTest::pagesCannotPost()

@@ -1,0 +1,84 @@
+#include "finder/SnifferCoordinator.h"
+
+#include "finder/SnifferAdBlocker.h"
+
+namespace lumaro {
+
+SnifferCoordinator::SnifferCoordinator(SnifferManager &manager, const SnifferAdBlocker &blocker,
+                                       Scheduler &scheduler, QObject *parent)
+    : QObject(parent)
+    , m_manager(&manager)
+    , m_blocker(blocker)
+    , m_messages(scheduler)
+{
+}
+
+NavigationDecision SnifferCoordinator::decide(const NavigationAction &action)
+{
+    if (action.url.isEmpty())
+        return NavigationDecision::Allow;
+    report(action.url, std::nullopt);
+    return judge(action);
+}
+
+NavigationDecision SnifferCoordinator::judge(const NavigationAction &action) const
+{
+    using enum NavigationDecision;
+    using Target = NavigationAction::Target;
+
+    if (!m_blocker.isEnabled())
+        return action.target == Target::NewWindow ? LoadHere : Allow;
+    if (m_blocker.isAdOrPopupURL(action.url))
+        return Cancel;
+
+    const PageView *const view = m_manager ? m_manager->webView() : nullptr;
+    const QString current = view ? view->url().host().toLower() : QString();
+    const QString target = action.url.host().toLower();
+    const bool areKnown = !current.isEmpty() && !target.isEmpty();
+    const bool isSameSite = areKnown && SnifferAdBlocker::isSameOrSubdomain(current, target);
+    switch (action.target) {
+    case Target::NewWindow:
+        return isSameSite && action.isLinkClick ? LoadHere : Cancel;
+    case Target::SubFrame:
+        return Allow;
+    case Target::MainFrame:
+        break;
+    }
+    if (!areKnown || isSameSite)
+        return Allow;
+    // A frame does not take the page to another site.
+    if (!action.sourceIsMainFrame)
+        return Cancel;
+    const bool isPaidFor =
+        action.isLinkClick && m_blocker.isSuspiciousCrossDomainRedirect(current, action.url);
+    return isPaidFor ? Cancel : Allow;
+}
+
+NavigationDecision SnifferCoordinator::decideNewWindow(const QUrl &url)
+{
+    if (m_blocker.isEnabled())
+        return NavigationDecision::Cancel;
+    report(url, std::nullopt);
+    return NavigationDecision::LoadHere;
+}
+
+void SnifferCoordinator::noteResponse(const QUrl &url, const std::optional<QString> &contentType)
+{
+    report(url, contentType);
+}
+
+void SnifferCoordinator::receiveMessage(const QString &handler, const QVariant &body)
+{
+    const auto message = m_messages.read(handler, body);
+    if (message && m_manager)
+        m_manager->networkMonitor()->observe(*message, m_manager->pageTitle());
+}
+
+void SnifferCoordinator::report(const QUrl &url, const std::optional<QString> &contentType)
+{
+    if (m_manager)
+        m_manager->networkMonitor()->observe(url, contentType, std::nullopt, m_manager->pageTitle(),
+                                             false);
+}
+
+} // namespace lumaro

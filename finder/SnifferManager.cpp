@@ -1,0 +1,192 @@
+#include "finder/SnifferManager.h"
+
+#include "finder/PageScripts.h"
+#include "finder/SnifferSavedWebsiteStore.h"
+
+namespace lumaro {
+
+namespace {
+
+const QUrl &emptyPage()
+{
+    static const QUrl url(QStringLiteral("about:blank"));
+    return url;
+}
+
+/// What was typed, with the scheme that is usual; empty when it is no http or https address.
+std::optional<QUrl> normalizedURL(const QString &text)
+{
+    const QUrl url(text.contains(u"://") ? text : u"https://" + text);
+    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
+    // RFC 9110, section 4.2: without a host it is not one.
+    return url.isValid() && isWeb && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
+}
+
+} // namespace
+
+QString displayAddress(const QUrl &url)
+{
+    QString address = url.toString(QUrl::FullyEncoded);
+    if (url.path() == u"/" && !url.hasQuery() && !url.hasFragment() && address.endsWith(u'/'))
+        address.chop(1);
+    return address;
+}
+
+SnifferManager::SnifferManager(SnifferSavedWebsiteStore &websites, WallClock clock, QObject *parent)
+    : QObject(parent)
+    , m_websites(websites)
+    , m_networkMonitor(std::move(clock))
+{
+}
+
+void SnifferManager::setWebView(PageView *view)
+{
+    m_webView = view;
+    refreshNavigationState();
+    if (view && !m_automaticNavigation.isEmpty())
+        navigate(QUrl(m_automaticNavigation));
+}
+
+// Where to go
+
+void SnifferManager::go()
+{
+    m_automaticNavigation.clear();
+    const QString text = m_address.trimmed();
+    if (text.isEmpty())
+        return;
+    if (const auto url = normalizedURL(text))
+        load(*url);
+    else
+        setErrorMessage(QStringLiteral("Enter a valid HTTP or HTTPS address."));
+}
+
+void SnifferManager::navigate(const QUrl &url)
+{
+    m_automaticNavigation.clear();
+    load(url);
+}
+
+void SnifferManager::navigateAutomatically(const QUrl &url)
+{
+    if (m_webView)
+        return navigate(url);
+    m_automaticNavigation = url;
+    setAddress(displayAddress(url));
+}
+
+void SnifferManager::load(const QUrl &url)
+{
+    setErrorMessage(QString());
+    setAddress(displayAddress(url));
+    if (m_webView)
+        m_webView->load(url);
+}
+
+void SnifferManager::goBack()
+{
+    setErrorMessage(QString());
+    if (m_webView)
+        m_webView->goBack();
+}
+
+void SnifferManager::goForward()
+{
+    setErrorMessage(QString());
+    if (m_webView)
+        m_webView->goForward();
+}
+
+void SnifferManager::reload()
+{
+    setErrorMessage(QString());
+    if (m_webView)
+        m_webView->reload();
+}
+
+void SnifferManager::stopLoading()
+{
+    if (m_webView)
+        m_webView->stopLoading();
+}
+
+void SnifferManager::clearAddress()
+{
+    m_automaticNavigation.clear();
+    if (m_webView) {
+        m_webView->stopLoading();
+        m_webView->evaluate(mediaStopScript());
+        m_webView->loadEmptyPage();
+    }
+    setAddress(QString());
+    setPageTitle(QString());
+    setErrorMessage(QString());
+    setIsLoading(false);
+}
+
+void SnifferManager::pauseAllMedia()
+{
+    if (m_webView)
+        m_webView->evaluate(mediaPauseScript());
+}
+
+// What the view tells
+
+void SnifferManager::update(const QUrl &url, bool loading, const std::optional<QString> &title)
+{
+    setIsLoading(loading);
+    refreshNavigationState();
+    if (url.isEmpty() || url == emptyPage())
+        return;
+    setAddress(displayAddress(url));
+    if (!title)
+        return;
+    setPageTitle(*title);
+    // Once for each page that came.
+    m_websites.recordVisit(url.toString(QUrl::FullyEncoded), *title);
+}
+
+void SnifferManager::fail(const QUrl &url, const QString &description)
+{
+    update(url, false, std::nullopt);
+    setErrorMessage(description);
+}
+
+void SnifferManager::refreshNavigationState()
+{
+    const bool back = m_webView && m_webView->canGoBack();
+    const bool forward = m_webView && m_webView->canGoForward();
+    if (back == m_canGoBack && forward == m_canGoForward)
+        return;
+    m_canGoBack = back;
+    m_canGoForward = forward;
+    Q_EMIT navigationStateChanged();
+}
+
+// Properties
+
+void SnifferManager::setAddress(const QString &text)
+{
+    if (std::exchange(m_address, text) != text)
+        Q_EMIT addressChanged();
+}
+
+void SnifferManager::setPageTitle(const QString &title)
+{
+    if (std::exchange(m_pageTitle, title) != title)
+        Q_EMIT pageTitleChanged();
+}
+
+void SnifferManager::setIsLoading(bool loading)
+{
+    if (std::exchange(m_isLoading, loading) != loading)
+        Q_EMIT isLoadingChanged();
+}
+
+void SnifferManager::setErrorMessage(const QString &message)
+{
+    if (std::exchange(m_errorMessage, message) != message)
+        Q_EMIT errorMessageChanged();
+}
+
+} // namespace lumaro

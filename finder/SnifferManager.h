@@ -1,0 +1,95 @@
+#pragma once
+
+#include "finder/SnifferNetworkMonitor.h"
+#include "platform/PageView.h"
+
+#include <QPointer>
+
+namespace lumaro {
+
+class SnifferSavedWebsiteStore;
+
+/// The browser of one tab: what its address field and its buttons show and do. Main thread.
+class SnifferManager : public QObject
+{
+    Q_OBJECT
+    /// The text of the address field.
+    Q_PROPERTY(QString address READ address WRITE setAddress NOTIFY addressChanged)
+    Q_PROPERTY(QString pageTitle READ pageTitle NOTIFY pageTitleChanged)
+    Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY navigationStateChanged)
+    Q_PROPERTY(bool canGoForward READ canGoForward NOTIFY navigationStateChanged)
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    /// Shown below the address field; empty for nothing.
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(lumaro::SnifferNetworkMonitor *networkMonitor READ networkMonitor CONSTANT)
+
+public:
+    /// `websites` outlives the browser; visits are recorded there.
+    explicit SnifferManager(SnifferSavedWebsiteStore &websites, WallClock clock = systemClock(),
+                            QObject *parent = nullptr);
+
+    const QString &address() const { return m_address; }
+    void setAddress(const QString &text);
+    const QString &pageTitle() const { return m_pageTitle; }
+    bool canGoBack() const { return m_canGoBack; }
+    bool canGoForward() const { return m_canGoForward; }
+    bool isLoading() const { return m_isLoading; }
+    const QString &errorMessage() const { return m_errorMessage; }
+    SnifferNetworkMonitor *networkMonitor() { return &m_networkMonitor; }
+
+    PageView *webView() const { return m_webView; }
+    /// The tab's view, which may go before the browser does. It loads what waits for it.
+    void setWebView(PageView *view);
+
+    /// Goes where the address field says.
+    Q_INVOKABLE void go();
+    Q_INVOKABLE void navigate(const QUrl &url);
+    /// The same as soon as there is a view, unless the user goes somewhere else before.
+    void navigateAutomatically(const QUrl &url);
+    Q_INVOKABLE void goBack();
+    Q_INVOKABLE void goForward();
+    Q_INVOKABLE void reload();
+    Q_INVOKABLE void stopLoading();
+    /// Leaves the page, which must fall silent, for an empty one.
+    Q_INVOKABLE void clearAddress();
+    /// Has everything in the page pause that plays.
+    void pauseAllMedia();
+
+    // What the view tells.
+
+    /// It begins to load `url`, or has ended; `title` is the page's, once it is known.
+    void update(const QUrl &url, bool loading, const std::optional<QString> &title);
+    void refreshNavigationState();
+    /// Loading ended with an error, whose description is for the user.
+    void fail(const QUrl &url, const QString &description);
+
+Q_SIGNALS:
+    void addressChanged();
+    void pageTitleChanged();
+    void navigationStateChanged();
+    void isLoadingChanged();
+    void errorMessageChanged();
+
+private:
+    void load(const QUrl &url);
+    void setPageTitle(const QString &title);
+    void setIsLoading(bool loading);
+    void setErrorMessage(const QString &message);
+
+    SnifferSavedWebsiteStore &m_websites;
+    SnifferNetworkMonitor m_networkMonitor;
+    QPointer<PageView> m_webView;
+    /// Where to go once there is a view; empty for nowhere.
+    QUrl m_automaticNavigation;
+    QString m_address;
+    QString m_pageTitle;
+    bool m_canGoBack = false;
+    bool m_canGoForward = false;
+    bool m_isLoading = false;
+    QString m_errorMessage;
+};
+
+/// How the address field shows an address: in full, a site's root without its slash.
+QString displayAddress(const QUrl &url);
+
+} // namespace lumaro
