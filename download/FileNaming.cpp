@@ -1,5 +1,6 @@
 #include "download/FileNaming.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTextBoundaryFinder>
 
@@ -79,7 +80,7 @@ std::optional<QString> uniqueDestination(const QString &folder, const std::optio
         QString stem = shortened(base, maximumNameLength - ending.size());
         if (stem.isEmpty())
             stem = fallbackName();
-        QString path = folder + u'/' + stem + ending;
+        QString path = QDir(folder).filePath(stem + ending);
         if (!isTaken(path))
             return path;
     }

@@ -38,6 +38,9 @@ Scheduler::Duration pollInterval(double targetDuration)
     return std::chrono::duration_cast<Scheduler::Duration>(half);
 }
 
+/// How many listed segments that are written already are passed over before others get a turn.
+constexpr qsizetype knownSegmentsATurn = 4096;
+
 double secondsBetween(Scheduler::TimePoint begin, Scheduler::TimePoint end)
 {
     return std::chrono::duration<double>(end - begin).count();
@@ -164,8 +167,13 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist p
         SegmentList::Reader segments(playlist.segments);
         while (const std::optional<QUrl> segment = segments.next()) {
             ++position;
-            if (!written.insert(*segment))
+            if (!written.insert(*segment)) {
+                // A list may hold nothing else for very long.
+                if (position % knownSegmentsATurn == 0
+                    && !co_await m_platform.scheduler.sleep(Scheduler::Duration::zero(), stop))
+                    co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
                 continue;
+            }
             const Outcome appended = co_await append(*segment, file, stop);
             if (!appended)
                 co_return appended;

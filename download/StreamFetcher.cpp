@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 
 namespace lumaro {
 
@@ -89,10 +90,16 @@ Task<DownloadResult<PlaylistText>> StreamFetcher::fetchText(QUrl url, std::stop_
     constexpr QByteArrayView byteOrderMark = "\xEF\xBB\xBF";
     HttpRequest request = requestFor(url);
     request.maximumBodySize = maximumPlaylistSize;
-    auto response = co_await m_http.get(request, stop);
+    // Streamed, so that a refusal need not be read to its end.
+    const auto body = std::make_shared<QByteArray>();
+    const HttpBodySink collect = [body](QByteArrayView bytes) {
+        body->append(bytes);
+        return true;
+    };
+    const auto response = co_await m_http.stream(request, collect, stop);
     if (const auto failure = failureOf(response))
         co_return std::unexpected(*failure);
-    QByteArray text = std::move(response->body);
+    QByteArray text = std::move(*body);
     if (!text.isValidUtf8())
         co_return std::unexpected(DownloadError::invalidPlaylist);
     if (text.startsWith(byteOrderMark))

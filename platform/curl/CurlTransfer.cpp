@@ -76,8 +76,10 @@ std::expected<void, HttpError> CurlTransfer::prepare()
     set(CURLOPT_PRIVATE, this);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_USERAGENT, m_request.userAgent.constData());
-    // Whatever this libcurl can decode.
-    set(CURLOPT_ACCEPT_ENCODING, "");
+    // Whatever this libcurl can decode. What is streamed comes as it is: libcurl does not notice
+    // when a coded body ends too early.
+    if (!m_sink)
+        set(CURLOPT_ACCEPT_ENCODING, "");
     set(CURLOPT_NOSIGNAL, 1L);
     // Who gives up while a name is looked up does not wait for the resolver, which may take long.
     set(CURLOPT_QUICK_EXIT, 1L);

@@ -67,6 +67,8 @@ private Q_SLOTS:
     void failsOnAReadOnlyFolder();
     void failsWhenTheFolderGoes();
     void failsWhenTheFileGoes();
+    void refusedPlaylistIsNotRead();
+    void stopsWithinKnownSegments();
     void refusesAHugePlaylist();
     void takesManySegments();
     void holdsNoSegmentInMemory();
@@ -320,6 +322,30 @@ void DownloadFaultsTest::failsWhenTheFileGoes()
     QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
     QCOMPARE(m_world->manager().errorMessage(),
              u"The file could not be written: it was deleted."_s);
+}
+
+void DownloadFaultsTest::refusedPlaylistIsNotRead()
+{
+    FaultResponse endless = FaultResponse::of("text/html", {});
+    endless.status = 404;
+    endless.body = {
+        .head = {}, .part = QByteArray(4096, 'x'), .times = RepeatedBody::endless, .tail = {}};
+    m_server->route("/list.m3u8", endless);
+    m_world->manager().start(list(), u"Film"_s);
+    QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
+    QCOMPARE(m_world->manager().errorMessage(), rejected);
+}
+
+void DownloadFaultsTest::stopsWithinKnownSegments()
+{
+    FaultResponse repeated = FaultResponse::of(playlistType, {});
+    repeated.body = {
+        .head = "#EXTM3U\n", .part = "a\n", .times = 2'000'000, .tail = "#EXT-X-ENDLIST\n"};
+    m_server->route("/list.m3u8", repeated);
+    m_world->manager().start(list(), u"Film"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_world->job(list()).message, u"0%"_s, patience);
+    m_world->manager().stop(list());
+    QCOMPARE(m_world->job(list()).message, u"Stopped · file saved"_s);
 }
 
 void DownloadFaultsTest::refusesAHugePlaylist()
