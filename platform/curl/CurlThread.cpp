@@ -114,8 +114,12 @@ void CurlThread::finishSilent()
         if (transfer->deadline() <= now)
             silent.push_back(id);
     }
-    for (const quint64 id : silent)
-        finish(id, std::unexpected(HttpError{HttpError::Kind::TimedOut}));
+    for (const quint64 id : silent) {
+        if (m_transfers.at(id)->isRedirect())
+            proceed(id, CURLE_OPERATION_TIMEDOUT);
+        else
+            finish(id, std::unexpected(HttpError{HttpError::Kind::TimedOut}));
+    }
 }
 
 void CurlThread::proceed(quint64 id, CURLcode code)

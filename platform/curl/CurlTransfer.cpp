@@ -1,5 +1,6 @@
 #include "platform/curl/CurlTransfer.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace lumaro {
@@ -11,6 +12,7 @@ constexpr int maximumRedirects = 10;
 /// A redirect's own body is nothing to wait for; up to this size it is read all the same, because
 /// the connection can then be used again.
 constexpr qint64 maximumRedirectBody = 64 * 1024;
+constexpr std::chrono::seconds redirectPatience{1};
 
 constexpr long receiveBufferSize = 128 * 1024;
 
@@ -115,6 +117,13 @@ void CurlTransfer::setProxy()
     }
 }
 
+CurlTransfer::Clock::time_point CurlTransfer::deadline() const
+{
+    return m_lastSign
+        + (isRedirect() ? std::min<Clock::duration>(redirectPatience, m_request.patience)
+                        : m_request.patience);
+}
+
 bool CurlTransfer::isRedirect() const
 {
     return !m_refusal && status() / 100 == 3 && location();
@@ -155,10 +164,11 @@ size_t CurlTransfer::onHeader(char *, size_t size, size_t count, void *transfer)
 
 bool CurlTransfer::take(QByteArrayView bytes)
 {
-    m_lastSign = Clock::now();
     m_received += bytes.size();
+    // Its body is no sign of life.
     if (isRedirect())
         return m_received <= maximumRedirectBody;
+    m_lastSign = Clock::now();
     if (isUnwanted())
         return false;
     if (m_received > m_request.maximumBodySize) {

@@ -30,8 +30,8 @@ public:
     /// Fails for an address that is not http or https.
     std::expected<void, HttpError> prepare();
 
-    /// When the server has been silent for too long.
-    Clock::time_point deadline() const { return m_lastSign + m_request.patience; }
+    /// When the server has been silent for too long, or the rest of a redirect.
+    Clock::time_point deadline() const;
 
     /// The answer points somewhere else (RFC 9110, section 15.4).
     bool isRedirect() const;

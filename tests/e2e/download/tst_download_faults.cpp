@@ -171,6 +171,12 @@ void DownloadFaultsTest::takesUnusualAnswers_data()
         [](FaultResponse &r) { r.framing = FaultResponse::Framing::UntilClose; });
     row("wrong type", [](FaultResponse &r) { r.contentType = "text/html"; });
     row("partial content", [](FaultResponse &r) { r.status = 206; });
+    row("a redirect that drips", [](FaultResponse &r) {
+        r.status = 302;
+        r.headers = {{"Location", "/moved"}};
+        r.dripSize = 1;
+        r.dripInterval = 500ms;
+    });
     row("in drops", [](FaultResponse &r) {
         r.dripSize = segmentSize / 10;
         r.dripInterval = 20ms;
@@ -181,6 +187,7 @@ void DownloadFaultsTest::takesUnusualAnswers()
 {
     QFETCH(const FaultResponse, second);
     m_server->route("/b", second);
+    serve("/moved", segmentBytes('b'));
     m_world->save(list(), u"Film"_s);
     QVERIFY(saved() == segmentBytes('a') + segmentBytes('b') + segmentBytes('c'));
 }
