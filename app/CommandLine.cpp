@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 namespace lumaro {
 
@@ -31,6 +33,23 @@ CommandLine::CommandLine()
 void CommandLine::process()
 {
     m_parser.process(*QCoreApplication::instance());
+    if (const QString problem = contradiction(); !problem.isEmpty()) {
+        std::fprintf(stderr, "%s\n", qPrintable(problem));
+        // No other thread runs. NOLINTNEXTLINE(concurrency-mt-unsafe)
+        std::exit(2);
+    }
+}
+
+QString CommandLine::contradiction() const
+{
+    if (!m_parser.isSet(m_download))
+        return folder() || name() ? QStringLiteral("--to and --name go with --download.")
+                                  : QString();
+    if (m_parser.values(m_download).size() > 1 || !filesAndAddresses().isEmpty())
+        return QStringLiteral("--download takes one address.");
+    if (folder() && folder()->isEmpty())
+        return QStringLiteral("--to needs a folder.");
+    return {};
 }
 
 bool CommandLine::wantsWindow(int argc, char *argv[])

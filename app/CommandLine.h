@@ -13,7 +13,7 @@ public:
     CommandLine();
 
     /// Reads the application's arguments, answers --help and --version itself, and ends the process
-    /// over what it does not know.
+    /// over what it does not know or what contradicts itself.
     void process();
     /// True unless something is asked for that needs no display. Needs no application object.
     bool wantsWindow(int argc, char *argv[]);
@@ -25,6 +25,8 @@ public:
     QStringList filesAndAddresses() const { return m_parser.positionalArguments(); }
 
 private:
+    /// An English sentence; empty for none.
+    QString contradiction() const;
     std::optional<QString> optionalValue(const QCommandLineOption &option) const;
 
     QCommandLineOption m_download;

@@ -73,6 +73,8 @@ private Q_SLOTS:
     void showsOneLineOnATerminal();
     void saysWhyItFails_data();
     void saysWhyItFails();
+    void refusesContradictions_data();
+    void refusesContradictions();
     void keepsTheFileWhenInterrupted();
     void cutShortIsNotSuccess();
     void endsWhileANameIsLookedUp();
@@ -143,6 +145,27 @@ void DownloadTerminalTest::saysWhyItFails()
     QCOMPARE(program.exitCode(), 1);
     QCOMPARE(program.said().trimmed().section(u'\n', -1), sentence);
     QCOMPARE(program.printed(), QString());
+}
+
+void DownloadTerminalTest::refusesContradictions_data()
+{
+    QTest::addColumn<QStringList>("more");
+    QTest::addColumn<QString>("sentence");
+    const QString one = u"--download takes one address."_s;
+    QTest::newRow("another address") << QStringList{u"--download"_s, u"http://h/b"_s} << one;
+    QTest::newRow("a file too") << QStringList{u"film.mp4"_s} << one;
+    QTest::newRow("no folder") << QStringList{u"--to"_s, QString()} << u"--to needs a folder."_s;
+}
+
+void DownloadTerminalTest::refusesContradictions()
+{
+    QFETCH(const QStringList, more);
+    QFETCH(const QString, sentence);
+    Program program(QStringList{QStringLiteral(LUMARO_PROGRAM), u"--download"_s, m_film.toString()}
+                    + more);
+    QVERIFY(program.ends());
+    QCOMPARE(program.exitCode(), 2);
+    QCOMPARE(program.said(), sentence + u'\n');
 }
 
 void DownloadTerminalTest::keepsTheFileWhenInterrupted()
