@@ -92,8 +92,12 @@ void LocalM3UHistory::deleteForGood(const QUuid &id)
     // A list that was imported may hold the link twice, and then still does.
     const bool isGone = !m_store.contains(url);
     for (QList<PlaylistEntries> *states : {&m_before, &m_after}) {
-        for (PlaylistEntries &state : *states)
-            state = isGone ? withoutAddress(url, state) : without(id, state);
+        for (PlaylistEntries &state : *states) {
+            // It may have had another address then.
+            state = without(id, state);
+            if (isGone)
+                state = withoutAddress(url, state);
+        }
     }
     dropRepeated(m_before, m_current);
     dropRepeated(m_after, m_current);

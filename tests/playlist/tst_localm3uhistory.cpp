@@ -124,6 +124,15 @@ void LocalM3UHistoryTest::deletedStaysDeletedUnderOtherIds()
     }
     QCOMPARE(world.names(), QString());
 
+    // Its address may have been edited before.
+    world.save(u"e"_s);
+    PlaylistEntry edited = world.store.entries().at(0);
+    edited.url = QUrl(u"http://h/edited"_s);
+    world.store.setEntries(world.store.entries().replacing(0, 1, {edited}));
+    world.removeForGood(0);
+    world.history.undo();
+    QCOMPARE(world.names(), QString());
+
     // In a list that holds the link twice, one of them stays, and so do those before.
     PlaylistEntry link;
     link.id = QUuid::createUuid();
