@@ -62,11 +62,6 @@ NavigationDecision SnifferCoordinator::decideNewWindow(const QUrl &url)
     return NavigationDecision::LoadHere;
 }
 
-void SnifferCoordinator::noteResponse(const QUrl &url, const std::optional<QString> &contentType)
-{
-    report(url, contentType);
-}
-
 void SnifferCoordinator::receiveMessage(const QString &handler, const QVariant &body)
 {
     const auto message = m_messages.read(handler, body);

@@ -42,13 +42,12 @@ public:
     NavigationDecision decide(const NavigationAction &action);
     /// The page's script asks for a window of its own.
     NavigationDecision decideNewWindow(const QUrl &url);
-    /// Something was answered, with this media type if it is known. It is always allowed.
-    void noteResponse(const QUrl &url, const std::optional<QString> &contentType);
+    /// Something was asked for, or answered with this media type; an answer is always allowed.
+    void report(const QUrl &url, const std::optional<QString> &contentType);
     /// A user script posted to a handler, or the page in its name.
     void receiveMessage(const QString &handler, const QVariant &body);
 
 private:
-    void report(const QUrl &url, const std::optional<QString> &contentType);
     NavigationDecision judge(const NavigationAction &action) const;
 
     QPointer<SnifferManager> m_manager;

@@ -2,35 +2,9 @@
 
 #include "finder/PageScripts.h"
 #include "finder/SnifferSavedWebsiteStore.h"
+#include "finder/WebAddress.h"
 
 namespace lumaro {
-
-namespace {
-
-const QUrl &emptyPage()
-{
-    static const QUrl url(QStringLiteral("about:blank"));
-    return url;
-}
-
-/// What was typed, with the scheme that is usual; empty when it is no http or https address.
-std::optional<QUrl> normalizedURL(const QString &text)
-{
-    const QUrl url(text.contains(u"://") ? text : u"https://" + text);
-    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
-    // RFC 9110, section 4.2: without a host it is not one.
-    return url.isValid() && isWeb && !url.host().isEmpty() ? std::optional(url) : std::nullopt;
-}
-
-} // namespace
-
-QString displayAddress(const QUrl &url)
-{
-    QString address = url.toString(QUrl::FullyEncoded);
-    if (url.path() == u"/" && !url.hasQuery() && !url.hasFragment() && address.endsWith(u'/'))
-        address.chop(1);
-    return address;
-}
 
 SnifferManager::SnifferManager(SnifferSavedWebsiteStore &websites, WallClock clock, QObject *parent)
     : QObject(parent)
@@ -55,7 +29,7 @@ void SnifferManager::go()
     const QString text = m_address.trimmed();
     if (text.isEmpty())
         return;
-    if (const auto url = normalizedURL(text))
+    if (const auto url = webUrl(text))
         load(*url);
     else
         setErrorMessage(QStringLiteral("Enter a valid HTTP or HTTPS address."));
@@ -136,7 +110,7 @@ void SnifferManager::update(const QUrl &url, bool loading, const std::optional<Q
 {
     setIsLoading(loading);
     refreshNavigationState();
-    if (url.isEmpty() || url == emptyPage())
+    if (!isPage(url))
         return;
     setAddress(displayAddress(url));
     if (!title)

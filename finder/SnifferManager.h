@@ -89,7 +89,4 @@ private:
     QString m_errorMessage;
 };
 
-/// How the address field shows an address: in full, a site's root without its slash.
-QString displayAddress(const QUrl &url);
-
 } // namespace lumaro

@@ -1,8 +1,23 @@
 #include "finder/WebAddress.h"
 
-#include <QUrl>
-
 namespace lumaro {
+
+std::optional<QUrl> webUrl(const QString &text)
+{
+    QUrl url(text.contains(u"://") ? text : u"https://" + text);
+    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
+    // RFC 9110, section 4.2: without a host it is not one.
+    return url.isValid() && isWeb && !url.host().isEmpty() ? std::optional(std::move(url))
+                                                           : std::nullopt;
+}
+
+QString displayAddress(const QUrl &url)
+{
+    QString address = url.toString(QUrl::FullyEncoded);
+    if (url.path() == u"/" && !url.hasQuery() && !url.hasFragment() && address.endsWith(u'/'))
+        address.chop(1);
+    return address;
+}
 
 std::optional<QString> normalizedWebAddress(const QString &text)
 {
@@ -10,15 +25,8 @@ std::optional<QString> normalizedWebAddress(const QString &text)
     const QString trimmed = text.trimmed();
     if (trimmed.isEmpty() || trimmed.size() > maximumLength)
         return std::nullopt;
-    const QUrl url(trimmed.contains(u"://") ? trimmed : u"https://" + trimmed);
-    const bool isWeb = url.scheme() == u"http" || url.scheme() == u"https";
-    // RFC 9110, section 4.2: without a host it is not one.
-    if (!url.isValid() || !isWeb || url.host().isEmpty())
-        return std::nullopt;
-    QString address = url.toString(QUrl::FullyEncoded);
-    if (url.path() == u"/" && !url.hasQuery() && !url.hasFragment())
-        address.chop(1);
-    return address;
+    const auto url = webUrl(trimmed);
+    return url ? std::optional(displayAddress(*url)) : std::nullopt;
 }
 
 QString webAddressKey(const QString &address)

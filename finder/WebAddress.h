@@ -1,10 +1,18 @@
 #pragma once
 
 #include <QString>
+#include <QUrl>
 
 #include <optional>
 
 namespace lumaro {
+
+/// What `text` leads to, with https:// before it unless it names a scheme itself. Empty for
+/// anything but an http or https address.
+std::optional<QUrl> webUrl(const QString &text);
+
+/// How an address is shown: in full, a site's root without its slash.
+QString displayAddress(const QUrl &url);
 
 /// A typed or visited address as it is kept: complete, http or https, a site's root without its
 /// slash. Empty for anything else, and for an address of more than 16,384 characters.

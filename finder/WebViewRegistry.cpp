@@ -39,8 +39,7 @@ void WebViewRegistry::reloadPages()
 
 void WebViewRegistry::reloadPage(WebView &view)
 {
-    const QUrl url = view.url();
-    if (!url.isEmpty() && url != QUrl(QStringLiteral("about:blank")))
+    if (isPage(view.url()))
         view.reload();
 }
 

@@ -10,6 +10,18 @@ namespace lumaro {
 
 class ContentRuleList;
 
+/// The page with nothing in it.
+inline QUrl emptyPage()
+{
+    return QUrl(QStringLiteral("about:blank"));
+}
+
+/// False for what a web view shows before it shows anything.
+inline bool isPage(const QUrl &url)
+{
+    return !url.isEmpty() && url != emptyPage();
+}
+
 /// A web view as far as settings reach into it. Main thread.
 class WebView : public ScriptRunner
 {

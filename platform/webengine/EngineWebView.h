@@ -33,7 +33,7 @@ public:
     void setUrl(const QUrl &url);
     void load(const QUrl &url) override { Q_EMIT loadRequested(url); }
     void stopLoading() override { Q_EMIT stopRequested(); }
-    void loadEmptyPage() override { load(QUrl(QStringLiteral("about:blank"))); }
+    void loadEmptyPage() override { load(emptyPage()); }
     bool canGoBack() const override { return m_canGoBack; }
     void setCanGoBack(bool can);
     bool canGoForward() const override { return m_canGoForward; }

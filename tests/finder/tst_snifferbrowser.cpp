@@ -310,8 +310,8 @@ void SnifferBrowserTest::reportsWhatItSees()
     // What is cancelled was seen all the same.
     coordinator.decide(
         action(u"https://h/pagead/1.m3u8"_s, NavigationAction::Target::NewWindow, false));
-    coordinator.noteResponse(QUrl(u"https://h/2"_s), u"application/vnd.apple.mpegurl"_s);
-    coordinator.noteResponse(QUrl(u"https://h/page"_s), u"text/html"_s);
+    coordinator.report(QUrl(u"https://h/2"_s), u"application/vnd.apple.mpegurl"_s);
+    coordinator.report(QUrl(u"https://h/page"_s), u"text/html"_s);
     coordinator.receiveMessage(handler,
                                QVariantMap{{u"url"_s, u"https://h/3.m3u8"_s},
                                            {u"title"_s, u"Clicked"_s},
@@ -324,7 +324,7 @@ void SnifferBrowserTest::reportsWhatItSees()
              (QStringList{u"/3.m3u8 Clicked"_s, u"/2 The page"_s, u"/pagead/1.m3u8 The page"_s}));
 
     manager.reset();
-    coordinator.noteResponse(QUrl(u"https://h/5.m3u8"_s), std::nullopt);
+    coordinator.report(QUrl(u"https://h/5.m3u8"_s), std::nullopt);
     coordinator.receiveMessage(handler, u"https://h/6.m3u8"_s);
 }
 
