@@ -60,6 +60,7 @@ LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
 
 LocalM3UModel::~LocalM3UModel()
 {
+    m_import.request_stop();
     m_lifetime.request_stop();
 }
 
@@ -281,14 +282,14 @@ void LocalM3UModel::notifySaved()
 
 void LocalM3UModel::importLocalPlaylist()
 {
-    importFrom({}, m_lifetime.get_token());
+    startImport({});
 }
 
 bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
 {
     const QUrl url = urls.value(0, QUrl(text.trimmed(), QUrl::StrictMode));
     if (url.isLocalFile() && isChannelListFile(url))
-        importFrom(url, m_lifetime.get_token());
+        startImport(url);
     else if (url.scheme() == u"http" || url.scheme() == u"https")
         m_editor.beginAdding(url.toString(QUrl::FullyEncoded));
     else
@@ -296,11 +297,16 @@ bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
     return true;
 }
 
+void LocalM3UModel::startImport(const std::optional<QUrl> &file)
+{
+    // The one before ends with this.
+    std::exchange(m_import, std::stop_source()).request_stop();
+    importFrom(file, m_import.get_token());
+}
+
 Task<> LocalM3UModel::importFrom(std::optional<QUrl> file, std::stop_token stop)
 {
     setImportError({});
-    // The next one ends this one.
-    const int import = ++m_lastImport;
     // A panel that is closed leaves the player's message as it was.
     bool failed = false;
     const auto watch = connect(&m_player, &PlayerModel::errorMessageChanged, this, [&] {
@@ -311,10 +317,8 @@ Task<> LocalM3UModel::importFrom(std::optional<QUrl> file, std::stop_token stop)
     const auto reading =
         file ? m_player.importM3UFile(*file, std::nullopt) : m_player.importLocalM3U(std::nullopt);
     const std::optional<PlaylistEntries> entries = co_await reading;
-    if (stop.stop_requested())
-        co_return;
     disconnect(watch);
-    if (import != m_lastImport)
+    if (stop.stop_requested())
         co_return;
     m_window.setKeepsSection(false);
     if (entries)

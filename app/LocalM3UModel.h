@@ -109,6 +109,7 @@ private:
     void ask(Question question, const QUuid &id);
     void storeEdited(const PlaylistEntry &entry);
     void notifySaved();
+    void startImport(const std::optional<QUrl> &file);
     Task<> importFrom(std::optional<QUrl> file, std::stop_token stop);
     void replaceLibrary(const PlaylistEntries &entries);
     Task<> exportTo(std::stop_token stop);
@@ -124,8 +125,7 @@ private:
     LocalM3UEditor m_editor;
     LocalM3UHistory m_history;
     QString m_importError;
-    /// Counts them.
-    int m_lastImport = 0;
+    std::stop_source m_import;
     Question m_question = Question::None;
     QUuid m_questionedId;
     QString m_exportError;

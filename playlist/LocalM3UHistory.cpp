@@ -11,22 +11,14 @@ PlaylistEntries without(const QUuid &id, const PlaylistEntries &entries)
 }
 
 /// Saving or importing a link again gives it another id.
-PlaylistEntries withoutAddress(const QUrl &url, const PlaylistEntries &entries)
+PlaylistEntries withoutAddress(const QUrl &url, PlaylistEntries entries)
 {
     const QByteArray address = url.toEncoded();
-    qsizetype first = -1;
-    qsizetype count = 0;
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        if (entries.address(i) == QUtf8StringView(address) && ++count == 1)
-            first = i;
+    for (qsizetype i = entries.size() - 1; i >= 0; --i) {
+        if (entries.address(i) == QUtf8StringView(address))
+            entries = entries.replacing(i, 1, {});
     }
-    if (count == 0)
-        return entries;
-    if (count == 1)
-        return entries.replacing(first, 1, {});
-    QList<PlaylistEntry> others = entries.toList();
-    others.removeIf([&](const PlaylistEntry &entry) { return entry.url == url; });
-    return PlaylistEntries::fromList(others);
+    return entries;
 }
 
 /// Drops the states that do not differ from the one that follows them, `current` at last.

@@ -87,15 +87,11 @@ Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token sto
 void QuickFilePanels::accept(const QUrl &chosen)
 {
     const QUrl file = withScheme(chosen);
-    if (m_panel.kind != Kind::NewFile) {
-        answer(file);
-        return;
-    }
-    m_newFileFolder = folderOf(file);
-    if (!QFileInfo::exists(file.toLocalFile())) {
-        answer(file);
-        return;
-    }
+    const bool isNewFile = m_panel.kind == Kind::NewFile;
+    if (isNewFile)
+        m_newFileFolder = folderOf(file);
+    if (!isNewFile || !QFileInfo::exists(file.toLocalFile()))
+        return answer(file);
     m_panel.folder = m_newFileFolder;
     m_panel.proposedFile = file;
     Q_EMIT proposedFileChanged();
