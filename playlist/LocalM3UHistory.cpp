@@ -74,7 +74,8 @@ void LocalM3UHistory::apply(const PlaylistEntries &entries)
     m_store.persist();
 }
 
-void LocalM3UHistory::deleteForGood(const QUuid &id)
+// By value: the entry that the id may come from goes on the way.
+void LocalM3UHistory::deleteForGood(QUuid id)
 {
     const qsizetype index = m_current.indexOf(id);
     if (index < 0)

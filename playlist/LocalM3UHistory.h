@@ -29,7 +29,7 @@ public:
 
     /// Deletes the entry from the store and from every remembered state, there under whatever id
     /// its address has.
-    void deleteForGood(const QUuid &id);
+    void deleteForGood(QUuid id);
     void deleteAllForGood();
 
 Q_SIGNALS:
