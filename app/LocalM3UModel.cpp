@@ -102,7 +102,9 @@ void LocalM3UModel::play(int row)
     const PlaylistEntry entry = entryWithId(m_list.idAt(row));
     if (entry.url.isEmpty())
         return;
-    if (isForTheRecognisers(entry.url))
+    if (entry.url.isLocalFile() && isChannelListFile(entry.url))
+        m_player.importM3UFile(entry.url, entry.name);
+    else if (isForTheRecognisers(entry.url))
         m_player.openRemote(entry.url.toString(QUrl::FullyEncoded), entry.name);
     else
         m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
@@ -282,14 +284,14 @@ void LocalM3UModel::notifySaved()
 
 void LocalM3UModel::importLocalPlaylist()
 {
-    startImport({});
+    chooseAndImport();
 }
 
 bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
 {
     const QUrl url = urls.value(0, QUrl(text.trimmed(), QUrl::StrictMode));
     if (url.isLocalFile() && isChannelListFile(url))
-        startImport(url);
+        importFrom(url);
     else if (url.scheme() == u"http" || url.scheme() == u"https")
         m_editor.beginAdding(url.toString(QUrl::FullyEncoded));
     else
@@ -297,34 +299,31 @@ bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
     return true;
 }
 
-void LocalM3UModel::startImport(const std::optional<QUrl> &file)
+Task<> LocalM3UModel::chooseAndImport()
+{
+    const std::stop_token stop = m_lifetime.get_token();
+    const std::optional<QUrl> file = co_await m_player.chooseM3UFile();
+    if (file && !stop.stop_requested())
+        importFrom(*file);
+}
+
+Task<> LocalM3UModel::importFrom(QUrl file)
 {
     // The one before ends with this.
     std::exchange(m_import, std::stop_source()).request_stop();
-    importFrom(file, m_import.get_token());
-}
-
-Task<> LocalM3UModel::importFrom(std::optional<QUrl> file, std::stop_token stop)
-{
+    const std::stop_token stop = m_import.get_token();
     setImportError({});
-    // A panel that is closed leaves the player's message as it was.
-    bool failed = false;
-    const auto watch = connect(&m_player, &PlayerModel::errorMessageChanged, this, [&] {
-        failed = m_player.errorMessage().startsWith(u"Could not import playlist: ");
-    });
     // The list that is read becomes the player's too, which must not lead away from here.
     m_window.setKeepsSection(true);
-    const auto reading =
-        file ? m_player.importM3UFile(*file, std::nullopt) : m_player.importLocalM3U(std::nullopt);
-    const std::optional<PlaylistEntries> entries = co_await reading;
-    disconnect(watch);
+    const auto reading = m_player.importM3UFile(file, std::nullopt);
+    const PlayerModel::PlaylistResult result = co_await reading;
     if (stop.stop_requested())
         co_return;
     m_window.setKeepsSection(false);
-    if (entries)
-        replaceLibrary(*entries);
-    else if (failed)
-        setImportError(m_player.errorMessage());
+    if (result)
+        replaceLibrary(*result);
+    else
+        setImportError(result.error());
 }
 
 void LocalM3UModel::replaceLibrary(const PlaylistEntries &entries)

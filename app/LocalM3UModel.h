@@ -109,8 +109,8 @@ private:
     void ask(Question question, const QUuid &id);
     void storeEdited(const PlaylistEntry &entry);
     void notifySaved();
-    void startImport(const std::optional<QUrl> &file);
-    Task<> importFrom(std::optional<QUrl> file, std::stop_token stop);
+    Task<> chooseAndImport();
+    Task<> importFrom(QUrl file);
     void replaceLibrary(const PlaylistEntries &entries);
     Task<> exportTo(std::stop_token stop);
     void setImportError(const QString &message);

@@ -127,8 +127,19 @@ Item {
             active = true;
             (item as Menu).popup(root, x, y);
         }
+        function close(): void {
+            if (item)
+                (item as Menu).close();
+        }
 
         active: false
+        // Another link may stand in the row then.
+        Connections {
+            target: root.library.list
+            function onRowsInserted() { linkMenu.close(); }
+            function onRowsRemoved() { linkMenu.close(); }
+            function onModelReset() { linkMenu.close(); }
+        }
         sourceComponent: Menu {
             MenuItem {
                 text: "Play"

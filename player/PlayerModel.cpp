@@ -208,6 +208,15 @@ Task<PlayerModel::PlaylistResult> PlayerModel::fetchPlaylist(QUrl url, std::stop
 
 Task<std::optional<PlaylistEntries>> PlayerModel::importLocalM3U(std::optional<QString> displayName)
 {
+    const std::optional<QUrl> file = co_await chooseM3UFile();
+    if (!file)
+        co_return std::nullopt;
+    const PlaylistResult result = co_await importM3UFile(*file, std::move(displayName));
+    co_return result ? std::optional(*result) : std::nullopt;
+}
+
+Task<std::optional<QUrl>> PlayerModel::chooseM3UFile()
+{
     const OpenPanelRequest request{
         .title = QStringLiteral("Import M3U Playlist"),
         .prompt = QStringLiteral("Import"),
@@ -216,13 +225,11 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importLocalM3U(std::optional<Q
     };
     const std::stop_token stop = m_lifetime.get_token();
     const std::optional<QUrl> file = co_await m_platform.panels.chooseFile(request, stop);
-    if (!file || stop.stop_requested())
-        co_return std::nullopt;
-    co_return co_await importM3UFile(*file, std::move(displayName));
+    co_return stop.stop_requested() ? std::nullopt : file;
 }
 
-Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
-                                                                std::optional<QString> displayName)
+Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
+                                                             std::optional<QString> displayName)
 {
     publish(m_errorMessage, QString(), &PlayerModel::errorMessageChanged);
     // The one before, if it is still being read, is not what the user wants any more.
@@ -233,9 +240,9 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
     const std::stop_token stop = m_import.get_token();
     const auto reading = m_platform.scheduler.inBackground(
         [file] { return readPlaylistFile(file, maximumPlaylistSize); });
-    const PlaylistResult result = co_await reading;
+    PlaylistResult result = co_await reading;
     if (stop.stop_requested())
-        co_return std::nullopt;
+        co_return std::unexpected(QString());
 
     m_playlist = result.value_or(PlaylistEntries());
     m_isPlaylistRemote = false;
@@ -244,12 +251,12 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importM3UFile(QUrl file,
         publish(m_title, trimmedOr(displayName, QFileInfo(file.toLocalFile()).completeBaseName()),
                 &PlayerModel::titleChanged);
     } else {
-        publish(m_errorMessage, u"Could not import playlist: " + result.error(),
-                &PlayerModel::errorMessageChanged);
+        result = std::unexpected(u"Could not import playlist: " + result.error());
+        publish(m_errorMessage, result.error(), &PlayerModel::errorMessageChanged);
     }
     m_isImporting = false;
     updateIsLoading();
-    co_return result ? std::optional(*result) : std::nullopt;
+    co_return result;
 }
 
 void PlayerModel::clearNetworkStream()

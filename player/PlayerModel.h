@@ -72,6 +72,9 @@ class PlayerModel : public QObject
                    okVideoContentChanged)
 
 public:
+    /// The error is a sentence.
+    using PlaylistResult = std::expected<PlaylistEntries, QString>;
+
     /// The longest playlist that is read, in bytes; a longer one is refused.
     static constexpr qint64 maximumPlaylistSize = 256 * 1024 * 1024;
     static constexpr std::chrono::milliseconds volumeToastDuration{1200};
@@ -118,9 +121,11 @@ public:
     /// Asks for an M3U file and makes it the playlist. The imported entries; empty when the user
     /// cancelled or the import failed.
     Task<std::optional<PlaylistEntries>> importLocalM3U(std::optional<QString> displayName);
-    /// The same for a file that is already chosen.
-    Task<std::optional<PlaylistEntries>> importM3UFile(QUrl file,
-                                                       std::optional<QString> displayName);
+    /// The file that the user chooses for that; empty when there is none.
+    Task<std::optional<QUrl>> chooseM3UFile();
+    /// The same for a file that is already chosen. The error is what the player says too, or empty
+    /// when something else that was opened meanwhile took its place.
+    Task<PlaylistResult> importM3UFile(QUrl file, std::optional<QString> displayName);
     /// Asks for a local media file and plays it.
     Task<> openFile();
 
@@ -163,7 +168,6 @@ Q_SIGNALS:
     void currentURLChanged();
 
 private:
-    using PlaylistResult = std::expected<PlaylistEntries, QString>;
     using ChangeSignal = void (PlayerModel::*)();
 
     template <typename T>

@@ -35,6 +35,16 @@ void writeAttribute(QByteArray &text, const char *name, QUtf8StringView value)
     text += '"';
 }
 
+/// Readers take a title from the first comma of its line on, and an address can do without one.
+/// In others than web addresses (data:) a comma may mean something.
+QByteArray logoAddress(QUtf8StringView address)
+{
+    QByteArray written(address.data(), address.size());
+    if (written.startsWith("http"))
+        written.replace(',', "%2C");
+    return written;
+}
+
 /// The path of a file, unless that would be read as another address.
 QByteArray addressLine(QUtf8StringView address)
 {
@@ -56,7 +66,7 @@ QByteArray writePlaylist(const PlaylistEntries &entries)
     for (qsizetype i = 0; i < entries.size(); ++i) {
         const QByteArray name = cleaned(entries.name(i));
         text += "#EXTINF:-1 tvg-name=\"" + name + '"';
-        writeAttribute(text, "tvg-logo", entries.logoAddress(i));
+        writeAttribute(text, "tvg-logo", logoAddress(entries.logoAddress(i)));
         writeAttribute(text, "tvg-country", entries.countryCode(i));
         writeAttribute(text, "group-title", entries.group(i));
         text += ',' + name + '\n' + addressLine(entries.address(i)) + '\n';

@@ -125,6 +125,9 @@ Row changing(const QString &what, const QString &folder, int rounds, Change chan
 {
     Library library(folder);
     library.list.setFilterText(search);
+    // A deletion also clears what could be undone.
+    for (int edit = 0; edit < 20; ++edit)
+        longestHold(library, folder, [&] { make(Change::Edit, library, u"x"_s); });
     QList<Seconds> times;
     for (int round = 0; round < rounds; ++round) {
         times.append(longestHold(library, folder,

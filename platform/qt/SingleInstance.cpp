@@ -74,10 +74,12 @@ Progress decode(const QByteArray &message, SingleInstance::Request &request)
 class SingleInstance::Lock
 {
 public:
-    explicit Lock(const QString &path)
-        : m_descriptor(
-              open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
+    explicit Lock(const QString &folder)
+        : m_descriptor(opened(folder + u"/lock", O_RDWR | O_CREAT))
     {
+        // What is in the way of the file is in everyone's way, so all lock the folder then.
+        if (m_descriptor < 0)
+            m_descriptor = opened(folder, O_RDONLY);
     }
     ~Lock()
     {
@@ -91,6 +93,11 @@ public:
     bool take() { return flock(m_descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
 private:
+    static int opened(const QString &path, int flags)
+    {
+        return open(QFile::encodeName(path).constData(), flags | O_CLOEXEC, 0600);
+    }
+
     int m_descriptor;
 };
 
@@ -99,8 +106,8 @@ private:
 class SingleInstance::Lock
 {
 public:
-    explicit Lock(const QString &path)
-        : m_file(path)
+    explicit Lock(const QString &folder)
+        : m_file(folder + u"/lock")
     {
         m_file.setStaleLockTime(0);
     }
@@ -124,7 +131,7 @@ SingleInstance::SingleInstance(const QString &settingsFolder, const QString &run
         QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha256).toHex().first(16);
     m_socketPath = (runtimeFolder.isEmpty() ? folder : runtimeFolder) + u"/lumaro-"
         + QString::fromLatin1(digest) + u".socket";
-    m_lock = std::make_unique<Lock>(folder + u"/lock");
+    m_lock = std::make_unique<Lock>(folder);
 }
 
 SingleInstance::~SingleInstance() = default;
@@ -138,9 +145,12 @@ QString SingleInstance::defaultRuntimeFolder()
 
 SingleInstance::Outcome SingleInstance::claim(const Request &request)
 {
-    QByteArray message = encode(request);
-    if (message.size() > maximumRequestSize)
-        message = encode({{}, request.workingFolder, {}});
+    Request sent = request;
+    QByteArray message = encode(sent);
+    while (message.size() > maximumRequestSize && !sent.arguments.isEmpty()) {
+        sent.arguments.removeLast();
+        message = encode(sent);
+    }
     // The one that runs may still be starting, or just be ending.
     const QDeadlineTimer deadline(patience);
     while (true) {

@@ -40,7 +40,7 @@ public:
         NoAnswer, ///< one runs but does not answer
     };
 
-    /// Longer requests are neither sent nor taken, in bytes.
+    /// Longer requests are not taken, in bytes; of more arguments than that, the first are sent.
     static constexpr qsizetype maximumRequestSize = 256 * 1024;
     /// How many may be connected at once, and how long one may take to say what it wants.
     static constexpr int maximumConnections = 16;

@@ -81,6 +81,7 @@ private Q_SLOTS:
     void savesUnderAName();
     void plays_data();
     void plays();
+    void aLinkToAChannelListOpensIt();
     void addsAndEdits();
     void editOfADeletedLinkIsKept();
     void asksBeforeDeleting_data();
@@ -88,6 +89,7 @@ private Q_SLOTS:
     void deletesOnlyWhatWasAgreedTo();
     void importReplacesTheLibrary();
     void lastOfTwoImportsCounts();
+    void aRequestWhileThePanelIsOpenLosesNothing();
     void badImportsLoseNothing_data();
     void badImportsLoseNothing();
     void drops_data();
@@ -226,6 +228,18 @@ void LocalM3UModelTest::plays()
     QCOMPARE(world.player.title(), world.http.requests().isEmpty() ? u"Name"_s : productName());
     world.library.play(1);
     world.library.play(-1);
+}
+
+void LocalM3UModelTest::aLinkToAChannelListOpensIt()
+{
+    World world;
+    const QUrl list = world.write(u"list.m3u"_s, "#EXTINF:-1,x\nhttp://h/x\n");
+    world.store.save(list, u"Name"_s);
+    world.library.play(0);
+    world.scheduler.runBackground();
+    QCOMPARE(world.player.playlist().size(), 1);
+    QCOMPARE(world.player.title(), u"Name"_s);
+    QCOMPARE(world.store.entries().at(0).url, list);
 }
 
 void LocalM3UModelTest::addsAndEdits()
@@ -368,6 +382,15 @@ void LocalM3UModelTest::lastOfTwoImportsCounts()
     QCOMPARE(world.store.entries().size(), 1);
     QCOMPARE(world.names(), u"second"_s);
     QCOMPARE(world.shell.sidebarSection(), Section::localM3U);
+}
+
+void LocalM3UModelTest::aRequestWhileThePanelIsOpenLosesNothing()
+{
+    World world;
+    world.panels.choice = world.write(u"new.m3u"_s, "#EXTINF:-1,x\nhttp://h/x\n");
+    world.panels.whileOpen = [&world] { world.library.importLocalPlaylist(); };
+    world.library.importLocalPlaylist();
+    QCOMPARE(world.storedNames(), u"x"_s);
 }
 
 void LocalM3UModelTest::badImportsLoseNothing_data()

@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include <functional>
+
 namespace lumaro {
 
 /// A panel in which the user has already made up their mind.
@@ -12,7 +14,13 @@ class FakeFilePanels final : public FilePanels
 public:
     Task<std::optional<QUrl>> chooseFile(OpenPanelRequest request, std::stop_token) override
     {
+        if (m_isOpen)
+            co_return std::nullopt;
         requests.append(request);
+        m_isOpen = true;
+        if (whileOpen)
+            whileOpen();
+        m_isOpen = false;
         co_return std::as_const(choice);
     }
 
@@ -31,9 +39,14 @@ public:
 
     /// What the user picks; empty for Cancel.
     std::optional<QUrl> choice;
+    /// What happens before the user picks a file.
+    std::function<void()> whileOpen;
     QList<OpenPanelRequest> requests;
     QList<SavePanelRequest> saveRequests;
     QList<FolderPanelRequest> folderRequests;
+
+private:
+    bool m_isOpen = false;
 };
 
 } // namespace lumaro

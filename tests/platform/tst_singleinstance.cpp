@@ -80,6 +80,7 @@ private Q_SLOTS:
     void survivesACrowd();
     void onlyTheUserMayConnect();
     void runsWithoutAPlaceForTheLock();
+    void locksWithoutALockFile();
 };
 
 void SingleInstanceTest::handsOver_data()
@@ -93,6 +94,8 @@ void SingleInstanceTest::handsOver_data()
     row("one", {u"../a b.mp4"_s});
     row("several", {u"a"_s, u""_s, u"http://h/ü?x=😀"_s});
     row("long", {QString(100'000, u'x')});
+    QTest::newRow("too many") << QStringList(3, QString(100'000, u'x'))
+                              << QStringList(2, QString(100'000, u'x'));
     QTest::newRow("too long") << QStringList{QString(300'000, u'x')} << QStringList();
 }
 
@@ -225,7 +228,9 @@ void SingleInstanceTest::onlyTheUserMayConnect()
 {
     World world;
     const auto first = world.first();
-    struct stat status{};
+    struct stat status
+    {
+    };
     QCOMPARE(stat(qPrintable(first->socketPath()), &status), 0);
     QCOMPARE(status.st_mode & 077, 0U);
 }
@@ -236,6 +241,16 @@ void SingleInstanceTest::runsWithoutAPlaceForTheLock()
     QFile file(world.settings());
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(world.first());
+}
+
+void SingleInstanceTest::locksWithoutALockFile()
+{
+    World world;
+    QVERIFY(QDir().mkpath(world.settings() + u"/lock"));
+    const auto first = world.first();
+    QVERIFY(first);
+    QCOMPARE(world.start({{u"a"_s}, {}, {}}), Outcome::HandedOver);
+    QTRY_COMPARE(world.requests.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(SingleInstanceTest)
