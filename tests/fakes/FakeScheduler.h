@@ -11,6 +11,12 @@ namespace lumaro {
 class FakeScheduler final : public Scheduler
 {
 public:
+    FakeScheduler() = default;
+    FakeScheduler(const FakeScheduler &) = delete;
+    FakeScheduler &operator=(const FakeScheduler &) = delete;
+    /// Does what still waits, for whoever asked has been told to stop.
+    ~FakeScheduler() override { runBackground(); }
+
     TimePoint now() const override { return m_now; }
     TimerId callAfter(Duration delay, std::function<void()> action) override;
     void cancel(TimerId timer) override;
