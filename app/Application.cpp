@@ -3,6 +3,8 @@
 #include "ui/Style.h"
 
 #include <QGuiApplication>
+#include <QLibrary>
+#include <QQmlComponent>
 #include <QQuickWindow>
 
 #include <clocale>
@@ -13,10 +15,17 @@ void Application::prepare()
 {
     // libmpv draws with OpenGL.
     QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+    // The browser's engine, which comes later, shares its pictures so.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    // Calls between browsers would go past the proxy, and tell the user's own address.
+    constexpr char flags[] = "QTWEBENGINE_CHROMIUM_FLAGS";
+    const QByteArray others = qgetenv(flags);
+    qputenv(flags, others + " --force-webrtc-ip-handling-policy=disable_non_proxied_udp");
 }
 
 Application::Application(const Folders &folders)
-    : m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
+    : m_folders(folders)
+    , m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
     , m_defaults(folders.settings)
     // libmpv requires it, and the application object has just set the user's locale.
     // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
@@ -34,6 +43,20 @@ Application::Application(const Folders &folders)
     , m_library(m_defaults, m_scheduler)
     , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler})
     , m_libraryCommands(m_librarySection)
+    , m_ruleLists(m_scheduler)
+    , m_adBlocker(m_defaults, m_scheduler, m_ruleLists)
+    , m_websites(m_defaults, m_scheduler, m_panels)
+    , m_finder(
+          {.blocker = m_adBlocker,
+           .proxy = m_proxy,
+           .websites = m_websites,
+           .library = m_library,
+           .downloads = m_downloadManager,
+           .notifications = m_notifications,
+           .panels = m_panels,
+           .scheduler = m_scheduler,
+           .onOpenStream = [this](const QUrl &url, const QString &name) { playFound(url, name); }})
+    , m_finderController({*m_finder.tabs(), m_notifications, m_defaults, m_scheduler})
     , m_pictureAccess(folders.cache + QStringLiteral("/logos"))
 {
     m_player.installKeyboardShortcuts();
@@ -43,6 +66,18 @@ Application::Application(const Folders &folders)
                      [this] { m_channels.setCurrentEntry(m_window.currentChannel()); });
     QObject::connect(&m_commands, &MenuCommands::quitRequested, qGuiApp, &QGuiApplication::quit,
                      Qt::QueuedConnection);
+    QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController, [this] {
+        if (loadFinder())
+            m_finderController.show();
+    });
+    QObject::connect(
+        qGuiApp, &QGuiApplication::focusWindowChanged, &m_finderController,
+        [this](const QWindow *window) { m_finderController.keyWindowChanged(classified(window)); });
+    QObject::connect(&m_notifications, &NotificationCenter::posted, &m_finderController,
+                     [this](const QString &name) {
+                         if (name == notification::openLocalM3UTab)
+                             bringToFront({});
+                     });
 }
 
 bool Application::show()
@@ -63,14 +98,77 @@ bool Application::show()
         {QStringLiteral("libraryCommands"), object(m_libraryCommands)},
         {QStringLiteral("panels"), object(m_panels)},
         {QStringLiteral("notifications"), object(m_notifications)},
+        {QStringLiteral("finderController"), object(m_finderController)},
     });
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/Main.qml")));
     return !m_engine.rootObjects().isEmpty();
 }
 
+bool Application::loadFinder()
+{
+    if (m_finderWindow)
+        return true;
+    QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
+    if (!browser.load()) {
+        qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
+        m_player.showToast(QStringLiteral("The stream finder could not be loaded."),
+                           PlayerModel::toastDuration);
+        return false;
+    }
+    QQmlComponent component(&m_engine,
+                            QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/FinderWindow.qml")));
+    const QVariantMap properties{
+        {QStringLiteral("finder"), QVariant::fromValue(&m_finder)},
+        {QStringLiteral("controller"), QVariant::fromValue(&m_finderController)},
+        {QStringLiteral("panels"), QVariant::fromValue(&m_panels)},
+        {QStringLiteral("browserFolder"), QString(m_folders.settings + QStringLiteral("/browser"))},
+        {QStringLiteral("browserCacheFolder"),
+         QString(m_folders.cache + QStringLiteral("/browser"))},
+        {QStringLiteral("transientParent"), QVariant::fromValue(mainWindow())},
+    };
+    QObject *const made =
+        component.isReady() ? component.createWithInitialProperties(properties) : nullptr;
+    m_finderWindow = qobject_cast<QQuickWindow *>(made);
+    if (!m_finderWindow) {
+        qWarning("%s", qPrintable(component.errorString()));
+        delete made;
+        return false;
+    }
+    // Before the engine goes the models that it shows.
+    made->setParent(&m_engine);
+    return true;
+}
+
+SnifferWindowController::KeyWindow Application::classified(const QWindow *window) const
+{
+    using KeyWindow = SnifferWindowController::KeyWindow;
+    if (!window)
+        return KeyWindow::None;
+    if (window == m_finderWindow)
+        return KeyWindow::Finder;
+    if (window->isModal())
+        return KeyWindow::OwnPanel;
+    for (const QWindow *above = window; above; above = above->transientParent()) {
+        if (above == m_finderWindow)
+            return KeyWindow::OwnPanel;
+    }
+    return KeyWindow::Other;
+}
+
+void Application::playFound(const QUrl &url, const QString &name)
+{
+    m_player.play(url, name, true);
+    bringToFront({});
+}
+
+QQuickWindow *Application::mainWindow() const
+{
+    return qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
+}
+
 void Application::bringToFront(const QByteArray &activationToken)
 {
-    const auto window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
+    QQuickWindow *const window = mainWindow();
     if (!window)
         return;
     // Qt's Wayland platform takes the token from here.

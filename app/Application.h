@@ -8,8 +8,11 @@
 #include "app/MenuCommands.h"
 #include "app/ProxyRoute.h"
 #include "app/TransportModel.h"
-#include "finder/SnifferProxyManager.h"
+#include "finder/SnifferSavedWebsiteStore.h"
+#include "finder/SnifferViewModel.h"
+#include "finder/SnifferWindowController.h"
 #include "platform/NotificationCenter.h"
+#include "platform/contentrules/CompilingRuleListStore.h"
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/mpv/MpvMediaPlayer.h"
 #include "platform/qt/BoundedNetworkAccess.h"
@@ -21,7 +24,9 @@
 #include "player/PlayerModel.h"
 #include "playlist/ChannelListModel.h"
 
+#include <QPointer>
 #include <QQmlApplicationEngine>
+#include <QQuickWindow>
 
 namespace lumaro {
 
@@ -48,10 +53,18 @@ public:
     ChannelListModel &channels() { return m_channels; }
     LocalM3UStore &library() { return m_library; }
     SnifferProxyManager &proxy() { return m_proxy; }
+    SnifferViewModel &finder() { return m_finder; }
+    SnifferWindowController &finderWindow() { return m_finderController; }
     LocalM3UModel &librarySection() { return m_librarySection; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
 private:
+    QQuickWindow *mainWindow() const;
+    bool loadFinder();
+    SnifferWindowController::KeyWindow classified(const QWindow *window) const;
+    void playFound(const QUrl &url, const QString &name);
+
+    const Folders m_folders;
     // In the order of who needs whom; the engine goes first at the end, and with it every view.
     QtScheduler m_scheduler;
     NotificationCenter m_notifications;
@@ -75,8 +88,15 @@ private:
     LocalM3UStore m_library;
     LocalM3UModel m_librarySection;
     LocalM3UCommands m_libraryCommands;
+    CompilingRuleListStore m_ruleLists;
+    SnifferAdBlocker m_adBlocker;
+    SnifferSavedWebsiteStore m_websites;
+    SnifferViewModel m_finder;
+    SnifferWindowController m_finderController;
     BoundedNetworkAccess m_pictureAccess;
     QQmlApplicationEngine m_engine;
+    /// Made when it is first shown; the engine owns it.
+    QPointer<QQuickWindow> m_finderWindow;
 };
 
 /// The delegate of the application object's own events: the application quits when its last

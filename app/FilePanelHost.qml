@@ -3,12 +3,14 @@ import QtQuick.Templates as T
 import Lumaro.App
 import Lumaro.Ui
 
-// Shows the panel that is asked for. Each dialog is loaded with its first request: start-up must
+// Shows the panel that is asked for while its window is in front. Each dialog is loaded with its first request: start-up must
 // not wait for it.
 Item {
     id: host
 
     required property QuickFilePanels panels
+    required property bool isInFront
+    property bool showsPanel: false
 
     readonly property list<Loader> loaders: [fileLoader, saveLoader, folderLoader]
 
@@ -24,12 +26,17 @@ Item {
         target: host.panels
 
         function onOpenRequested() {
+            host.showsPanel = host.isInFront;
+            if (!host.showsPanel)
+                return;
             const loader = host.loaderFor(host.panels.kind);
             if (loader.status === Loader.Null)
                 loader.setSource(loader.panel, loader.properties);
             loader.item.open();
         }
         function onReplacingAsked() {
+            if (!host.showsPanel)
+                return;
             replacing.active = true;
             const dialog = replacing.item as Dialog;
             dialog.text = "“%1” exists already. Replacing it loses what is in it."

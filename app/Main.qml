@@ -1,5 +1,6 @@
 import QtQuick
 import Lumaro.App
+import Lumaro.Finder
 import Lumaro.Platform.Mpv
 import Lumaro.Playlist
 import Lumaro.Ui
@@ -19,6 +20,7 @@ Window {
     required property LocalM3UCommands libraryCommands
     required property QuickFilePanels panels
     required property NotificationCenter notifications
+    required property SnifferWindowController finderController
 
     property bool wasMaximized: false
 
@@ -87,5 +89,8 @@ Window {
         picture: MpvVideoItem { player: window.mediaPlayer }
     }
 
-    FilePanelHost { panels: window.panels }
+    FilePanelHost {
+        panels: window.panels
+        isInFront: !window.finderController.isShown
+    }
 }

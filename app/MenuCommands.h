@@ -72,6 +72,8 @@ public:
 
 Q_SIGNALS:
     void quitRequested();
+    /// The stream finder's window should be in front.
+    void finderRequested();
 
 private:
     MenuCommand *make(MenuCommand::Description description);

@@ -5,13 +5,22 @@
 #include "platform/posix/LoopbackPeer.h"
 
 #include <QNetworkProxy>
+#include <QUrl>
 
 namespace lumaro {
 
 ProxyRoute::ProxyRoute(CurlHttpClient &http, MpvMediaPlayer &player)
     : m_http(http)
     , m_player(player)
+    , m_relay(&isOwnLoopbackPeer)
 {
+    // The browser's engine hears of another one only after its next request.
+    QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, relayHost(), m_relay.port()});
+}
+
+QString ProxyRoute::relayHost()
+{
+    return QStringLiteral("127.0.0.1");
 }
 
 void ProxyRoute::setProxyConfigurations(const QList<ProxyConfiguration> &configurations)
@@ -19,21 +28,13 @@ void ProxyRoute::setProxyConfigurations(const QList<ProxyConfiguration> &configu
     const auto proxy =
         configurations.isEmpty() ? std::nullopt : std::optional(configurations.first());
     m_http.setProxy(proxy);
-    if (proxy && !m_relay)
-        m_relay.emplace(&isOwnLoopbackPeer);
-    if (m_relay)
-        m_relay->setUpstream(proxy);
-    if (!proxy) {
-        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
-        m_player.setHttpProxy({});
-        return;
-    }
-    const QString host = QStringLiteral("127.0.0.1");
-    QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, host, m_relay->port()});
+    m_relay.setUpstream(proxy);
     QUrl address;
-    address.setScheme(QStringLiteral("http"));
-    address.setHost(host);
-    address.setPort(m_relay->port());
+    if (proxy) {
+        address.setScheme(QStringLiteral("http"));
+        address.setHost(relayHost());
+        address.setPort(m_relay.port());
+    }
     m_player.setHttpProxy(address);
 }
 

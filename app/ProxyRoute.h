@@ -19,10 +19,12 @@ public:
     void setProxyConfigurations(const QList<ProxyConfiguration> &configurations) override;
 
 private:
+    static QString relayHost();
+
     CurlHttpClient &m_http;
     MpvMediaPlayer &m_player;
-    /// Stays when there is no proxy any more, for what still plays through it.
-    std::optional<ProxyRelay> m_relay;
+    /// There with and without a proxy: for Qt and its browser, and for what still plays through it.
+    ProxyRelay m_relay;
 };
 
 } // namespace lumaro

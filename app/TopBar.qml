@@ -80,7 +80,7 @@ Item {
 
         Text {
             anchors {
-                left: leading.right; right: downloadsButton.left
+                left: leading.right; right: finderButton.left
                 leftMargin: Theme.spacing * 4; rightMargin: Theme.spacing * 3
                 verticalCenter: parent.verticalCenter
             }
@@ -92,6 +92,19 @@ Item {
             font { pixelSize: Theme.fontBody; weight: Font.Medium }
         }
 
+        IconButton {
+            id: finderButton
+
+            anchors {
+                right: downloadsButton.left; rightMargin: Theme.spacing
+                verticalCenter: parent.verticalCenter
+            }
+            onOverlay: true
+            iconName: "globe"
+            text: "Find Streams in Web Pages"
+            shortcutText: "Ctrl+Shift+F"
+            onClicked: root.commands.finderRequested()
+        }
         DownloadsButton {
             id: downloadsButton
 

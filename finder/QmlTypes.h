@@ -1,8 +1,7 @@
 #pragma once
 
-#include "finder/SnifferBlockListModel.h"
-#include "finder/SnifferProxySettingsModel.h"
-#include "finder/SnifferWebListModel.h"
+#include "finder/SnifferViewModel.h"
+#include "finder/SnifferWindowController.h"
 
 #include <QtQml/qqml.h>
 
@@ -38,6 +37,54 @@ struct SnifferWebListModelForQml
     Q_GADGET
     QML_FOREIGN(lumaro::SnifferWebListModel)
     QML_NAMED_ELEMENT(SnifferWebListModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct PageViewForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::PageView)
+    QML_NAMED_ELEMENT(PageView)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct SnifferBrowserTabsForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::SnifferBrowserTabs)
+    QML_NAMED_ELEMENT(SnifferBrowserTabs)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct SnifferDetectedStreamsModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::SnifferDetectedStreamsModel)
+    QML_NAMED_ELEMENT(SnifferDetectedStreamsModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct SnifferManagerForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::SnifferManager)
+    QML_NAMED_ELEMENT(SnifferManager)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct SnifferViewModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::SnifferViewModel)
+    QML_NAMED_ELEMENT(SnifferViewModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct SnifferWindowControllerForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::SnifferWindowController)
+    QML_NAMED_ELEMENT(SnifferWindowController)
     QML_UNCREATABLE("Made by the composition root.")
 };
 

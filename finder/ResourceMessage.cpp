@@ -47,10 +47,10 @@ std::optional<ResourceMessage> ResourceMessageReader::read(QStringView handler,
         return std::nullopt;
     const QUrl url(address);
     // What says nothing must not use up what another frame may say.
-    if (!isWebAddress(url) || !admit(address.size() + (title ? title->size() : 0)))
-        return std::nullopt;
     if (title)
         title->truncate(maximumTitleLength);
+    if (!isWebAddress(url) || !admit(address.size() + (title ? title->size() : 0)))
+        return std::nullopt;
     return ResourceMessage{url, title, isTrue(fields.value(QStringLiteral("selected")))};
 }
 

@@ -37,6 +37,16 @@ protected:
         }
     }
 
+    /// As many rows as before, each for the same thing.
+    void changeRows(const QList<Row> &rows)
+    {
+        const QList<Row> before = std::exchange(m_rows, rows);
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            if (before[i] != rows[i])
+                Q_EMIT dataChanged(index(int(i)), index(int(i)));
+        }
+    }
+
     void resetRows(const QList<Row> &rows)
     {
         beginResetModel();

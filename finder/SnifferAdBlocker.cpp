@@ -22,9 +22,11 @@ bool containsAny(const QString &text, Words words)
                                [&text](QLatin1StringView word) { return text.contains(word); });
 }
 
+/// As much of it as the content rules look at: a page must not hold up the window by its length.
 QString lowerAddress(const QUrl &url)
 {
-    return url.toString(QUrl::FullyEncoded).toLower();
+    constexpr qsizetype maximumLength = 16384;
+    return url.toString(QUrl::FullyEncoded).left(maximumLength).toLower();
 }
 
 /// Streams and films are what the user came for.
@@ -333,11 +335,10 @@ bool SnifferAdBlocker::isAdOrPopupURL(const QUrl &url) const
     const QString address = lowerAddress(url);
     if (isMedia(address))
         return false;
-    const QString host = lowerHost(url);
-    return std::ranges::any_of(m_blockedDomains,
-                               [&](const QString &domain) {
-                                   return host.contains(domain) || address.contains(domain);
-                               })
+    // The host is part of it, unless a user name as long as that stands before the host.
+    return std::ranges::any_of(
+               m_blockedDomains,
+               [&address](const QString &domain) { return address.contains(domain); })
         || hasAdPath(address);
 }
 

@@ -56,7 +56,7 @@ void SnifferBrowserTabs::addTab(const QUrl &url)
     const QUuid id = QUuid::createUuid();
     auto manager = std::make_unique<SnifferManager>(m_websites, m_clock);
     if (!url.isEmpty())
-        manager->navigateAutomatically(url);
+        manager->navigate(url);
     for (const auto changed : {&SnifferManager::pageTitleChanged, &SnifferManager::addressChanged})
         connect(manager.get(), changed, this, [this, id] { announceTitle(id); });
     beginInsertRows({}, count(), count());

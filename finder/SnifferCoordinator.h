@@ -6,22 +6,6 @@ namespace lumaro {
 
 class SnifferAdBlocker;
 
-/// A page, or a frame in it, is about to go somewhere.
-struct NavigationAction
-{
-    enum class Target {
-        MainFrame,
-        SubFrame,
-        NewWindow,
-    };
-
-    QUrl url;
-    Target target = Target::MainFrame;
-    bool isLinkClick = false;
-    /// The page itself asks rather than a frame in it.
-    bool sourceIsMainFrame = true;
-};
-
 enum class NavigationDecision {
     Allow,
     Cancel,

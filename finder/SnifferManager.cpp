@@ -41,20 +41,16 @@ void SnifferManager::navigate(const QUrl &url)
     load(url);
 }
 
-void SnifferManager::navigateAutomatically(const QUrl &url)
-{
-    if (m_webView)
-        return navigate(url);
-    m_automaticNavigation = url;
-    setAddress(displayAddress(url));
-}
-
 void SnifferManager::load(const QUrl &url)
 {
     setErrorMessage(QString());
     setAddress(displayAddress(url));
     if (m_webView)
         m_webView->load(url);
+    else
+        m_automaticNavigation = url;
+    if (!std::exchange(m_wantsView, true))
+        Q_EMIT wantsViewChanged();
 }
 
 void SnifferManager::goBack()
@@ -93,6 +89,7 @@ void SnifferManager::clearAddress()
         m_webView->loadEmptyPage();
     }
     setAddress(QString());
+    setShownPage(QUrl());
     setPageTitle(QString());
     setErrorMessage(QString());
     setIsLoading(false);
@@ -110,6 +107,7 @@ void SnifferManager::update(const QUrl &url, bool loading, const std::optional<Q
 {
     setIsLoading(loading);
     refreshNavigationState();
+    setShownPage(isPage(url) ? url : QUrl());
     if (!isPage(url))
         return;
     setAddress(displayAddress(url));
@@ -143,6 +141,14 @@ void SnifferManager::setAddress(const QString &text)
 {
     if (std::exchange(m_address, text) != text)
         Q_EMIT addressChanged();
+}
+
+void SnifferManager::setShownPage(const QUrl &url)
+{
+    if (m_shownPage == url)
+        return;
+    m_shownPage = url;
+    Q_EMIT shownPageChanged();
 }
 
 void SnifferManager::setPageTitle(const QString &title)

@@ -15,7 +15,11 @@ class SnifferManager : public QObject
     Q_OBJECT
     /// The text of the address field.
     Q_PROPERTY(QString address READ address WRITE setAddress NOTIFY addressChanged)
+    /// The page that the view shows or loads; empty for none.
+    Q_PROPERTY(QUrl shownPage READ shownPage NOTIFY shownPageChanged)
     Q_PROPERTY(QString pageTitle READ pageTitle NOTIFY pageTitleChanged)
+    /// There is something to be seen, for which the browser needs a view.
+    Q_PROPERTY(bool wantsView READ wantsView NOTIFY wantsViewChanged)
     Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY navigationStateChanged)
     Q_PROPERTY(bool canGoForward READ canGoForward NOTIFY navigationStateChanged)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
@@ -30,7 +34,9 @@ public:
 
     const QString &address() const { return m_address; }
     void setAddress(const QString &text);
+    const QUrl &shownPage() const { return m_shownPage; }
     const QString &pageTitle() const { return m_pageTitle; }
+    bool wantsView() const { return m_wantsView; }
     bool canGoBack() const { return m_canGoBack; }
     bool canGoForward() const { return m_canGoForward; }
     bool isLoading() const { return m_isLoading; }
@@ -44,8 +50,6 @@ public:
     /// Goes where the address field says.
     Q_INVOKABLE void go();
     Q_INVOKABLE void navigate(const QUrl &url);
-    /// The same as soon as there is a view, unless the user goes somewhere else before.
-    void navigateAutomatically(const QUrl &url);
     Q_INVOKABLE void goBack();
     Q_INVOKABLE void goForward();
     Q_INVOKABLE void reload();
@@ -60,19 +64,22 @@ public:
     /// It begins to load `url`, or has ended; `title` is the page's, once it is known.
     void update(const QUrl &url, bool loading, const std::optional<QString> &title);
     void refreshNavigationState();
+    void setPageTitle(const QString &title);
     /// Loading ended with an error, whose description is for the user.
     void fail(const QUrl &url, const QString &description);
 
 Q_SIGNALS:
     void addressChanged();
+    void shownPageChanged();
     void pageTitleChanged();
+    void wantsViewChanged();
     void navigationStateChanged();
     void isLoadingChanged();
     void errorMessageChanged();
 
 private:
     void load(const QUrl &url);
-    void setPageTitle(const QString &title);
+    void setShownPage(const QUrl &url);
     void setIsLoading(bool loading);
     void setErrorMessage(const QString &message);
 
@@ -82,7 +89,9 @@ private:
     /// Where to go once there is a view; empty for nowhere.
     QUrl m_automaticNavigation;
     QString m_address;
+    QUrl m_shownPage;
     QString m_pageTitle;
+    bool m_wantsView = false;
     bool m_canGoBack = false;
     bool m_canGoForward = false;
     bool m_isLoading = false;

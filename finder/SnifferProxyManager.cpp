@@ -25,11 +25,12 @@ std::optional<qint64> decimalInteger(QStringView text)
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
-bool isHost(const QString &text)
+/// As sockets take it, an IPv6 address without brackets; empty for no host.
+QString hostIn(const QString &text)
 {
     QUrl url;
-    url.setHost(text);
-    return url.isValid() && !url.host().isEmpty();
+    url.setHost(text.trimmed());
+    return url.isValid() ? url.host() : QString();
 }
 
 } // namespace
@@ -147,16 +148,16 @@ void SnifferProxyManager::cleanRegisteredViews()
 
 std::optional<ProxyConfiguration> SnifferProxyManager::configuration() const
 {
-    const QString trimmedHost = m_host.trimmed();
+    const QString host = hostIn(m_host);
     const qint64 number = port().value_or(0);
-    if (!m_isEnabled || !isHost(trimmedHost) || number < 1
+    if (!m_isEnabled || host.isEmpty() || number < 1
         || number > std::numeric_limits<quint16>::max())
         return std::nullopt;
     ProxyConfiguration configuration;
     configuration.protocol = m_proxyType == ProxyType::Socks5
         ? ProxyConfiguration::Protocol::Socks5
         : ProxyConfiguration::Protocol::HttpConnect;
-    configuration.host = trimmedHost;
+    configuration.host = host;
     configuration.port = quint16(number);
     if (!m_username.trimmed().isEmpty())
         configuration.credential = {m_username, m_password};

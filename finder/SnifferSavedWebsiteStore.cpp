@@ -89,9 +89,10 @@ void SnifferSavedWebsiteStore::save(const QString &urlString, const QString &tit
                         .isFavorite = isFavorite});
     } else {
         SnifferSavedWebsite website = websites()[index];
+        const QStringList addresses{website.urlString, *address, urlString.trimmed()};
         website.savedAt = m_clock();
         website.isFavorite = website.isFavorite || isFavorite;
-        if (!candidate.isEmpty() && candidate != website.urlString)
+        if (!candidate.isEmpty() && !addresses.contains(candidate))
             website.title = candidate;
         m_list.replace(index, website);
         m_list.moveToFront(index);
@@ -115,10 +116,11 @@ void SnifferSavedWebsiteStore::recordVisit(const QString &urlString, const QStri
                         .visitCount = 1});
     } else {
         SnifferSavedWebsite website = websites()[index];
+        const QStringList addresses{website.urlString, *address, urlString.trimmed()};
         website.savedAt = m_clock();
         if (website.visitCount < std::numeric_limits<qint64>::max())
             ++website.visitCount;
-        if (candidate != website.urlString)
+        if (!addresses.contains(candidate))
             website.title = candidate;
         m_list.replace(index, website);
         m_list.moveToFront(index);
@@ -213,7 +215,8 @@ Task<> SnifferSavedWebsiteStore::importWebsites()
 Task<> SnifferSavedWebsiteStore::mergeImportedWebsites(WebList imported)
 {
     const std::stop_token stop = m_lifetime.get_token();
-    for (;;) {
+    constexpr int attempts = 3;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
         const int revision = m_revision;
         const auto merge = [before = m_list, imported] {
             WebList list = before;
@@ -232,6 +235,9 @@ Task<> SnifferSavedWebsiteStore::mergeImportedWebsites(WebList imported)
             co_return;
         }
     }
+    // Pages come faster than lists are merged.
+    m_list.merge(imported);
+    trimAndPersist();
 }
 
 void SnifferSavedWebsiteStore::trimAndPersist()

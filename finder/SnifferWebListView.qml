@@ -88,7 +88,6 @@ Item {
             height: 52
             hoverEnabled: true
             focusPolicy: Qt.NoFocus
-            text: title
             onClicked: root.websiteActivated(address, false)
             Accessible.role: Accessible.ListItem
             Accessible.name: title

@@ -19,7 +19,7 @@ enum class WebListFileError {
 QString description(WebListFileError error);
 
 /// The longest web list that is read, in bytes.
-inline constexpr qint64 maximumWebListSize = 16 * 1024 * 1024;
+inline constexpr qint64 maximumWebListSize = 64 * 1024 * 1024;
 
 /// Reads an exported list. Leaves out what is no http or https address; what claims to have been
 /// saved later than `now` was saved now. Blocks while it reads. Any thread.

@@ -2,7 +2,27 @@
 
 #include "platform/WebView.h"
 
+#include <QVariant>
+
+#include <functional>
+
 namespace lumaro {
+
+/// A page, or a frame in it, is about to go somewhere.
+struct NavigationAction
+{
+    enum class Target {
+        MainFrame,
+        SubFrame,
+        NewWindow,
+    };
+
+    QUrl url;
+    Target target = Target::MainFrame;
+    bool isLinkClick = false;
+    /// The page itself asks rather than a frame in it.
+    bool sourceIsMainFrame = true;
+};
 
 /// A web view as a browser drives it. Main thread; nothing blocks.
 class PageView : public WebView
@@ -10,6 +30,9 @@ class PageView : public WebView
     Q_OBJECT
 
 public:
+    /// Whether the view may do so. It never goes to other schemes than a page of the web needs.
+    using NavigationPolicy = std::function<bool(const NavigationAction &action)>;
+
     using WebView::WebView;
 
     virtual void load(const QUrl &url) = 0;
@@ -21,6 +44,27 @@ public:
     virtual bool canGoForward() const = 0;
     virtual void goBack() = 0;
     virtual void goForward() = 0;
+
+    /// For every frame that is loaded from now on, before the page's own scripts.
+    virtual void setUserScripts(const QStringList &scripts) = 0;
+    /// Called for whatever a page asks for; without one, pages go where they like.
+    virtual void setNavigationPolicy(NavigationPolicy policy) = 0;
+
+Q_SIGNALS:
+    void loadStarted();
+    /// The page is there, with its title, as good as the server has it.
+    void loadFinished(const QString &title);
+    /// The user or the page stopped it, or it became a download.
+    void loadStopped();
+    /// There is no page; `description` is for the user.
+    void loadFailed(const QString &description);
+    void titleChanged(const QString &title);
+    /// The page's own window is not to be opened; only its address is told.
+    void newWindowRequested(const QUrl &url);
+    /// The page or a frame of it answered with this media type, which the view does not show.
+    void responseReceived(const QUrl &url, const QString &contentType);
+    /// Any page can have this sent, with whatever it likes.
+    void messageReceived(const QString &handler, const QVariant &body);
 };
 
 } // namespace lumaro

@@ -23,6 +23,7 @@ struct ProxyConfiguration
     };
 
     Protocol protocol = Protocol::Socks5;
+    /// A name or an address, the latter without brackets.
     QString host;
     quint16 port = 0;
     std::optional<Credential> credential;

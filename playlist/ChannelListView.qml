@@ -147,7 +147,6 @@ Item {
             height: list.rowHeight
             focusPolicy: Qt.NoFocus
             hoverEnabled: true
-            text: name
             onClicked: {
                 list.currentIndex = index;
                 root.activate(index);

@@ -161,7 +161,6 @@ Item {
             height: list.rowHeight
             focusPolicy: Qt.NoFocus
             hoverEnabled: true
-            text: name
             onClicked: {
                 root.links.selectedRow = index;
                 root.played(index);

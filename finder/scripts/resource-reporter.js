@@ -5,6 +5,7 @@
 
     const playlistAddress = /\.m3u8(?:$|[?#])/i;
     const clickable = 'button, a, [role="button"], [role="option"], [role="menuitem"], li';
+    const longestTitle = 4096;
     let lastSelectedName = "";
     // The page's own scripts come later, and may find something else there.
     let post = function () {};
@@ -21,7 +22,7 @@
                 return;
             post({
                 url: url,
-                title: lastSelectedName || document.title || "",
+                title: (lastSelectedName || document.title || "").slice(0, longestTitle),
                 selected: lastSelectedName.length > 0
             });
         } catch (error) {

@@ -104,7 +104,9 @@ void CurlTransfer::setProxy()
     const auto set = [this](CURLoption option, auto value) {
         curl_easy_setopt(m_easy.get(), option, value);
     };
-    set(CURLOPT_PROXY, m_proxy->host.toUtf8().constData());
+    const QString &host = m_proxy->host;
+    const QString proxy = host.contains(u':') ? u'[' + host + u']' : host;
+    set(CURLOPT_PROXY, proxy.toUtf8().constData());
     set(CURLOPT_PROXYPORT, long(m_proxy->port));
     // Names are for the proxy to find.
     set(CURLOPT_PROXYTYPE,

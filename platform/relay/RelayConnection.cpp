@@ -16,9 +16,37 @@ constexpr std::chrono::milliseconds patience = 30s;
 /// What may wait in each direction, in bytes.
 constexpr qint64 bufferSize = 256 * 1024;
 
+bool isLocalName(const QString &host)
+{
+    return host.endsWith(u".localhost");
+}
+
 bool isThisMachine(const QString &host)
 {
-    return host == u"localhost" || host.endsWith(u".localhost") || QHostAddress(host).isLoopback();
+    return host == u"localhost" || isLocalName(host) || QHostAddress(host).isLoopback();
+}
+
+/// What the desktop goes through, as Qt can tell.
+std::optional<ProxyConfiguration> systemProxy(const ProxyRequestHead &request)
+{
+    using Protocol = ProxyConfiguration::Protocol;
+
+    QUrl url;
+    url.setScheme(request.isTunnel() ? QStringLiteral("https") : QStringLiteral("http"));
+    url.setHost(request.host());
+    url.setPort(request.port());
+    for (const QNetworkProxy &proxy :
+         QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url))) {
+        const bool isHttp = proxy.type() == QNetworkProxy::HttpProxy;
+        if (!isHttp && proxy.type() != QNetworkProxy::Socks5Proxy)
+            continue;
+        ProxyConfiguration configuration{isHttp ? Protocol::HttpConnect : Protocol::Socks5,
+                                         proxy.hostName(), proxy.port(), std::nullopt};
+        if (!proxy.user().isEmpty())
+            configuration.credential = {proxy.user(), proxy.password()};
+        return configuration;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -78,13 +106,18 @@ void RelayConnection::connectOnwards()
 
     // Qt would otherwise come back here.
     m_onward.setProxy(QNetworkProxy::NoProxy);
-    if (!m_upstream || isThisMachine(m_request->host())) {
-        m_onward.connectToHost(m_request->host(), m_request->port());
+    const QString host = m_request->host();
+    if (!m_upstream && !isThisMachine(host))
+        m_upstream = systemProxy(*m_request);
+    if (!m_upstream || isThisMachine(host)) {
+        // Not every system knows that these are this machine (RFC 6761, section 6.3).
+        m_onward.connectToHost(isLocalName(host) ? QStringLiteral("localhost") : host,
+                               m_request->port());
         return;
     }
     m_asksProxy = m_upstream->protocol == Protocol::HttpConnect;
     if (!m_asksProxy)
-        m_handshake.emplace(m_request->host(), m_request->port(), m_upstream->credential);
+        m_handshake.emplace(host, m_request->port(), m_upstream->credential);
     m_onward.connectToHost(m_upstream->host, m_upstream->port);
 }
 
@@ -111,8 +144,11 @@ void RelayConnection::shakeHands()
 
 void RelayConnection::begin()
 {
-    m_patience.stop();
     m_passes = true;
+    m_awaitsAnswer = m_asksProxy;
+    // A server may take as long as it likes, a proxy with a tunnel not.
+    if (!m_asksProxy || !m_request->isTunnel())
+        m_patience.stop();
     if (m_asksProxy)
         m_onward.write(m_request->forProxy(m_upstream->credential));
     else if (m_request->isTunnel())
@@ -136,11 +172,31 @@ void RelayConnection::refuse(const QByteArray &status)
     m_client.disconnectFromHost();
 }
 
+/// False while nothing may be passed to the client yet.
+bool RelayConnection::hasAnswer()
+{
+    // As far as the status (RFC 9112, section 4).
+    constexpr qsizetype enough = sizeof("HTTP/1.1 407") - 1;
+    const QByteArray start = m_onward.peek(enough);
+    if (start.size() < enough && m_onward.state() != QAbstractSocket::UnconnectedState)
+        return false;
+    m_patience.stop();
+    m_awaitsAnswer = false;
+    // Whether the proxy knows the user is not for the client to settle.
+    if (start.startsWith("HTTP/") && start.endsWith(" 407")) {
+        refuse("502 Bad Gateway");
+        return false;
+    }
+    return true;
+}
+
 void RelayConnection::passAll()
 {
     if (!m_passes)
         return;
     pass(m_client, m_onward);
+    if (m_awaitsAnswer && !hasAnswer())
+        return;
     pass(m_onward, m_client);
     if (m_onward.state() == QAbstractSocket::UnconnectedState && m_onward.bytesAvailable() == 0)
         m_client.disconnectFromHost();

@@ -25,6 +25,7 @@ private:
     void greet();
     void shakeHands();
     void begin();
+    bool hasAnswer();
     void refuse(const QByteArray &status);
     void pass(QTcpSocket &from, QTcpSocket &to);
     void passAll();
@@ -38,6 +39,8 @@ private:
     bool m_asksProxy = false;
     std::optional<Socks5Handshake> m_handshake;
     bool m_passes = false;
+    /// Nothing of what the other HTTP proxy answers has been passed on.
+    bool m_awaitsAnswer = false;
     QTimer m_patience{this};
 };
 

@@ -2,48 +2,102 @@ import QtQuick
 import QtWebEngine
 import Lumaro.Platform.WebEngine
 
-// Shows a web view of the models: tells it what happens, and does what it asks for.
+// Shows the pages of a web view of the models, `page`: tells it what happens, and does what it asks
+// for. What a page may not decide by itself, the surroundings do:
+//   messageHandlers            what the models' scripts may post to
+//   permissionRequested(...)   answer with answerPermission()
+//   certificateRefused(...)    the server is not who it claims to be; nothing was loaded
+//   crashed()                  the page's process is gone; reload() makes another
+//   menuRequested(request)     the page's context menu
 WebEngineView {
     id: root
 
-    required property EngineWebView webView
+    required property EngineProfile engineProfile
+    property alias messageHandlers: bridge.messageHandlers
+    readonly property EngineWebView page: bridge
+    signal permissionRequested(url origin, int feature)
+    signal certificateRefused(url address, string reason)
+    signal crashed()
+    signal menuRequested(ContextMenuRequest request)
 
+    function answerPermission(origin: url, feature: int, allowed: bool): void {
+        grantFeaturePermission(origin, feature, allowed);
+    }
     function tellHistory(): void {
-        webView.canGoBack = canGoBack;
-        webView.canGoForward = canGoForward;
+        bridge.canGoBack = canGoBack;
+        bridge.canGoForward = canGoForward;
+    }
+    function insertScript(source: string, world: int): void {
+        const script = WebEngine.script();
+        script.sourceCode = source;
+        script.injectionPoint = WebEngineScript.DocumentCreation;
+        script.worldId = world;
+        script.runsOnSubFrames = true;
+        userScripts.insert(script);
     }
     function insertScripts(): void {
         userScripts.clear();
-        for (const source of webView.scripts) {
-            const script = WebEngine.script();
-            script.sourceCode = source;
-            script.injectionPoint = WebEngineScript.DocumentCreation;
-            script.worldId = WebEngineScript.MainWorld;
-            script.runsOnSubFrames = true;
-            userScripts.insert(script);
-        }
+        insertScript(bridge.isolatedScript, WebEngineScript.ApplicationWorld);
+        for (const source of bridge.scripts)
+            insertScript(source, WebEngineScript.MainWorld);
+    }
+
+    profile: engineProfile.profile
+    settings {
+        playbackRequiresUserGesture: false
+        fullScreenSupportEnabled: true
+        screenCaptureEnabled: false
+        localContentCanAccessFileUrls: false
+        localContentCanAccessRemoteUrls: false
+        pdfViewerEnabled: false
     }
 
     Component.onCompleted: insertScripts()
     onUrlChanged: {
-        webView.url = url;
+        bridge.url = url;
         tellHistory();
     }
+    onTitleChanged: bridge.title = title
     // What the engine announces of its history comes before the history has changed.
-    onLoadingChanged: tellHistory()
+    onLoadingChanged: info => {
+        bridge.url = url;
+        tellHistory();
+        bridge.tellLoading(info);
+    }
     onCanGoBackChanged: tellHistory()
     onCanGoForwardChanged: tellHistory()
-    onJavaScriptConsoleMessage: (level, message) => webView.readConsole(message)
+    onJavaScriptConsoleMessage: (level, message) => bridge.readConsole(message)
+    onNavigationRequested: request => bridge.decideNavigation(request)
+    onNewWindowRequested: request => bridge.decideNewWindow(request)
+    onFeaturePermissionRequested: (origin, feature) => root.permissionRequested(origin, feature)
+    onCertificateError: error => {
+        error.rejectCertificate();
+        root.certificateRefused(error.url, error.description);
+    }
+    onRenderProcessTerminated: root.crashed()
+    onContextMenuRequested: request => {
+        request.accepted = true;
+        root.menuRequested(request);
+    }
+    // Whoever asks is the user's own proxy, whose password is among the settings.
+    onAuthenticationDialogRequested: request => {
+        if (request.type !== AuthenticationDialogRequest.AuthenticationTypeProxy)
+            return;
+        request.accepted = true;
+        request.dialogReject();
+    }
+    onRegisterProtocolHandlerRequested: request => request.reject()
 
-    Connections {
-        target: root.webView
+    EngineWebView {
+        id: bridge
 
-        function onScriptsChanged() { root.insertScripts(); }
-        function onLoadRequested(url: url) { root.url = url; }
-        function onStopRequested() { root.stop(); }
-        function onBackRequested() { root.goBack(); }
-        function onForwardRequested() { root.goForward(); }
-        function onReloadRequested() { root.reload(); }
-        function onEvaluationRequested(script: string) { root.runJavaScript(script); }
+        profile: root.engineProfile
+        onScriptsChanged: root.insertScripts()
+        onLoadRequested: address => root.url = address
+        onStopRequested: root.stop()
+        onBackRequested: root.goBack()
+        onForwardRequested: root.goForward()
+        onReloadRequested: root.reload()
+        onEvaluationRequested: script => root.runJavaScript(script)
     }
 }

@@ -2,17 +2,30 @@
 
 namespace lumaro {
 
-EngineWebView::EngineWebView(EngineProfile &profile, const QStringList &messageHandlers,
-                             QObject *parent)
-    : PageView(parent)
-    , m_profile(profile)
-    , m_channel(messageHandlers)
+namespace {
+
+/// What the web itself is made of, and what a page makes of it. Files and other programs are not
+/// for pages to reach.
+bool isForPages(const QUrl &url)
 {
+    static const QStringList schemes{QStringLiteral("http"), QStringLiteral("https"),
+                                     QStringLiteral("about"), QStringLiteral("blob"),
+                                     QStringLiteral("data")};
+    return schemes.contains(url.scheme());
 }
+
+} // namespace
 
 EngineWebView::~EngineWebView()
 {
-    m_profile.interceptor().setLists(this, {});
+    if (m_profile)
+        m_profile->interceptor().setLists(this, {});
+}
+
+void EngineWebView::setTitle(const QString &title)
+{
+    if (std::exchange(m_title, title) != title)
+        Q_EMIT titleChanged(title);
 }
 
 void EngineWebView::setUrl(const QUrl &url)
@@ -58,7 +71,8 @@ QStringList EngineWebView::scripts() const
 void EngineWebView::addContentRuleList(std::shared_ptr<const ContentRuleList> list)
 {
     m_lists.append(std::move(list));
-    m_profile.interceptor().setLists(this, m_lists);
+    if (m_profile)
+        m_profile->interceptor().setLists(this, m_lists);
     Q_EMIT scriptsChanged();
 }
 
@@ -67,14 +81,89 @@ void EngineWebView::removeAllContentRuleLists()
     if (m_lists.isEmpty())
         return;
     m_lists.clear();
-    m_profile.interceptor().setLists(this, m_lists);
+    if (m_profile)
+        m_profile->interceptor().setLists(this, m_lists);
     Q_EMIT scriptsChanged();
 }
 
 void EngineWebView::readConsole(const QString &message)
 {
-    if (const auto posted = m_channel.read(message))
+    if (const auto used = m_channel.readUse(message)) {
+        if (*used == MessageChannel::Use::InPage)
+            m_subFrameUsed.reset();
+        else
+            m_subFrameUsed = std::chrono::steady_clock::now();
+    } else if (const auto posted = m_channel.read(message)) {
         Q_EMIT messageReceived(posted->handler, posted->body);
+    }
+}
+
+bool EngineWebView::lastUsedFrameIsMain() const
+{
+    // The engine does not tell which frame asks. Frames of other sites may only move the page while
+    // a use by the user is fresh, which in this engine is for five seconds.
+    constexpr std::chrono::seconds freshness{5};
+    return !m_subFrameUsed || std::chrono::steady_clock::now() - *m_subFrameUsed > freshness;
+}
+
+void EngineWebView::tellLoading(const QWebEngineLoadingInfo &info)
+{
+    switch (info.status()) {
+    case QWebEngineLoadingInfo::LoadStartedStatus:
+        Q_EMIT loadStarted();
+        return;
+    case QWebEngineLoadingInfo::LoadStoppedStatus:
+        Q_EMIT loadStopped();
+        return;
+    case QWebEngineLoadingInfo::LoadSucceededStatus:
+        Q_EMIT loadFinished(m_title);
+        return;
+    case QWebEngineLoadingInfo::LoadFailedStatus:
+        break;
+    }
+    // A page that tells of an error is a page.
+    if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain)
+        Q_EMIT loadFinished(m_title);
+    else
+        Q_EMIT loadFailed(info.errorString());
+}
+
+bool EngineWebView::mayGo(const NavigationAction &action) const
+{
+    return isForPages(action.url) && (!m_policy || m_policy(action));
+}
+
+void EngineWebView::decideNavigation(QWebEngineNavigationRequest *request)
+{
+    using Request = QWebEngineNavigationRequest;
+    NavigationAction action{.url = request->url(),
+                            .target = request->isMainFrame() ? NavigationAction::Target::MainFrame
+                                                             : NavigationAction::Target::SubFrame,
+                            .isLinkClick =
+                                request->navigationType() == Request::LinkClickedNavigation};
+    // What the user or the program asks for comes from no frame.
+    const bool isPagesOwn = action.isLinkClick
+        || request->navigationType() == Request::FormSubmittedNavigation
+        || request->navigationType() == Request::OtherNavigation
+        || request->navigationType() == Request::RedirectNavigation;
+    action.sourceIsMainFrame = !isPagesOwn || lastUsedFrameIsMain();
+    if (mayGo(action))
+        request->accept();
+    else
+        request->reject();
+}
+
+void EngineWebView::decideNewWindow(QWebEngineNewWindowRequest *request)
+{
+    const QUrl url = request->requestedUrl();
+    // A window of a script's own comes without a click, or the ad blocker has taken it away.
+    if (request->isUserInitiated())
+        mayGo({.url = url,
+               .target = NavigationAction::Target::NewWindow,
+               .isLinkClick = true,
+               .sourceIsMainFrame = lastUsedFrameIsMain()});
+    else if (isForPages(url))
+        Q_EMIT newWindowRequested(url);
 }
 
 } // namespace lumaro

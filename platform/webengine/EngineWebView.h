@@ -4,7 +4,12 @@
 #include "platform/webengine/EngineProfile.h"
 #include "platform/webengine/MessageChannel.h"
 
+#include <QWebEngineLoadingInfo>
+#include <QWebEngineNavigationRequest>
+#include <QWebEngineNewWindowRequest>
 #include <QtQml/qqmlregistration.h>
+
+#include <chrono>
 
 namespace lumaro {
 
@@ -14,20 +19,32 @@ class EngineWebView : public PageView
 {
     Q_OBJECT
     QML_ELEMENT
-    QML_UNCREATABLE("Made by whoever has the models.")
+    /// What the view shares with others; set once, before anything else.
+    Q_PROPERTY(lumaro::EngineProfile *profile READ profile WRITE setProfile)
+    /// The message handlers' names, which are identifiers; set once, before anything else.
+    Q_PROPERTY(QStringList messageHandlers WRITE setMessageHandlers READ messageHandlers)
     /// What the view shows or loads, as it tells.
     Q_PROPERTY(QUrl url READ url WRITE setUrl NOTIFY urlChanged)
+    /// The page's title, as the view tells.
+    Q_PROPERTY(QString title READ title WRITE setTitle)
     /// Where the view could go, as it tells.
     Q_PROPERTY(bool canGoBack READ canGoBack WRITE setCanGoBack NOTIFY historyChanged)
     Q_PROPERTY(bool canGoForward READ canGoForward WRITE setCanGoForward NOTIFY historyChanged)
+    /// For every frame, at document start, out of the page's reach and before all others.
+    Q_PROPERTY(QString isolatedScript READ isolatedScript CONSTANT)
     /// For every frame, at document start, in this order.
     Q_PROPERTY(QStringList scripts READ scripts NOTIFY scriptsChanged)
 
 public:
-    /// The user scripts may post to the handlers. `profile` outlives the view.
-    EngineWebView(EngineProfile &profile, const QStringList &messageHandlers,
-                  QObject *parent = nullptr);
+    using PageView::PageView;
     ~EngineWebView() override;
+
+    EngineProfile *profile() const { return m_profile; }
+    void setProfile(EngineProfile *profile) { m_profile = profile; }
+    QStringList messageHandlers() const { return m_channel.handlers(); }
+    void setMessageHandlers(const QStringList &names) { m_channel.setHandlers(names); }
+    const QString &title() const { return m_title; }
+    void setTitle(const QString &title);
 
     QUrl url() const override { return m_url; }
     void setUrl(const QUrl &url);
@@ -43,15 +60,21 @@ public:
     void reload() override { Q_EMIT reloadRequested(); }
     void evaluate(const QString &script) override { Q_EMIT evaluationRequested(script); }
 
-    /// For every frame that is loaded from now on, before the page's own scripts.
-    void setUserScripts(const QStringList &scripts);
+    void setUserScripts(const QStringList &scripts) override;
+    void setNavigationPolicy(NavigationPolicy policy) override { m_policy = std::move(policy); }
+    QString isolatedScript() const { return m_channel.receivingScript(); }
     QStringList scripts() const;
 
     void addContentRuleList(std::shared_ptr<const ContentRuleList> list) override;
     void removeAllContentRuleLists() override;
 
+    // What the view tells and asks.
+
     /// What the page writes to its console.
     Q_INVOKABLE void readConsole(const QString &message);
+    Q_INVOKABLE void tellLoading(const QWebEngineLoadingInfo &info);
+    Q_INVOKABLE void decideNavigation(QWebEngineNavigationRequest *request);
+    Q_INVOKABLE void decideNewWindow(QWebEngineNewWindowRequest *request);
 
 Q_SIGNALS:
     void urlChanged();
@@ -63,13 +86,19 @@ Q_SIGNALS:
     void forwardRequested();
     void reloadRequested();
     void evaluationRequested(const QString &script);
-    /// Any page can have this sent, with whatever it likes.
-    void messageReceived(const QString &handler, const QVariant &body);
 
 private:
-    EngineProfile &m_profile;
+    bool mayGo(const NavigationAction &action) const;
+    bool lastUsedFrameIsMain() const;
+
+    QPointer<EngineProfile> m_profile;
     MessageChannel m_channel;
+    NavigationPolicy m_policy;
+    /// When the user last clicked or pressed a key in a frame of the page, if that was not the
+    /// page itself.
+    std::optional<std::chrono::steady_clock::time_point> m_subFrameUsed;
     QUrl m_url;
+    QString m_title;
     bool m_canGoBack = false;
     bool m_canGoForward = false;
     QStringList m_userScripts;

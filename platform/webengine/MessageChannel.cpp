@@ -22,16 +22,22 @@ QString newSecret()
 
 } // namespace
 
-MessageChannel::MessageChannel(QStringList handlers)
-    : m_handlers(std::move(handlers))
+MessageChannel::MessageChannel()
+    : m_eventName(newSecret())
     , m_secret(newSecret())
 {
+}
+
+QString MessageChannel::receivingScript() const
+{
+    return builtInCall(QStringLiteral(":/lumaro/webengine/scripts/receive-messages.js"),
+                       {m_eventName, m_secret, maximumLength});
 }
 
 QString MessageChannel::openingScript() const
 {
     return builtInCall(QStringLiteral(":/lumaro/webengine/scripts/open-channel.js"),
-                       {m_secret, QJsonArray::fromStringList(m_handlers)});
+                       {m_eventName, QJsonArray::fromStringList(m_handlers)});
 }
 
 QString MessageChannel::closingScript()
@@ -41,16 +47,26 @@ QString MessageChannel::closingScript()
 
 std::optional<MessageChannel::Message> MessageChannel::read(const QString &consoleMessage) const
 {
-    if (consoleMessage.size() > maximumLength || !consoleMessage.startsWith(m_secret))
+    const QString start = m_secret + u':';
+    if (consoleMessage.size() > start.size() + maximumLength || !consoleMessage.startsWith(start))
         return std::nullopt;
     const qsizetype end = consoleMessage.indexOf(u'\n');
-    const QString handler = consoleMessage.mid(m_secret.size(), end - m_secret.size());
+    const QString handler = consoleMessage.mid(start.size(), end - start.size());
     if (end < 0 || !m_handlers.contains(handler))
         return std::nullopt;
     const QJsonValue body = decodedJson(QStringView(consoleMessage).mid(end + 1).toUtf8());
     if (body.isUndefined())
         return std::nullopt;
     return Message{handler, body.toVariant()};
+}
+
+std::optional<MessageChannel::Use> MessageChannel::readUse(const QString &consoleMessage) const
+{
+    if (consoleMessage == m_secret + u"!page")
+        return Use::InPage;
+    if (consoleMessage == m_secret + u"!frame")
+        return Use::InSubFrame;
+    return std::nullopt;
 }
 
 } // namespace lumaro

@@ -42,9 +42,13 @@ public:
         lists.append(list);
     }
     void removeAllContentRuleLists() override { lists.clear(); }
+    void setUserScripts(const QStringList &scripts) override { userScripts = scripts; }
+    void setNavigationPolicy(NavigationPolicy newPolicy) override { policy = newPolicy; }
 
     QString address;
     QStringList log;
+    QStringList userScripts;
+    NavigationPolicy policy;
     bool mayGoBack = false;
     bool mayGoForward = false;
     QList<std::shared_ptr<const ContentRuleList>> lists;

@@ -208,8 +208,10 @@ void SnifferBrowserTest::goesOnItsOwnOnceThereIsAView()
     for (const bool userWasFaster : {false, true}) {
         SnifferManager manager(world.websites);
         FakeWebView view;
-        manager.navigateAutomatically(url);
+        QVERIFY(!manager.wantsView());
+        manager.navigate(url);
         QCOMPARE(manager.address(), url.toString());
+        QVERIFY(manager.wantsView());
         if (userWasFaster)
             manager.navigate(QUrl(u"https://other.example/"_s));
         manager.setWebView(&view);

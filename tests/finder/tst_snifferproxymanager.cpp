@@ -169,6 +169,9 @@ void SnifferProxyManagerTest::configures_data()
         << QList{ProxyConfiguration{Protocol::Socks5, local, 65535, {}}};
     QTest::newRow("IPv6") << Type::Socks5 << u"::1"_s << u"1"_s << QString()
                           << QList{ProxyConfiguration{Protocol::Socks5, u"::1"_s, 1, {}}};
+    QTest::newRow("IPv6 in brackets")
+        << Type::Http << u"[::1]"_s << u"1"_s << QString()
+        << QList{ProxyConfiguration{Protocol::HttpConnect, u"::1"_s, 1, {}}};
     QTest::newRow("no host") << Type::Socks5 << u" "_s << u"1080"_s << QString() << direct;
     QTest::newRow("impossible host")
         << Type::Socks5 << u"a b/c"_s << u"1080"_s << QString() << direct;

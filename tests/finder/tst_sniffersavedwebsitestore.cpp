@@ -1,4 +1,5 @@
 #include "finder/SnifferSavedWebsiteStore.h"
+#include "finder/WebListFile.h"
 #include "tests/fakes/FakeFilePanels.h"
 #include "tests/fakes/FakeScheduler.h"
 #include "tests/fakes/FakeUserDefaults.h"
@@ -89,6 +90,7 @@ private Q_SLOTS:
     void merges_data();
     void merges();
     void visitDuringAMergeIsKept();
+    void visitsDoNotHoldUpAMerge();
     void importsLongLists();
     void importOfTheExportChangesNothing();
     void importsWhatItCan();
@@ -192,7 +194,9 @@ void SnifferSavedWebsiteStoreTest::recordsVisits()
     // A title that is only the address says nothing.
     world.visit(u"https://a.example/x"_s, u"https://a.example/x"_s);
     QCOMPARE(world.at(0).title, u"A again"_s);
-    QCOMPARE(world.at(0).visitCount, 3);
+    world.visit(u"https://www.a.example/x"_s, u"https://www.a.example/x"_s);
+    QCOMPARE(world.at(0).title, u"A again"_s);
+    QCOMPARE(world.at(0).visitCount, 4);
 }
 
 void SnifferSavedWebsiteStoreTest::savesWhatIsThere_data()
@@ -447,6 +451,23 @@ void SnifferSavedWebsiteStoreTest::visitDuringAMergeIsKept()
                           u"https://imported.example"_s}));
 }
 
+void SnifferSavedWebsiteStoreTest::visitsDoNotHoldUpAMerge()
+{
+    constexpr int plenty = 20;
+    World world;
+    world.store->mergeImportedWebsites(
+        WebList({website(u"https://imported.example"_s, u"I"_s, -1, 1, true)}));
+    int visits = 0;
+    const std::function<void()> visitAgain = [&] {
+        world.visit(u"%1.example"_s.arg(visits));
+        if (!world.addresses().contains(u"https://imported.example"_s) && ++visits < plenty)
+            world.scheduler.runInBackground([] { }, visitAgain);
+    };
+    visitAgain();
+    world.scheduler.runBackground();
+    QVERIFY(visits < plenty);
+}
+
 void SnifferSavedWebsiteStoreTest::importsLongLists()
 {
     const QTemporaryDir folder;
@@ -580,7 +601,7 @@ void SnifferSavedWebsiteStoreTest::failedImportChangesNothing_data()
     QTest::newRow("half a visit") << with("visitCount", 1.5) << none;
     QTest::newRow("visits without number") << with("visitCount", 1e300) << none;
     QTest::newRow("favourite as a number") << with("isFavorite", 1) << none;
-    QTest::newRow("too large") << QByteArray(16 * 1024 * 1024 + 1, ' ')
+    QTest::newRow("too large") << QByteArray(maximumWebListSize + 1, ' ')
                                << u"The file is too large for a web list."_s;
 }
 

@@ -58,7 +58,7 @@ QByteArray answerOn(QTcpSocket &socket)
 {
     const bool isEnded = QTest::qWaitFor(
         [&socket] { return socket.state() == QAbstractSocket::UnconnectedState; }, 20'000);
-    return isEnded ? bodyOf(socket.readAll()) : QByteArray("no answer");
+    return isEnded ? socket.readAll() : QByteArray("no answer");
 }
 
 ProxyConfiguration localProxy(Protocol protocol, quint16 port)
@@ -81,6 +81,8 @@ private Q_SLOTS:
     void goesThroughTheProxy();
     void failsWithTheProxy_data();
     void failsWithTheProxy();
+    void keepsTheProxysQuestionToItself();
+    void goesThroughTheDesktopsProxyWithoutAnother();
     void changesWhileInUse();
     void thisMachineNeedsNoProxy();
     void servesNobodyElse();
@@ -90,6 +92,8 @@ private Q_SLOTS:
 private:
     QUrl siteUrl(const QString &path) const { return ProxyServer::siteUrl(*m_site, path); }
     QByteArray fetched(CurlHttpClient &client, const QUrl &url);
+    /// The whole answer of the relay to a request for `url`.
+    QByteArray answered(const QUrl &url);
     /// What `url` answers by way of the relay.
     QByteArray relayed(const QUrl &url);
     /// The same through a tunnel, as for https; empty when there is none.
@@ -124,7 +128,7 @@ QByteArray ProxyTest::fetched(CurlHttpClient &client, const QUrl &url)
     return result && result->status == 200 ? result->body : QByteArray();
 }
 
-QByteArray ProxyTest::relayed(const QUrl &url)
+QByteArray ProxyTest::answered(const QUrl &url)
 {
     QTcpSocket socket;
     socket.setProxy(QNetworkProxy::NoProxy);
@@ -134,13 +138,18 @@ QByteArray ProxyTest::relayed(const QUrl &url)
     return answerOn(socket);
 }
 
+QByteArray ProxyTest::relayed(const QUrl &url)
+{
+    return bodyOf(answered(url));
+}
+
 QByteArray ProxyTest::tunnelled(const QUrl &url)
 {
     QTcpSocket socket;
     socket.setProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_relay->port()});
     socket.connectToHost(url.host(), quint16(url.port()));
     socket.write("GET " + url.path().toUtf8() + " HTTP/1.0\r\n\r\n");
-    return answerOn(socket);
+    return bodyOf(answerOn(socket));
 }
 
 void ProxyTest::goesThroughTheProxy_data()
@@ -202,6 +211,30 @@ void ProxyTest::failsWithTheProxy()
     m_relay->setUpstream(proxy);
     QCOMPARE(relayed(url), QByteArray());
     QCOMPARE(tunnelled(url), QByteArray());
+}
+
+void ProxyTest::keepsTheProxysQuestionToItself()
+{
+    const Babbler server("HTTP/1.1 407 Proxy Authentication Required\r\n"
+                         "Proxy-Authenticate: Basic realm=\"p\"\r\nContent-Length: 0\r\n\r\n");
+    m_relay->setUpstream(localProxy(Protocol::HttpConnect, server.serverPort()));
+    const QByteArray answer = answered(siteUrl(u"/page"_s));
+    QVERIFY2(answer.startsWith("HTTP/1.1 502 "), answer);
+    QCOMPARE(tunnelled(siteUrl(u"/page"_s)), QByteArray());
+}
+
+void ProxyTest::goesThroughTheDesktopsProxyWithoutAnother()
+{
+    const auto proxy = valueOrFail(ProxyServer::start(Protocol::HttpConnect));
+    QVERIFY(proxy);
+    qputenv("http_proxy", "http://127.0.0.1:" + QByteArray::number(proxy->configuration().port));
+    const auto clear = qScopeGuard([] { qunsetenv("http_proxy"); });
+    QCOMPARE(relayed(siteUrl(u"/page"_s)), "Hello.");
+    QTRY_COMPARE(m_site->sources().sliced(m_seen),
+                 QStringList{ProxyServer::ownAddress + u" /page"_s});
+    // The user's own comes first.
+    m_relay->setUpstream(localProxy(Protocol::Socks5, 9));
+    QCOMPARE(relayed(siteUrl(u"/page"_s)), QByteArray());
 }
 
 void ProxyTest::changesWhileInUse()

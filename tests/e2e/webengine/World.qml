@@ -5,17 +5,19 @@ import Lumaro.Platform.WebEngine
 Item {
     id: root
 
-    required property EngineProfile engineProfile
-    required property EngineWebView engineWebView
+    required property list<string> handlers
+    readonly property EngineWebView page: view.page
 
-    Binding {
-        target: root.engineProfile
-        property: "profile"
-        value: WebEngineProfile { id: engineOwnProfile; offTheRecord: true }
+    EngineProfile {
+        id: engineProfile
+
+        profile: WebEngineProfile { offTheRecord: true }
     }
     EngineView {
+        id: view
+
         anchors.fill: parent
-        profile: engineOwnProfile
-        webView: root.engineWebView
+        engineProfile: engineProfile
+        messageHandlers: root.handlers
     }
 }

@@ -1,11 +1,11 @@
 #include "finder/PageScripts.h"
 #include "finder/ResourceMessage.h"
 #include "finder/SnifferAdBlocker.h"
+#include "platform/PageView.h"
 #include "platform/contentrules/CompilingRuleListStore.h"
 #include "platform/posix/LoopbackPeer.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/relay/ProxyRelay.h"
-#include "platform/webengine/EngineWebView.h"
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ProxyServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
@@ -16,6 +16,7 @@
 #include <QGuiApplication>
 #include <QNetworkProxy>
 #include <QQmlEngine>
+#include <QQuickItem>
 #include <QQuickView>
 #include <QtWebEngineQuick>
 
@@ -45,22 +46,22 @@ class World
 {
 public:
     World()
-        : view(profile, {QString::fromUtf16(resourceMessageHandler), u"witness"_s})
     {
-        QObject::connect(&view, &EngineWebView::messageReceived, &view,
+        const QStringList handlers{QString::fromUtf16(resourceMessageHandler), u"witness"_s};
+        window.engine()->addImportPath(u"qrc:/qt/qml"_s);
+        window.setInitialProperties({{u"handlers"_s, handlers}});
+        window.setResizeMode(QQuickView::SizeRootObjectToView);
+        window.setSource(QUrl::fromLocalFile(QFINDTESTDATA("World.qml")));
+        view = window.rootObject()->property("page").value<PageView *>();
+        view->setUserScripts({resourceReporterScript(), adBlockerFlagScript(true),
+                              popupOverrideScript(), witnessScript()});
+        QObject::connect(view, &PageView::messageReceived, view,
                          [this](const QString &handler, const QVariant &body) {
                              if (handler == u"witness")
                                  witnessed.append(body.toString());
                              else
                                  reported.append(body.toMap().value(u"url"_s).toString());
                          });
-        view.setUserScripts({resourceReporterScript(), adBlockerFlagScript(true),
-                             popupOverrideScript(), witnessScript()});
-        window.engine()->addImportPath(u"qrc:/qt/qml"_s);
-        window.setInitialProperties({{u"engineProfile"_s, QVariant::fromValue(&profile)},
-                                     {u"engineWebView"_s, QVariant::fromValue(&view)}});
-        window.setResizeMode(QQuickView::SizeRootObjectToView);
-        window.setSource(QUrl::fromLocalFile(QFINDTESTDATA("World.qml")));
         window.resize(400, 300);
         window.show();
     }
@@ -73,11 +74,11 @@ public:
         return std::exchange(witnessed, {});
     }
 
-    EngineProfile profile;
-    EngineWebView view;
     QStringList witnessed;
     QStringList reported;
     QQuickView window;
+    /// The window's.
+    PageView *view = nullptr;
 };
 
 } // namespace
@@ -95,6 +96,7 @@ private Q_SLOTS:
     void everyFrameReports();
     void goesBackAndForth();
     void pagesCannotPost();
+    void pagesCannotReadWhatFramesPost();
     void rulesHideAndBlock();
     void pagesTakeTheProxy_data();
     void pagesTakeTheProxy();
@@ -143,6 +145,16 @@ void WebEngineTest::initTestCase()
                               "    document.body.className = 'ad';"
                               "    debug('seen: ' + seen); });"
                               "</script>"));
+    // What a frame shows first shares its window with the page that it loads.
+    QVERIFY(
+        m_site->writeFile(u"spy.html"_s,
+                          "<!doctype html><iframe></iframe><script>"
+                          "const frame = document.querySelector('iframe');"
+                          "let seen = '';"
+                          "frame.contentWindow.console.debug = function (text) { seen += text; };"
+                          "frame.onload = function () { fetch('/saw-' + seen.length); };"
+                          "frame.src = '/frame.html';"
+                          "</script>"));
 }
 
 void WebEngineTest::cleanup()
@@ -153,17 +165,17 @@ void WebEngineTest::cleanup()
 
 void WebEngineTest::everyFrameReports()
 {
-    m_world->view.load(m_site->url(u"/page.html"_s));
+    m_world->view->load(m_site->url(u"/page.html"_s));
     QCOMPARE(m_world->witness(2),
              (QStringList{u"/frame.html block false false"_s, u"/page.html block false true"_s}));
     QVERIFY(becomesTrue([&] { return !m_world->reported.isEmpty(); }));
     QCOMPARE(m_world->reported.first(), u"http://localhost:%1/live/a.m3u8?x"_s.arg(m_site->port()));
-    QCOMPARE(m_world->view.url(), m_site->url(u"/page.html"_s));
+    QCOMPARE(m_world->view->url(), m_site->url(u"/page.html"_s));
 }
 
 void WebEngineTest::goesBackAndForth()
 {
-    EngineWebView &view = m_world->view;
+    PageView &view = *m_world->view;
     const auto isAt = [&view](const QUrl &url) {
         return becomesTrue([&] { return view.url() == url; });
     };
@@ -186,7 +198,7 @@ void WebEngineTest::goesBackAndForth()
 
 void WebEngineTest::pagesCannotPost()
 {
-    m_world->view.load(m_site->url(u"/forger.html"_s));
+    m_world->view->load(m_site->url(u"/forger.html"_s));
     QCOMPARE(m_world->witness(1).size(), 1);
     // What it really loads is still told, past everything that it has replaced.
     const QString own = m_site->url(u"/b.m3u8"_s).toString();
@@ -195,15 +207,23 @@ void WebEngineTest::pagesCannotPost()
         QCOMPARE(url, own);
 }
 
+void WebEngineTest::pagesCannotReadWhatFramesPost()
+{
+    m_world->view->load(m_site->url(u"/spy.html"_s));
+    const QString own = m_site->url(u"/live/a.m3u8?x"_s).toString();
+    QVERIFY(becomesTrue([&] { return m_world->reported.contains(own); }));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/saw-0"_s); }));
+}
+
 void WebEngineTest::rulesHideAndBlock()
 {
     QtScheduler scheduler;
     FakeUserDefaults defaults;
     CompilingRuleListStore store(scheduler);
     SnifferAdBlocker blocker(defaults, scheduler, store);
-    blocker.registerAndApply(&m_world->view);
+    blocker.registerAndApply(m_world->view);
     QVERIFY(becomesTrue([&] { return !blocker.isCompiling(); }));
-    m_world->view.load(m_site->url(u"/page.html"_s));
+    m_world->view->load(m_site->url(u"/page.html"_s));
     QCOMPARE(m_world->witness(2),
              (QStringList{u"/frame.html none false false"_s, u"/page.html none false false"_s}));
 
@@ -213,14 +233,14 @@ void WebEngineTest::rulesHideAndBlock()
     QCOMPARE(m_world->witness(2).size(), 2);
     QVERIFY(becomesTrue([&] { return !blocker.isCompiling(); }));
     const qsizetype before = ownCount();
-    m_world->view.reload();
+    m_world->view->reload();
     QCOMPARE(m_world->witness(2).size(), 2);
     QCOMPARE(ownCount(), before);
 
     blocker.setEnabled(false);
     QCOMPARE(m_world->witness(2),
              (QStringList{u"/frame.html block false false"_s, u"/page.html block false true"_s}));
-    blocker.unregister(&m_world->view);
+    blocker.unregister(m_world->view);
 }
 
 void WebEngineTest::pagesTakeTheProxy_data()
@@ -240,7 +260,7 @@ void WebEngineTest::pagesTakeTheProxy()
     m_relay->setUpstream(proxy->configuration());
     const qsizetype before = m_site->sources().size();
     const QUrl url = ProxyServer::siteUrl(*m_site, u"/frame.html"_s);
-    m_world->view.load(url);
+    m_world->view->load(url);
     const QStringList loaded{u"/frame.html block false false"_s};
     QCOMPARE(m_world->witness(1), loaded);
     const QStringList sources = m_site->sources().sliced(before);
@@ -253,11 +273,11 @@ void WebEngineTest::pagesTakeTheProxy()
     wrong.credential->password = u"guess"_s;
     for (const auto &upstream : {std::optional(wrong), std::optional<ProxyConfiguration>()}) {
         m_relay->setUpstream(upstream);
-        m_world->view.reload();
+        m_world->view->reload();
         QVERIFY(m_world->witness(1) != loaded);
     }
     m_relay->setUpstream(proxy->configuration());
-    m_world->view.load(url);
+    m_world->view->load(url);
     QCOMPARE(m_world->witness(1), loaded);
 }
 

@@ -1,0 +1,223 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtWebEngine
+import Lumaro.App
+import Lumaro.Finder
+import Lumaro.Platform.WebEngine
+import Lumaro.Ui
+
+// One tab's pages, and what is shown in their place or above them: a page whose process is gone, a
+// server that is not who it claims to be, a page that asks for more than it may.
+FocusScope {
+    id: root
+
+    // Set once.
+    property SnifferManager manager: null
+    required property SnifferViewModel finder
+    required property EngineProfile engineProfile
+    readonly property bool isFullScreen: view.isFullScreen
+    readonly property alias zoomFactor: view.zoomFactor
+
+    function zoom(by: int): void {
+        view.zoomFactor = by === 0 ? 1 : Math.max(0.3, Math.min(3, view.zoomFactor * Math.pow(1.1, by)));
+    }
+    function leaveFullScreen(): void { view.fullScreenCancelled(); }
+
+    onManagerChanged: finder.attach(manager, view.page)
+
+    EngineView {
+        id: view
+
+        property bool hasCrashed: false
+        property string refusedAddress
+        property string refusal
+        // What pages ask for, the oldest first.
+        property var questions: []
+
+        function answer(allowed: bool): void {
+            const question = questions[0];
+            questions = questions.slice(1);
+            answerPermission(question.origin, question.feature, allowed);
+        }
+        function featureName(feature: int): string {
+            switch (feature) {
+            case WebEngineView.MediaAudioCapture: return "use the microphone";
+            case WebEngineView.MediaVideoCapture: return "use the camera";
+            case WebEngineView.MediaAudioVideoCapture: return "use the camera and the microphone";
+            case WebEngineView.Geolocation: return "know where you are";
+            case WebEngineView.Notifications: return "show notifications";
+            default: return "see your screen";
+            }
+        }
+
+        anchors.fill: parent
+        focus: true
+        visible: !failure.visible
+        engineProfile: root.engineProfile
+        messageHandlers: root.finder.messageHandlers
+        backgroundColor: loading && url.toString() === "" ? Theme.background : "white"
+
+        onPermissionRequested: (origin, feature) => {
+            const known = questions.some(q => q.origin === origin && q.feature === feature);
+            // A page that goes on asking is not answered.
+            if (known || questions.length >= 4)
+                answerPermission(origin, feature, false);
+            else
+                questions = questions.concat([{ origin: origin, feature: feature }]);
+        }
+        onCertificateRefused: (address, reason) => {
+            refusedAddress = address.toString();
+            refusal = reason;
+        }
+        onCrashed: hasCrashed = true
+        onLoadingChanged: info => {
+            if (info.status !== WebEngineView.LoadStartedStatus)
+                return;
+            hasCrashed = false;
+            questions = [];
+            if (info.url.toString() !== refusedAddress)
+                refusedAddress = "";
+        }
+        onMenuRequested: request => {
+            menu.request = request;
+            menu.popup(request.position.x, request.position.y);
+        }
+        onFullScreenRequested: request => request.accept()
+
+    }
+
+    Rectangle {
+        anchors { left: parent.left; top: parent.top }
+        width: parent.width * view.loadProgress / 100
+        height: 2
+        visible: root.manager?.isLoading ?? false
+        color: Theme.accent
+    }
+
+    Rectangle {
+        id: failure
+
+        readonly property bool isRefused: view.refusedAddress !== ""
+
+        anchors.fill: parent
+        visible: view.hasCrashed || isRefused
+        color: Theme.background
+
+        EmptyState {
+            anchors.centerIn: parent
+            width: Math.min(parent.width - 64, 420)
+            iconName: "alert"
+            title: failure.isRefused ? "This connection is not safe" : "This page has crashed"
+            text: failure.isRefused
+                ? "The server at %1 could not prove who it is, so nothing was loaded from it. (%2)"
+                    .arg(view.refusedAddress).arg(view.refusal)
+                : "Other tabs are not affected."
+            buttonText: failure.isRefused ? "Try Again" : "Reload"
+            onButtonClicked: {
+                view.refusedAddress = "";
+                view.hasCrashed = false;
+                view.reload();
+            }
+        }
+    }
+
+    Rectangle {
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        height: 48
+        visible: view.questions.length > 0
+        color: Theme.surfaceRaised
+
+        Text {
+            anchors {
+                left: parent.left; right: allow.left; verticalCenter: parent.verticalCenter
+                leftMargin: Theme.spacing * 4; rightMargin: Theme.spacing * 3
+            }
+            text: view.questions.length > 0
+                ? "%1 wants to %2.".arg(view.questions[0].origin).arg(view.featureName(view.questions[0].feature)) : ""
+            textFormat: Text.PlainText
+            elide: Text.ElideMiddle
+            color: Theme.text
+            font.pixelSize: Theme.fontBody
+        }
+        Button {
+            id: allow
+
+            anchors { right: block.left; rightMargin: Theme.spacing * 2; verticalCenter: parent.verticalCenter }
+            text: "Allow"
+            onClicked: view.answer(true)
+        }
+        Button {
+            id: block
+
+            anchors { right: parent.right; rightMargin: Theme.spacing * 3; verticalCenter: parent.verticalCenter }
+            text: "Block"
+            primary: true
+            onClicked: view.answer(false)
+        }
+    }
+
+    Loader {
+        id: menu
+
+        property ContextMenuRequest request
+
+        function popup(x: real, y: real): void {
+            active = true;
+            (item as Menu).popup(root, x, y);
+        }
+
+        active: false
+        sourceComponent: Menu {
+            readonly property string link: menu.request ? menu.request.linkUrl.toString() : ""
+
+            MenuItem {
+                text: "Back"
+                iconName: "back"
+                shortcutText: "Alt+Left"
+                enabled: view.canGoBack
+                onTriggered: root.manager.goBack()
+            }
+            MenuItem {
+                text: "Forward"
+                iconName: "forward"
+                shortcutText: "Alt+Right"
+                enabled: view.canGoForward
+                onTriggered: root.manager.goForward()
+            }
+            MenuItem {
+                text: "Reload"
+                iconName: "reload"
+                shortcutText: "Ctrl+R"
+                onTriggered: root.manager.reload()
+            }
+            MenuItem {
+                text: "Open Link in New Tab"
+                iconName: "plus"
+                startsGroup: true
+                enabled: menu.request && menu.request.linkUrl.toString() !== ""
+                onTriggered: root.finder.openInNewTab(menu.request.linkUrl)
+            }
+            MenuItem {
+                text: "Copy Link Address"
+                iconName: "link"
+                enabled: menu.request && menu.request.linkUrl.toString() !== ""
+                onTriggered: view.triggerWebAction(WebEngineView.CopyLinkToClipboard)
+            }
+            MenuItem {
+                text: "Copy"
+                iconName: "copy"
+                shortcutText: "Ctrl+C"
+                startsGroup: true
+                enabled: menu.request && menu.request.selectedText !== ""
+                onTriggered: view.triggerWebAction(WebEngineView.Copy)
+            }
+            MenuItem {
+                text: "Paste"
+                shortcutText: "Ctrl+V"
+                enabled: menu.request && menu.request.isContentEditable
+                onTriggered: view.triggerWebAction(WebEngineView.Paste)
+            }
+        }
+    }
+}

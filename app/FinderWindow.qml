@@ -1,0 +1,139 @@
+import QtQuick
+import QtWebEngine
+import Lumaro.App
+import Lumaro.Finder
+import Lumaro.Platform.WebEngine
+import Lumaro.Ui
+
+// The stream finder's window. It stays above the main window, goes with it, and is only hidden when
+// the user closes it.
+Window {
+    id: window
+
+    required property SnifferViewModel finder
+    required property SnifferWindowController controller
+    required property QuickFilePanels panels
+    required property string browserFolder
+    required property string browserCacheFolder
+
+    // What pages save that is no stream, until the user has said where.
+    property var waitingDownloads: ({})
+
+    function rememberFrame(): void {
+        if (visibility === Window.Windowed)
+            controller.frame = Qt.rect(x, y, width, height);
+    }
+
+    width: 1100
+    height: 800
+    minimumWidth: 820
+    minimumHeight: 640
+    title: controller.title
+    color: Theme.background
+    flags: Qt.Window
+    visible: controller.isShown
+
+    onClosing: close => close.accepted = controller.windowShouldClose()
+    onXChanged: moved.restart()
+    onYChanged: moved.restart()
+    onWidthChanged: moved.restart()
+    onHeightChanged: moved.restart()
+    Component.onCompleted: {
+        // The title bar wants a place too.
+        const bar = 36;
+        const area = Qt.rect(Screen.virtualX, Screen.virtualY + bar, Screen.desktopAvailableWidth, Screen.desktopAvailableHeight - bar);
+        const frame = controller.placedFrame(area, Qt.size(width, height));
+        x = frame.x;
+        y = frame.y;
+        width = frame.width;
+        height = frame.height;
+        moved.isArmed = true;
+    }
+
+    // Not while it is still being moved.
+    Timer {
+        id: moved
+
+        property bool isArmed: false
+
+        interval: 500
+        onTriggered: if (isArmed) window.rememberFrame()
+    }
+
+    Connections {
+        target: window.controller
+
+        function onFrontRequested() {
+            window.raise();
+            window.requestActivate();
+        }
+    }
+
+    EngineProfile {
+        id: engineProfile
+
+        profile: BrowserProfile {
+            applicationName: "VarnM3U8Sniffer/1.0"
+            folder: window.browserFolder
+            cacheFolder: window.browserCacheFolder
+            onDownloadRequested: download => {
+                const view = download.view as EngineView;
+                if (window.finder.takesDownload(view?.page ?? null, download.url, download.mimeType)) {
+                    download.cancel();
+                    return;
+                }
+                const number = window.finder.askWhereToSave(download.downloadFileName);
+                window.waitingDownloads[number] = download;
+            }
+            onDownloadFinished: download => {
+                if (download.state === WebEngineDownloadRequest.DownloadCompleted)
+                    window.finder.tell("Saved: " + download.downloadFileName);
+                else if (download.state === WebEngineDownloadRequest.DownloadInterrupted)
+                    window.finder.tell("Could not save %1: %2".arg(download.downloadFileName).arg(download.interruptReasonString));
+            }
+        }
+    }
+
+    Connections {
+        target: window.finder
+
+        function onPlaceChosen(request: int, folder: string, fileName: string) {
+            const download = window.waitingDownloads[request];
+            delete window.waitingDownloads[request];
+            if (!download)
+                return;
+            if (folder === "") {
+                download.cancel();
+                return;
+            }
+            download.downloadDirectory = folder;
+            download.downloadFileName = fileName;
+            download.accept();
+        }
+    }
+
+    SnifferView {
+        id: view
+
+        anchors.fill: parent
+        focus: true
+        finder: window.finder
+        webPage: Component {
+            FinderPage {
+                finder: window.finder
+                engineProfile: engineProfile
+            }
+        }
+        onIsPageFullScreenChanged: {
+            if (isPageFullScreen)
+                window.showFullScreen();
+            else
+                window.showNormal();
+        }
+    }
+
+    FilePanelHost {
+        panels: window.panels
+        isInFront: window.controller.isShown
+    }
+}

@@ -1,0 +1,190 @@
+#include "finder/SnifferViewModel.h"
+
+#include "finder/HLSDetector.h"
+#include "finder/ToolbarTexts.h"
+#include "finder/WebAddress.h"
+
+#include <QFileInfo>
+
+namespace lumaro {
+
+SnifferViewModel::SnifferViewModel(const Parts &parts, QObject *parent)
+    : QObject(parent)
+    , m_parts(parts)
+    , m_tabs(parts.websites)
+    , m_streams(parts.library, parts.downloads)
+    , m_blockList(parts.blocker)
+    , m_proxySettings(parts.proxy)
+    , m_webList(parts.websites)
+{
+    connect(&parts.blocker, &SnifferAdBlocker::isEnabledChanged, this,
+            &SnifferViewModel::toolbarChanged);
+    connect(&parts.proxy, &SnifferProxyManager::isEnabledChanged, this,
+            &SnifferViewModel::toolbarChanged);
+    connect(&parts.websites, &SnifferSavedWebsiteStore::websitesChanged, this,
+            &SnifferViewModel::toolbarChanged);
+    connect(&m_tabs, &SnifferBrowserTabs::selectedTabChanged, this, &SnifferViewModel::selectTab);
+    connect(&m_streams, &SnifferDetectedStreamsModel::playRequested, this, m_parts.onOpenStream);
+    connect(&m_streams, &SnifferDetectedStreamsModel::notice, this, &SnifferViewModel::notice);
+    connect(&m_streams, &SnifferDetectedStreamsModel::libraryRequested, this, [this] {
+        m_parts.notifications.post(QString::fromUtf16(notification::openLocalM3UTab));
+    });
+    selectTab();
+}
+
+SnifferViewModel::~SnifferViewModel()
+{
+    m_lifetime.request_stop();
+}
+
+QStringList SnifferViewModel::messageHandlers()
+{
+    return {QString::fromUtf16(resourceMessageHandler)};
+}
+
+void SnifferViewModel::selectTab()
+{
+    SnifferManager *const tab = m_tabs.selectedTab();
+    if (m_tab != tab) {
+        if (m_tab)
+            m_tab->disconnect(this);
+        m_tab = tab;
+        if (m_tab)
+            connect(m_tab, &SnifferManager::shownPageChanged, this,
+                    &SnifferViewModel::toolbarChanged);
+        m_streams.setMonitor(m_tab ? m_tab->networkMonitor() : nullptr);
+    }
+    Q_EMIT toolbarChanged();
+}
+
+void SnifferViewModel::attach(SnifferManager *manager, PageView *view)
+{
+    if (manager && view)
+        new SnifferWebView(*view, *manager, {m_parts.blocker, m_parts.proxy, m_parts.scheduler});
+}
+
+// The toolbar
+
+QString SnifferViewModel::adBlockerHelp() const
+{
+    return adBlockerToolTip(isBlocking());
+}
+
+QString SnifferViewModel::blockListHelp()
+{
+    return blockListToolTip();
+}
+
+QString SnifferViewModel::proxyHelp() const
+{
+    return proxyToolTip(isProxied());
+}
+
+QString SnifferViewModel::proxySettingsHelp()
+{
+    return proxySettingsToolTip();
+}
+
+bool SnifferViewModel::canStar() const
+{
+    return m_tab && !m_tab->shownPage().isEmpty();
+}
+
+bool SnifferViewModel::isStarred() const
+{
+    return canStar()
+        && m_parts.websites.isFavorite(m_tab->shownPage().toString(QUrl::FullyEncoded));
+}
+
+QString SnifferViewModel::starHelp() const
+{
+    return starToolTip(isStarred());
+}
+
+QString SnifferViewModel::webListHelp()
+{
+    return webListToolTip();
+}
+
+void SnifferViewModel::toggleBlocking()
+{
+    m_parts.blocker.setEnabled(!isBlocking());
+}
+
+void SnifferViewModel::toggleProxy()
+{
+    m_proxySettings.setEnabled(!isProxied());
+}
+
+void SnifferViewModel::toggleStar()
+{
+    if (canStar())
+        m_parts.websites.toggleFavorite(m_tab->shownPage().toString(QUrl::FullyEncoded),
+                                        m_tab->pageTitle());
+}
+
+void SnifferViewModel::openWebsite(const QString &address, bool inNewTab)
+{
+    const auto url = webUrl(address);
+    if (!url)
+        return;
+    if (inNewTab || !m_tab)
+        m_tabs.addTab(*url);
+    else
+        m_tab->navigate(*url);
+}
+
+void SnifferViewModel::openInNewTab(const QUrl &url)
+{
+    openWebsite(url.toString(QUrl::FullyEncoded), true);
+}
+
+// The panel
+
+void SnifferViewModel::setStreamsExpanded(bool expanded)
+{
+    if (std::exchange(m_isStreamsExpanded, expanded) != expanded)
+        Q_EMIT isStreamsExpandedChanged();
+}
+
+QString SnifferViewModel::toggleHelp() const
+{
+    return m_isStreamsExpanded ? QStringLiteral("Collapse Detected Streams (-)")
+                               : QStringLiteral("Expand Detected Streams (+)");
+}
+
+// Files
+
+bool SnifferViewModel::takesDownload(PageView *view, const QUrl &url, const QString &mimeType)
+{
+    if (view)
+        Q_EMIT view->responseReceived(url, mimeType);
+    return HLSDetector::inspect(url, mimeType, std::nullopt).isHLS;
+}
+
+int SnifferViewModel::askWhereToSave(const QString &proposedName)
+{
+    const int request = ++m_lastRequest;
+    choosePlace(request, proposedName);
+    return request;
+}
+
+Task<> SnifferViewModel::choosePlace(int request, QString proposedName)
+{
+    const std::stop_token stop = m_lifetime.get_token();
+    // A server's name for it is only a name.
+    const QString name = QFileInfo(proposedName).fileName();
+    const SavePanelRequest panel{.title = QStringLiteral("Save File"),
+                                 .prompt = QStringLiteral("Save"),
+                                 .proposedName = name.isEmpty() ? QStringLiteral("download") : name,
+                                 .typeDescription = QStringLiteral("All files"),
+                                 .extension = {}};
+    const std::optional<QUrl> file = co_await m_parts.panels.chooseNewFile(panel, stop);
+    if (stop.stop_requested())
+        co_return;
+    const QFileInfo place(file ? file->toLocalFile() : QString());
+    Q_EMIT placeChosen(request, file ? place.absolutePath() : QString(),
+                       file ? place.fileName() : QString());
+}
+
+} // namespace lumaro

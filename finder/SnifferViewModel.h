@@ -1,0 +1,133 @@
+#pragma once
+
+#include "finder/SnifferBlockListModel.h"
+#include "finder/SnifferBrowserTabs.h"
+#include "finder/SnifferDetectedStreamsModel.h"
+#include "finder/SnifferProxySettingsModel.h"
+#include "finder/SnifferWebListModel.h"
+#include "finder/SnifferWebView.h"
+#include "platform/NotificationCenter.h"
+
+#include <functional>
+
+namespace lumaro {
+
+/// Everything in the stream finder's window: tabs, toolbar and the detected-streams panel. Main
+/// thread.
+class SnifferViewModel : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(lumaro::SnifferBrowserTabs *tabs READ tabs CONSTANT)
+    Q_PROPERTY(lumaro::SnifferDetectedStreamsModel *streams READ streams CONSTANT)
+    Q_PROPERTY(lumaro::SnifferBlockListModel *blockList READ blockList CONSTANT)
+    Q_PROPERTY(lumaro::SnifferProxySettingsModel *proxySettings READ proxySettings CONSTANT)
+    Q_PROPERTY(lumaro::SnifferWebListModel *webList READ webList CONSTANT)
+    Q_PROPERTY(lumaro::M3U8DownloadManager *downloads READ downloads CONSTANT)
+    Q_PROPERTY(QStringList messageHandlers READ messageHandlers CONSTANT)
+
+    Q_PROPERTY(bool isStreamsExpanded READ isStreamsExpanded WRITE setStreamsExpanded NOTIFY
+                   isStreamsExpandedChanged)
+    /// What a click on the panel's header does.
+    Q_PROPERTY(QString toggleHelp READ toggleHelp NOTIFY isStreamsExpandedChanged)
+
+    // The toolbar.
+    Q_PROPERTY(bool isBlocking READ isBlocking NOTIFY toolbarChanged)
+    Q_PROPERTY(QString adBlockerHelp READ adBlockerHelp NOTIFY toolbarChanged)
+    Q_PROPERTY(QString blockListHelp READ blockListHelp CONSTANT)
+    Q_PROPERTY(bool isProxied READ isProxied NOTIFY toolbarChanged)
+    Q_PROPERTY(QString proxyHelp READ proxyHelp NOTIFY toolbarChanged)
+    Q_PROPERTY(QString proxySettingsHelp READ proxySettingsHelp CONSTANT)
+    /// The selected tab shows a page that could be in the web list.
+    Q_PROPERTY(bool canStar READ canStar NOTIFY toolbarChanged)
+    Q_PROPERTY(bool isStarred READ isStarred NOTIFY toolbarChanged)
+    Q_PROPERTY(QString starHelp READ starHelp NOTIFY toolbarChanged)
+    Q_PROPERTY(QString webListHelp READ webListHelp CONSTANT)
+
+public:
+    /// Plays a stream in the main player.
+    using OnOpenStream = std::function<void(const QUrl &url, const QString &name)>;
+
+    struct Parts
+    {
+        SnifferAdBlocker &blocker;
+        SnifferProxyManager &proxy;
+        SnifferSavedWebsiteStore &websites;
+        LocalM3UStore &library;
+        M3U8DownloadManager &downloads;
+        NotificationCenter &notifications;
+        FilePanels &panels;
+        Scheduler &scheduler;
+        OnOpenStream onOpenStream;
+    };
+
+    /// The parts outlive the model.
+    explicit SnifferViewModel(const Parts &parts, QObject *parent = nullptr);
+    ~SnifferViewModel() override;
+
+    SnifferBrowserTabs *tabs() { return &m_tabs; }
+    SnifferDetectedStreamsModel *streams() { return &m_streams; }
+    SnifferBlockListModel *blockList() { return &m_blockList; }
+    SnifferProxySettingsModel *proxySettings() { return &m_proxySettings; }
+    SnifferWebListModel *webList() { return &m_webList; }
+    M3U8DownloadManager *downloads() { return &m_parts.downloads; }
+    static QStringList messageHandlers();
+
+    bool isStreamsExpanded() const { return m_isStreamsExpanded; }
+    void setStreamsExpanded(bool expanded);
+    QString toggleHelp() const;
+    bool isBlocking() const { return m_parts.blocker.isEnabled(); }
+    QString adBlockerHelp() const;
+    static QString blockListHelp();
+    bool isProxied() const { return m_parts.proxy.isEnabled(); }
+    QString proxyHelp() const;
+    static QString proxySettingsHelp();
+    bool canStar() const;
+    bool isStarred() const;
+    QString starHelp() const;
+    static QString webListHelp();
+
+    /// Makes `view` the view of the tab of `manager`, for as long as there is one.
+    Q_INVOKABLE void attach(lumaro::SnifferManager *manager, lumaro::PageView *view);
+
+    Q_INVOKABLE void toggleBlocking();
+    Q_INVOKABLE void toggleProxy();
+    Q_INVOKABLE void toggleStar();
+    /// Opens an address of the web list.
+    Q_INVOKABLE void openWebsite(const QString &address, bool inNewTab);
+    Q_INVOKABLE void openInNewTab(const QUrl &url);
+    Q_INVOKABLE void pauseAllTabsMedia() { m_tabs.pauseAllTabsMedia(); }
+
+    /// A page wants to have something saved that is not shown. True for a stream, which is listed
+    /// instead.
+    Q_INVOKABLE bool takesDownload(lumaro::PageView *view, const QUrl &url,
+                                   const QString &mimeType);
+    /// Asks the user where to save a file; placeChosen() answers with the same number.
+    Q_INVOKABLE int askWhereToSave(const QString &proposedName);
+    /// Tells the user, below the pages.
+    Q_INVOKABLE void tell(const QString &text) { Q_EMIT notice(text); }
+
+Q_SIGNALS:
+    void isStreamsExpandedChanged();
+    void toolbarChanged();
+    void notice(const QString &text);
+    /// Where to, or nothing when the user does not want it saved.
+    void placeChosen(int request, const QString &folder, const QString &fileName);
+
+private:
+    void selectTab();
+    Task<> choosePlace(int request, QString proposedName);
+
+    Parts m_parts;
+    SnifferBrowserTabs m_tabs;
+    SnifferDetectedStreamsModel m_streams;
+    SnifferBlockListModel m_blockList;
+    SnifferProxySettingsModel m_proxySettings;
+    SnifferWebListModel m_webList;
+    bool m_isStreamsExpanded = true;
+    /// The tab whose changes the toolbar follows.
+    QPointer<SnifferManager> m_tab;
+    int m_lastRequest = 0;
+    std::stop_source m_lifetime;
+};
+
+} // namespace lumaro

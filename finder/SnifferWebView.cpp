@@ -1,0 +1,73 @@
+#include "finder/SnifferWebView.h"
+
+#include "finder/PageScripts.h"
+#include "finder/SnifferAdBlocker.h"
+#include "finder/SnifferProxyManager.h"
+
+namespace lumaro {
+
+SnifferWebView::SnifferWebView(PageView &view, SnifferManager &manager, Environment environment)
+    : QObject(&view)
+    , m_view(view)
+    , m_manager(&manager)
+    , m_blocker(environment.blocker)
+    , m_proxy(environment.proxy)
+    , m_coordinator(manager, environment.blocker, environment.scheduler)
+{
+    updateScripts();
+    connect(&m_blocker, &SnifferAdBlocker::isEnabledChanged, this, &SnifferWebView::updateScripts);
+    view.setNavigationPolicy([this](const NavigationAction &action) { return mayGo(action); });
+    connect(&view, &PageView::loadStarted, this, [this] { update(true, std::nullopt); });
+    connect(&view, &PageView::loadFinished, this,
+            [this](const QString &title) { update(false, title); });
+    connect(&view, &PageView::loadStopped, this, [this] { update(false, std::nullopt); });
+    connect(&view, &PageView::loadFailed, this, [this](const QString &description) {
+        if (m_manager)
+            m_manager->fail(m_view.url(), description);
+    });
+    connect(&view, &PageView::titleChanged, this, [this](const QString &title) {
+        if (m_manager)
+            m_manager->setPageTitle(title);
+    });
+    connect(&view, &PageView::newWindowRequested, this, &SnifferWebView::openWindow);
+    connect(&view, &PageView::responseReceived, &m_coordinator, &SnifferCoordinator::report);
+    connect(&view, &PageView::messageReceived, &m_coordinator, &SnifferCoordinator::receiveMessage);
+    m_blocker.registerAndApply(&view);
+    m_proxy.registerWebView(&view);
+    manager.setWebView(&view);
+}
+
+SnifferWebView::~SnifferWebView()
+{
+    // The view is gone already, as far as these know.
+    m_blocker.cleanRegisteredViews();
+    m_proxy.cleanRegisteredViews();
+}
+
+void SnifferWebView::updateScripts()
+{
+    m_view.setUserScripts({resourceReporterScript(), adBlockerFlagScript(m_blocker.isEnabled()),
+                           popupOverrideScript()});
+}
+
+bool SnifferWebView::mayGo(const NavigationAction &action)
+{
+    const NavigationDecision decision = m_coordinator.decide(action);
+    if (decision == NavigationDecision::LoadHere)
+        m_view.load(action.url);
+    return decision == NavigationDecision::Allow;
+}
+
+void SnifferWebView::openWindow(const QUrl &url)
+{
+    if (m_coordinator.decideNewWindow(url) == NavigationDecision::LoadHere)
+        m_view.load(url);
+}
+
+void SnifferWebView::update(bool loading, const std::optional<QString> &title)
+{
+    if (m_manager)
+        m_manager->update(m_view.url(), loading, title);
+}
+
+} // namespace lumaro

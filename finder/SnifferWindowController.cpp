@@ -1,0 +1,118 @@
+#include "finder/SnifferWindowController.h"
+
+#include "finder/SnifferBrowserTabs.h"
+
+#include <QJsonObject>
+
+namespace lumaro {
+
+namespace {
+
+QString frameKey()
+{
+    return QStringLiteral("Lumaro.M3U8SnifferWindow");
+}
+
+QRect frameFrom(const QJsonObject &stored)
+{
+    const auto number = [&stored](QLatin1StringView name) { return stored.value(name).toInt(); };
+    const QRect frame(number(QLatin1StringView("x")), number(QLatin1StringView("y")),
+                      number(QLatin1StringView("width")), number(QLatin1StringView("height")));
+    return frame.isValid() ? frame : QRect();
+}
+
+} // namespace
+
+QRect constrainedFrame(QRect frame, const QRect &screen)
+{
+    frame.setSize(frame.size().boundedTo(screen.size()));
+    frame.moveLeft(qBound(screen.left(), frame.left(), screen.right() - frame.width() + 1));
+    frame.moveTop(qBound(screen.top(), frame.top(), screen.bottom() - frame.height() + 1));
+    return frame;
+}
+
+SnifferWindowController::SnifferWindowController(const Parts &parts, QObject *parent)
+    : QObject(parent)
+    , m_tabs(parts.tabs)
+    , m_notifications(parts.notifications)
+    , m_scheduler(parts.scheduler)
+    , m_storedFrame(parts.defaults, parts.scheduler, frameKey())
+    , m_frame(frameFrom(m_storedFrame.read().toObject()))
+{
+}
+
+SnifferWindowController::~SnifferWindowController()
+{
+    if (m_hiding)
+        m_scheduler.cancel(*m_hiding);
+}
+
+void SnifferWindowController::setFrame(const QRect &frame)
+{
+    if (frame.isEmpty() || m_frame == frame)
+        return;
+    m_frame = frame;
+    m_storedFrame.write(QJsonObject{{QStringLiteral("x"), frame.x()},
+                                    {QStringLiteral("y"), frame.y()},
+                                    {QStringLiteral("width"), frame.width()},
+                                    {QStringLiteral("height"), frame.height()}});
+    Q_EMIT frameChanged();
+}
+
+QRect SnifferWindowController::placedFrame(const QRect &screen, const QSize &size) const
+{
+    QRect frame = m_frame;
+    if (frame.isEmpty()) {
+        frame.setSize(size);
+        frame.moveCenter(screen.center());
+    }
+    return constrainedFrame(frame, screen);
+}
+
+void SnifferWindowController::show()
+{
+    // What was about to hide it no longer counts.
+    if (m_hiding)
+        m_scheduler.cancel(*std::exchange(m_hiding, std::nullopt));
+    m_keyWindow = KeyWindow::Finder;
+    if (!std::exchange(m_isShown, true))
+        Q_EMIT isShownChanged();
+    Q_EMIT frontRequested();
+}
+
+bool SnifferWindowController::windowShouldClose()
+{
+    scheduleHide(false);
+    return false;
+}
+
+void SnifferWindowController::keyWindowChanged(KeyWindow key)
+{
+    m_keyWindow = key;
+    // Whoever goes to another program comes back to the page that was open.
+    if (m_isShown && key == KeyWindow::Other)
+        scheduleHide(true);
+}
+
+void SnifferWindowController::scheduleHide(bool onlyIfStillInactive)
+{
+    if (m_hiding)
+        m_scheduler.cancel(*m_hiding);
+    m_hiding = m_scheduler.callAfter(Scheduler::Duration::zero(), [this, onlyIfStillInactive] {
+        m_hiding.reset();
+        if (!onlyIfStillInactive || m_keyWindow == KeyWindow::Other)
+            hide();
+    });
+}
+
+void SnifferWindowController::hide()
+{
+    if (!m_isShown)
+        return;
+    m_notifications.post(QString::fromUtf16(notification::snifferWindowDidClose));
+    m_tabs.pauseAllTabsMedia();
+    m_isShown = false;
+    Q_EMIT isShownChanged();
+}
+
+} // namespace lumaro

@@ -1,0 +1,398 @@
+#include "finder/PageScripts.h"
+#include "finder/SnifferViewModel.h"
+#include "finder/SnifferWindowController.h"
+#include "tests/fakes/FakeContentRuleListStore.h"
+#include "tests/fakes/FakeFilePanels.h"
+#include "tests/fakes/FakeHttpClient.h"
+#include "tests/fakes/FakeProxyConfigurationTarget.h"
+#include "tests/fakes/FakeScheduler.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/fakes/FakeWebView.h"
+#include "tests/fakes/FakeWorkspace.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace lumaro;
+
+using KeyWindow = SnifferWindowController::KeyWindow;
+using Streams = SnifferDetectedStreamsModel;
+
+Q_DECLARE_METATYPE(lumaro::SnifferWindowController::KeyWindow)
+
+namespace {
+
+struct World
+{
+    QTemporaryDir folder;
+    FakeUserDefaults defaults;
+    FakeScheduler scheduler;
+    FakeFilePanels panels;
+    FakeHttpClient http;
+    FakeWorkspace workspace;
+    FakeContentRuleListStore rules;
+    FakeProxyConfigurationTarget target;
+    NotificationCenter notifications;
+    SnifferAdBlocker blocker{defaults, scheduler, rules};
+    SnifferProxyManager proxy{defaults, scheduler, target};
+    SnifferSavedWebsiteStore websites{defaults, scheduler, panels};
+    LocalM3UStore library{defaults, scheduler};
+    M3U8DownloadManager downloads{{http, scheduler, defaults, panels, workspace, {folder.path()}}};
+    QStringList opened;
+    QStringList posted;
+    SnifferViewModel finder{{.blocker = blocker,
+                             .proxy = proxy,
+                             .websites = websites,
+                             .library = library,
+                             .downloads = downloads,
+                             .notifications = notifications,
+                             .panels = panels,
+                             .scheduler = scheduler,
+                             .onOpenStream = [this](const QUrl &url, const QString &name) {
+                                 opened.append(name + u' ' + url.toString());
+                             }}};
+    SnifferWindowController window{{*finder.tabs(), notifications, defaults, scheduler}};
+    FakeWebView view{u"https://site.example/watch"_s};
+
+    World()
+    {
+        QObject::connect(&notifications, &NotificationCenter::posted, &notifications,
+                         [this](const QString &name) { posted.append(name); });
+    }
+    SnifferManager &tab() { return *finder.tabs()->selectedTab(); }
+    /// The selected tab shows `view`.
+    void attach() { finder.attach(&tab(), &view); }
+    void detect(const QString &address, const QString &name = {})
+    {
+        tab().networkMonitor()->observe(QUrl(address), {}, {}, name, false);
+    }
+    QVariant shown(int row, int role) const
+    {
+        Streams &streams = *const_cast<SnifferViewModel &>(finder).streams();
+        return streams.data(streams.index(row), role);
+    }
+};
+
+} // namespace
+
+/// What the finder's window does, without a browser.
+class SnifferViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void viewServesItsTab();
+    void viewDecides();
+    void viewsGo();
+    void streamsOfTheSelectedTab();
+    void streamActions();
+    void streamNames_data();
+    void streamNames();
+    void downloadsOfStreams();
+    void stars();
+    void streamsAreNoFiles();
+    void asksWhereToSave();
+    void closingHides();
+    void losingTheKeyboard_data();
+    void losingTheKeyboard();
+    void framesAreRemembered();
+    void framesFitTheScreen_data();
+    void framesFitTheScreen();
+};
+
+void SnifferViewTest::viewServesItsTab()
+{
+    World world;
+    world.tab().navigate(QUrl(u"https://site.example/watch"_s));
+    world.attach();
+    QCOMPARE(world.view.log, QStringList{u"load https://site.example/watch"_s});
+    QCOMPARE(
+        world.view.userScripts,
+        (QStringList{resourceReporterScript(), adBlockerFlagScript(true), popupOverrideScript()}));
+    Q_EMIT world.view.loadStarted();
+    QVERIFY(world.tab().isLoading());
+    Q_EMIT world.view.loadFinished(u"Watch"_s);
+    QVERIFY(!world.tab().isLoading());
+    QCOMPARE(world.websites.websites().size(), 1);
+    Q_EMIT world.view.titleChanged(u"(1) Watch"_s);
+    QCOMPARE(world.tab().pageTitle(), u"(1) Watch"_s);
+    QCOMPARE(world.websites.websites().first().title, u"Watch"_s);
+
+    Q_EMIT world.view.messageReceived(
+        QString::fromUtf16(resourceMessageHandler),
+        QVariantMap{{u"url"_s, u"https://cdn.example/a.m3u8"_s}, {u"title"_s, u"Live"_s}});
+    Q_EMIT world.view.responseReceived(QUrl(u"https://cdn.example/b"_s),
+                                       u"application/x-mpegURL"_s);
+    Q_EMIT world.view.responseReceived(QUrl(u"https://cdn.example/c"_s), u"text/html"_s);
+    QCOMPARE(world.finder.streams()->count(), 2);
+
+    Q_EMIT world.view.loadFailed(u"No such server."_s);
+    QCOMPARE(world.tab().errorMessage(), u"No such server."_s);
+    // A script that follows the switch would otherwise be there for the next page only.
+    world.blocker.setEnabled(false);
+    QCOMPARE(world.view.userScripts.value(1), adBlockerFlagScript(false));
+}
+
+void SnifferViewTest::viewDecides()
+{
+    World world;
+    world.attach();
+    using Target = NavigationAction::Target;
+    const auto mayGo = [&world](const QString &address, Target target, bool linkClick = false,
+                                bool fromPage = true) {
+        return world.view.policy({QUrl(address), target, linkClick, fromPage});
+    };
+    QVERIFY(mayGo(u"https://other.example/"_s, Target::MainFrame));
+    QVERIFY(!mayGo(u"https://other.example/"_s, Target::MainFrame, true, false));
+    QVERIFY(mayGo(u"https://other.example/a.m3u8"_s, Target::SubFrame));
+    QCOMPARE(world.finder.streams()->count(), 1);
+    QVERIFY(!mayGo(u"https://www.site.example/next"_s, Target::NewWindow, true));
+    QCOMPARE(world.view.log.last(), u"load https://www.site.example/next"_s);
+
+    world.view.log.clear();
+    Q_EMIT world.view.newWindowRequested(QUrl(u"https://pop.example/"_s));
+    QCOMPARE(world.view.log, QStringList());
+    world.blocker.setEnabled(false);
+    world.view.log.clear();
+    Q_EMIT world.view.newWindowRequested(QUrl(u"https://pop.example/"_s));
+    QCOMPARE(world.view.log, QStringList{u"load https://pop.example/"_s});
+}
+
+void SnifferViewTest::viewsGo()
+{
+    World world;
+    {
+        auto view = std::make_unique<FakeWebView>(u"https://site.example/"_s);
+        world.finder.attach(&world.tab(), view.get());
+        QVERIFY(world.tab().webView());
+    }
+    world.tab().navigate(QUrl(u"https://site.example/2"_s));
+    world.blocker.setEnabled(false);
+
+    // And the other way round: the tab goes first.
+    world.attach();
+    world.finder.tabs()->closeRow(0);
+    Q_EMIT world.view.loadFinished(u"Late"_s);
+    Q_EMIT world.view.responseReceived(QUrl(u"https://h/a.m3u8"_s), u"x"_s);
+    QVERIFY(world.view.policy({QUrl(u"https://h/a.m3u8"_s)}));
+    QCOMPARE(world.finder.streams()->count(), 0);
+}
+
+void SnifferViewTest::streamsOfTheSelectedTab()
+{
+    World world;
+    const QAbstractItemModelTester tester(world.finder.streams());
+    QSignalSpy counts(world.finder.streams(), &Streams::countChanged);
+    world.detect(u"https://h/a.m3u8"_s, u"A"_s);
+    world.detect(u"https://h/b.m3u8"_s, u"B"_s);
+    QCOMPARE(world.shown(0, Streams::NameRole), u"B"_s);
+    world.detect(u"https://h/a.m3u8"_s, u"A"_s);
+    QCOMPARE(world.shown(0, Streams::NameRole), u"A"_s);
+    QCOMPARE(counts.count(), 2);
+    world.finder.tabs()->addTab();
+    QCOMPARE(world.finder.streams()->count(), 0);
+    world.finder.tabs()->selectNext(1);
+    QCOMPARE(world.finder.streams()->count(), 2);
+    world.finder.tabs()->closeRow(0);
+    QCOMPARE(world.finder.streams()->count(), 0);
+}
+
+void SnifferViewTest::streamActions()
+{
+    World world;
+    Streams &streams = *world.finder.streams();
+    QSignalSpy notices(&world.finder, &SnifferViewModel::notice);
+    world.detect(u"https://h/a.m3u8?token=1"_s, u"News"_s);
+    streams.play(0);
+    QCOMPARE(world.opened, QStringList{u"News https://h/a.m3u8?token=1"_s});
+    QCOMPARE(streams.addressAt(0), u"https://h/a.m3u8?token=1"_s);
+
+    QCOMPARE(world.shown(0, Streams::SaveHelpRole), u"Save to Local M3U"_s);
+    streams.save(0);
+    QVERIFY(world.library.contains(QUrl(u"https://h/a.m3u8?token=1"_s)));
+    QCOMPARE(world.library.entries().name(0), "News");
+    QCOMPARE(notices.count(), 1);
+    QCOMPARE(world.shown(0, Streams::SaveHelpRole),
+             u"Saved to Local M3U (Click to open in Player)"_s);
+    QCOMPARE(world.posted, QStringList());
+    streams.save(0);
+    QCOMPARE(world.posted, QStringList{QString::fromUtf16(notification::openLocalM3UTab)});
+    QCOMPARE(world.library.entries().size(), 1);
+
+    for (const int row : {-1, 1}) {
+        streams.play(row);
+        streams.save(row);
+        streams.download(row);
+        QCOMPARE(streams.addressAt(row), QString());
+    }
+    QCOMPARE(world.opened.size(), 1);
+}
+
+void SnifferViewTest::streamNames_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("named") << u"https://h/a.m3u8"_s << u"News"_s << u"News"_s;
+    QTest::newRow("file") << u"https://h/x/a%20b.m3u8?c"_s << QString() << u"a b.m3u8"_s;
+    QTest::newRow("host") << u"https://h/?u=a.m3u8"_s << u"video"_s << u"h"_s;
+}
+
+void SnifferViewTest::streamNames()
+{
+    QFETCH(const QString, address);
+    QFETCH(const QString, name);
+    World world;
+    world.detect(address, name);
+    QTEST(world.shown(0, Streams::NameRole).toString(), "shown");
+}
+
+void SnifferViewTest::downloadsOfStreams()
+{
+    World world;
+    Streams &streams = *world.finder.streams();
+    world.detect(u"https://h/a.m3u8"_s, u"News"_s);
+    QCOMPARE(world.shown(0, Streams::JobTextRole), QString());
+    QSignalSpy changes(&streams, &Streams::dataChanged);
+    streams.download(0);
+    QVERIFY(world.shown(0, Streams::JobIsActiveRole).toBool());
+    QVERIFY(!world.shown(0, Streams::JobTextRole).toString().isEmpty());
+    QVERIFY(!changes.isEmpty());
+    streams.stopDownload(0);
+    world.scheduler.runBackground();
+    QVERIFY(!world.shown(0, Streams::JobIsActiveRole).toBool());
+    QVERIFY(!world.shown(0, Streams::CanRevealRole).toBool());
+}
+
+void SnifferViewTest::stars()
+{
+    World world;
+    QVERIFY(!world.finder.canStar());
+    world.finder.toggleStar();
+    world.attach();
+    Q_EMIT world.view.loadFinished(u"Watch"_s);
+    QSignalSpy changes(&world.finder, &SnifferViewModel::toolbarChanged);
+    QVERIFY(world.finder.canStar() && !world.finder.isStarred());
+    world.finder.toggleStar();
+    QVERIFY(world.finder.isStarred());
+    QVERIFY(!changes.isEmpty());
+    world.finder.tabs()->addTab();
+    QVERIFY(!world.finder.canStar() && !world.finder.isStarred());
+    world.finder.openWebsite(u"site.example"_s, false);
+    QCOMPARE(world.tab().address(), u"https://site.example"_s);
+    world.finder.openWebsite(u"file:///etc/passwd"_s, true);
+    QCOMPARE(world.finder.tabs()->count(), 2);
+}
+
+void SnifferViewTest::streamsAreNoFiles()
+{
+    World world;
+    world.attach();
+    QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/live"_s),
+                                       u"application/vnd.apple.mpegurl"_s));
+    QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/a.m3u8"_s), u"x/y"_s));
+    QVERIFY(!world.finder.takesDownload(&world.view, QUrl(u"https://h/a.zip"_s), u"x/zip"_s));
+    QVERIFY(!world.finder.takesDownload(nullptr, QUrl(u"https://h/a.zip"_s), u"x/zip"_s));
+    QCOMPARE(world.finder.streams()->count(), 2);
+}
+
+void SnifferViewTest::asksWhereToSave()
+{
+    World world;
+    QSignalSpy places(&world.finder, &SnifferViewModel::placeChosen);
+    const int first = world.finder.askWhereToSave(u"../../evil/a.zip"_s);
+    QCOMPARE(world.panels.saveRequests.last().proposedName, u"a.zip"_s);
+    QCOMPARE(places.takeFirst(), (QVariantList{first, QString(), QString()}));
+    world.panels.choice = QUrl(u"file:///home/me/b.zip"_s);
+    const int second = world.finder.askWhereToSave(QString());
+    QVERIFY(second != first);
+    QCOMPARE(places.takeFirst(), (QVariantList{second, u"/home/me"_s, u"b.zip"_s}));
+}
+
+void SnifferViewTest::closingHides()
+{
+    World world;
+    world.attach();
+    world.window.show();
+    QVERIFY(world.window.isShown());
+    QVERIFY(!world.window.windowShouldClose());
+    QVERIFY(world.window.isShown());
+    world.view.log.clear();
+    world.scheduler.advance({});
+    QVERIFY(!world.window.isShown());
+    QCOMPARE(world.posted, QStringList{QString::fromUtf16(notification::snifferWindowDidClose)});
+    QCOMPARE(world.view.log, QStringList{mediaPauseScript()});
+    QCOMPARE(world.finder.tabs()->count(), 1);
+
+    // Who changes their mind at once is not left without the window.
+    world.window.show();
+    world.window.windowShouldClose();
+    world.window.show();
+    world.scheduler.advance(std::chrono::seconds(1));
+    QVERIFY(world.window.isShown());
+}
+
+void SnifferViewTest::losingTheKeyboard_data()
+{
+    QTest::addColumn<QList<KeyWindow>>("keys");
+    QTest::addColumn<bool>("isShown");
+    using enum KeyWindow;
+    QTest::newRow("main window") << QList{Other} << false;
+    QTest::newRow("own panel") << QList{OwnPanel} << true;
+    QTest::newRow("another program") << QList{None} << true;
+    QTest::newRow("there and back") << QList{None, Finder} << true;
+    QTest::newRow("main window and back") << QList{Other, Finder} << true;
+    QTest::newRow("main window, then a panel") << QList{Other, OwnPanel} << true;
+    QTest::newRow("from another program to the main window") << QList{None, Other} << false;
+}
+
+void SnifferViewTest::losingTheKeyboard()
+{
+    QFETCH(const QList<KeyWindow>, keys);
+    World world;
+    world.window.show();
+    for (const KeyWindow key : keys)
+        world.window.keyWindowChanged(key);
+    world.scheduler.advance({});
+    QTEST(world.window.isShown(), "isShown");
+}
+
+void SnifferViewTest::framesAreRemembered()
+{
+    World world;
+    const QRect frame(10, 20, 900, 700);
+    world.window.setFrame({});
+    world.window.setFrame(frame);
+    world.scheduler.runBackground();
+    const SnifferWindowController next(
+        {*world.finder.tabs(), world.notifications, world.defaults, world.scheduler});
+    QCOMPARE(next.frame(), frame);
+    world.defaults.values.insert(u"Lumaro.M3U8SnifferWindow"_s, R"({"x":1,"width":"wide"})");
+    const SnifferWindowController broken(
+        {*world.finder.tabs(), world.notifications, world.defaults, world.scheduler});
+    QVERIFY(broken.frame().isEmpty());
+    QCOMPARE(broken.placedFrame({0, 0, 1920, 1080}, {1100, 800}), QRect(410, 140, 1100, 800));
+}
+
+void SnifferViewTest::framesFitTheScreen_data()
+{
+    QTest::addColumn<QRect>("frame");
+    QTest::addColumn<QRect>("placed");
+    const QRect screen(100, 0, 1280, 800);
+    QTest::newRow("inside") << QRect(200, 50, 900, 700) << QRect(200, 50, 900, 700);
+    QTest::newRow("left above") << QRect(-500, -500, 900, 700) << QRect(100, 0, 900, 700);
+    QTest::newRow("right below") << QRect(2000, 900, 900, 700) << QRect(480, 100, 900, 700);
+    QTest::newRow("too large") << QRect(0, 0, 3000, 2000) << screen;
+}
+
+void SnifferViewTest::framesFitTheScreen()
+{
+    QFETCH(const QRect, frame);
+    QTEST(constrainedFrame(frame, {100, 0, 1280, 800}), "placed");
+}
+
+QTEST_GUILESS_MAIN(SnifferViewTest)
+#include "tst_snifferview.moc"
