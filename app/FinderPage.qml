@@ -18,6 +18,8 @@ FocusScope {
     required property EngineProfile engineProfile
     readonly property bool isFullScreen: view.isFullScreen
     readonly property alias zoomFactor: view.zoomFactor
+    readonly property alias hasCrashed: view.hasCrashed
+    readonly property alias refusedAddress: view.refusedAddress
 
     function zoom(by: int): void {
         view.zoomFactor = by === 0 ? 1 : Math.max(0.3, Math.min(3, view.zoomFactor * Math.pow(1.1, by)));

@@ -16,8 +16,8 @@ Window {
     required property string browserFolder
     required property string browserCacheFolder
 
-    // What pages save that is no stream, until the user has said where.
-    property var waitingDownloads: ({})
+    // What pages save that is no stream, by its number.
+    property var savings: ({})
 
     function rememberFrame(): void {
         if (visibility === Window.Windowed)
@@ -32,6 +32,25 @@ Window {
     color: Theme.background
     flags: Qt.Window
     visible: controller.isShown
+
+    // For what Qt draws itself: the file panels of a desktop that has none.
+    palette {
+        window: Theme.surface
+        windowText: Theme.text
+        base: Theme.background
+        text: Theme.text
+        placeholderText: Theme.textSecondary
+        button: Theme.surfaceRaised
+        buttonText: Theme.text
+        light: Theme.surface
+        midlight: Theme.fillPressed
+        mid: Theme.stroke
+        dark: Theme.textSecondary
+        shadow: "black"
+        highlight: Theme.accent
+        highlightedText: Theme.onAccent
+        brightText: Theme.text
+    }
 
     onClosing: close => close.accepted = controller.windowShouldClose()
     onXChanged: moved.restart()
@@ -70,7 +89,7 @@ Window {
     }
 
     EngineProfile {
-        id: engineProfile
+        id: sharedProfile
 
         profile: BrowserProfile {
             applicationName: "VarnM3U8Sniffer/1.0"
@@ -82,14 +101,21 @@ Window {
                     download.cancel();
                     return;
                 }
-                const number = window.finder.askWhereToSave(download.downloadFileName);
-                window.waitingDownloads[number] = download;
+                // The engine gives up on one that waits for the user, so it is moved afterwards.
+                const saving = window.finder.beginSaving(download.downloadFileName);
+                window.savings[saving] = download;
+                download.downloadDirectory = window.browserCacheFolder + "/unfinished";
+                download.downloadFileName = saving + ".part";
+                download.accept();
             }
             onDownloadFinished: download => {
+                const saving = parseInt(download.downloadFileName);
+                delete window.savings[saving];
                 if (download.state === WebEngineDownloadRequest.DownloadCompleted)
-                    window.finder.tell("Saved: " + download.downloadFileName);
-                else if (download.state === WebEngineDownloadRequest.DownloadInterrupted)
-                    window.finder.tell("Could not save %1: %2".arg(download.downloadFileName).arg(download.interruptReasonString));
+                    window.finder.finishSaving(saving, download.downloadDirectory + "/" + download.downloadFileName);
+                else
+                    window.finder.abandonSaving(saving, download.state === WebEngineDownloadRequest.DownloadInterrupted
+                        ? download.interruptReasonString : "");
             }
         }
     }
@@ -97,19 +123,7 @@ Window {
     Connections {
         target: window.finder
 
-        function onPlaceChosen(request: int, folder: string, fileName: string) {
-            const download = window.waitingDownloads[request];
-            delete window.waitingDownloads[request];
-            if (!download)
-                return;
-            if (folder === "") {
-                download.cancel();
-                return;
-            }
-            download.downloadDirectory = folder;
-            download.downloadFileName = fileName;
-            download.accept();
-        }
+        function onSavingCancelled(saving: int) { window.savings[saving]?.cancel(); }
     }
 
     SnifferView {
@@ -121,7 +135,7 @@ Window {
         webPage: Component {
             FinderPage {
                 finder: window.finder
-                engineProfile: engineProfile
+                engineProfile: sharedProfile
             }
         }
         onIsPageFullScreenChanged: {

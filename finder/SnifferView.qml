@@ -11,6 +11,8 @@ import Lumaro.Ui
 FocusScope {
     id: root
 
+    objectName: "finderView"
+
     required property SnifferViewModel finder
     required property Component webPage
     // The selected tab's; null while that is empty.
@@ -23,6 +25,8 @@ FocusScope {
             page.forceActiveFocus();
     }
 
+    // A new window is for going somewhere.
+    Component.onCompleted: toolbar.editAddress()
     Keys.onPressed: event => {
         if (event.text === "+")
             root.finder.isStreamsExpanded = true;

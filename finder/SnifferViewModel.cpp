@@ -3,6 +3,7 @@
 #include "finder/HLSDetector.h"
 #include "finder/ToolbarTexts.h"
 #include "finder/WebAddress.h"
+#include "platform/AtomicFile.h"
 
 #include <QFileInfo>
 
@@ -162,14 +163,15 @@ bool SnifferViewModel::takesDownload(PageView *view, const QUrl &url, const QStr
     return HLSDetector::inspect(url, mimeType, std::nullopt).isHLS;
 }
 
-int SnifferViewModel::askWhereToSave(const QString &proposedName)
+int SnifferViewModel::beginSaving(const QString &proposedName)
 {
-    const int request = ++m_lastRequest;
-    choosePlace(request, proposedName);
-    return request;
+    const int saving = ++m_lastSaving;
+    m_savings.insert(saving, {});
+    choosePlace(saving, proposedName);
+    return saving;
 }
 
-Task<> SnifferViewModel::choosePlace(int request, QString proposedName)
+Task<> SnifferViewModel::choosePlace(int saving, QString proposedName)
 {
     const std::stop_token stop = m_lifetime.get_token();
     // A server's name for it is only a name.
@@ -180,11 +182,56 @@ Task<> SnifferViewModel::choosePlace(int request, QString proposedName)
                                  .typeDescription = QStringLiteral("All files"),
                                  .extension = {}};
     const std::optional<QUrl> file = co_await m_parts.panels.chooseNewFile(panel, stop);
+    if (stop.stop_requested() || !m_savings.contains(saving))
+        co_return;
+    if (file) {
+        m_savings[saving].place = file->toLocalFile();
+        moveSaved(saving);
+    } else {
+        QFile::remove(m_savings.take(saving).path);
+        Q_EMIT savingCancelled(saving);
+    }
+}
+
+void SnifferViewModel::finishSaving(int saving, const QString &path)
+{
+    if (const auto found = m_savings.find(saving); found != m_savings.end()) {
+        found->path = path;
+        moveSaved(saving);
+    } else {
+        QFile::remove(path);
+    }
+}
+
+Task<> SnifferViewModel::moveSaved(int number)
+{
+    const std::stop_token stop = m_lifetime.get_token();
+    const Saving saving = m_savings.value(number);
+    if (saving.path.isEmpty() || saving.place.isEmpty())
+        co_return;
+    m_savings.remove(number);
+    const auto move = [saving] { return moveFile(saving.path, saving.place); };
+    const auto moving = m_parts.scheduler.inBackground(move);
+    const std::expected<void, FileWriteError> moved = co_await moving;
     if (stop.stop_requested())
         co_return;
-    const QFileInfo place(file ? file->toLocalFile() : QString());
-    Q_EMIT placeChosen(request, file ? place.absolutePath() : QString(),
-                       file ? place.fileName() : QString());
+    const QString name = QFileInfo(saving.place).fileName();
+    if (moved) {
+        Q_EMIT notice(u"Saved: " + name);
+        co_return;
+    }
+    Q_EMIT notice(u"Could not save " + name + u": " + moved.error().description);
+    // There may be another place for it.
+    if (QFile::exists(saving.path)) {
+        m_savings.insert(number, {.path = saving.path});
+        choosePlace(number, name);
+    }
+}
+
+void SnifferViewModel::abandonSaving(int saving, const QString &reason)
+{
+    if (m_savings.remove(saving) && !reason.isEmpty())
+        Q_EMIT notice(u"Could not save the file: " + reason);
 }
 
 } // namespace lumaro

@@ -101,8 +101,13 @@ public:
     /// instead.
     Q_INVOKABLE bool takesDownload(lumaro::PageView *view, const QUrl &url,
                                    const QString &mimeType);
-    /// Asks the user where to save a file; placeChosen() answers with the same number.
-    Q_INVOKABLE int askWhereToSave(const QString &proposedName);
+    /// Asks the user where a file is to be that is being saved elsewhere meanwhile. Returns the
+    /// saving's number.
+    Q_INVOKABLE int beginSaving(const QString &proposedName);
+    /// The file is there; it moves to its place once there is one.
+    Q_INVOKABLE void finishSaving(int saving, const QString &path);
+    /// It will not be there, for a reason that the user is told unless it is empty.
+    Q_INVOKABLE void abandonSaving(int saving, const QString &reason);
     /// Tells the user, below the pages.
     Q_INVOKABLE void tell(const QString &text) { Q_EMIT notice(text); }
 
@@ -110,12 +115,13 @@ Q_SIGNALS:
     void isStreamsExpandedChanged();
     void toolbarChanged();
     void notice(const QString &text);
-    /// Where to, or nothing when the user does not want it saved.
-    void placeChosen(int request, const QString &folder, const QString &fileName);
+    /// The user does not want it saved.
+    void savingCancelled(int saving);
 
 private:
     void selectTab();
-    Task<> choosePlace(int request, QString proposedName);
+    Task<> choosePlace(int saving, QString proposedName);
+    Task<> moveSaved(int saving);
 
     Parts m_parts;
     SnifferBrowserTabs m_tabs;
@@ -126,7 +132,15 @@ private:
     bool m_isStreamsExpanded = true;
     /// The tab whose changes the toolbar follows.
     QPointer<SnifferManager> m_tab;
-    int m_lastRequest = 0;
+    struct Saving
+    {
+        /// What has been saved; empty while it is not complete.
+        QString path{};
+        /// Where it belongs; empty while the user has not said.
+        QString place{};
+    };
+    QHash<int, Saving> m_savings;
+    int m_lastSaving = 0;
     std::stop_source m_lifetime;
 };
 

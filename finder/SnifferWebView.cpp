@@ -30,6 +30,8 @@ SnifferWebView::SnifferWebView(PageView &view, SnifferManager &manager, Environm
             m_manager->setPageTitle(title);
     });
     connect(&view, &PageView::newWindowRequested, this, &SnifferWebView::openWindow);
+    connect(&view, &PageView::dataRequested, &m_coordinator,
+            [this](const QUrl &url) { m_coordinator.report(url, std::nullopt); });
     connect(&view, &PageView::responseReceived, &m_coordinator, &SnifferCoordinator::report);
     connect(&view, &PageView::messageReceived, &m_coordinator, &SnifferCoordinator::receiveMessage);
     m_blocker.registerAndApply(&view);

@@ -4,6 +4,7 @@
 #include <QSaveFile>
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #ifdef Q_OS_UNIX
@@ -92,6 +93,35 @@ std::expected<void, FileWriteError> replaceFile(const QString &path, const QByte
     if (!file.commit())
         return std::unexpected(errorOf(file));
     synchronizeFolder(QFileInfo(path).absolutePath());
+    return {};
+}
+
+std::expected<void, FileWriteError> moveFile(const QString &from, const QString &to)
+{
+    std::error_code error;
+    std::filesystem::rename(QFile::encodeName(from).toStdString(),
+                            QFile::encodeName(to).toStdString(), error);
+    if (!error) {
+        synchronizeFolder(QFileInfo(to).absolutePath());
+        return {};
+    }
+    if (error != std::errc::cross_device_link)
+        return std::unexpected(systemError(error.value()));
+
+    constexpr qint64 pieceSize = 1024 * 1024;
+    QFile source(from);
+    QSaveFile target(to);
+    if (!source.open(QIODevice::ReadOnly))
+        return std::unexpected(FileWriteError{Kind::Failed, source.errorString()});
+    bool written = target.open(QIODevice::WriteOnly);
+    while (written && !source.atEnd()) {
+        const QByteArray piece = source.read(pieceSize);
+        written = !piece.isEmpty() && writeAll(target, piece);
+    }
+    if (!written || !target.commit())
+        return std::unexpected(errorOf(target));
+    synchronizeFolder(QFileInfo(to).absolutePath());
+    source.remove();
     return {};
 }
 

@@ -33,7 +33,7 @@ struct SavePanelRequest
     QString proposedName;
     /// What the written file is called, for the panel's type choice.
     QString typeDescription;
-    /// The file-name extension without the dot, added to a name that has none.
+    /// The file-name extension without the dot, added to a name that has none; empty for any.
     QString extension;
 
     bool operator==(const SavePanelRequest &) const = default;

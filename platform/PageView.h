@@ -63,6 +63,9 @@ Q_SIGNALS:
     void newWindowRequested(const QUrl &url);
     /// The page or a frame of it answered with this media type, which the view does not show.
     void responseReceived(const QUrl &url, const QString &contentType);
+    /// The page, or a worker of its site, loads data or media from there; maybe the page of another
+    /// view of the same site.
+    void dataRequested(const QUrl &url);
     /// Any page can have this sent, with whatever it likes.
     void messageReceived(const QString &handler, const QVariant &body);
 };

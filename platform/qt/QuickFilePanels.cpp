@@ -51,7 +51,9 @@ Task<std::optional<QUrl>> QuickFilePanels::chooseNewFile(SavePanelRequest reques
         {.kind = Kind::NewFile,
          .title = request.title,
          .prompt = request.prompt,
-         .nameFilters = {nameFilter(request.typeDescription, {request.extension})},
+         .nameFilters = request.extension.isEmpty()
+             ? QStringList()
+             : QStringList{nameFilter(request.typeDescription, {request.extension})},
          .folder = folder,
          .proposedFile = QUrl::fromLocalFile(folder.toLocalFile() + u'/' + request.proposedName),
          .defaultSuffix = request.extension},

@@ -58,7 +58,11 @@ void ContentRuleInterceptor::setLists(const void *view, const Lists &lists)
 
 void ContentRuleInterceptor::interceptRequest(QWebEngineUrlRequestInfo &info)
 {
-    info.block(blocks({info.requestUrl(), info.firstPartyUrl(), typeOf(info.resourceType())}));
+    const ResourceType type = typeOf(info.resourceType());
+    const bool isBlocked = blocks({info.requestUrl(), info.firstPartyUrl(), type});
+    info.block(isBlocked);
+    if (!isBlocked && (type == ResourceType::Raw || type == ResourceType::Media))
+        Q_EMIT dataRequested(info.requestUrl(), info.firstPartyUrl());
 }
 
 bool ContentRuleInterceptor::blocks(const ContentRequest &request)

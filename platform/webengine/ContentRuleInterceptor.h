@@ -25,6 +25,11 @@ public:
 
     void interceptRequest(QWebEngineUrlRequestInfo &info) override;
 
+Q_SIGNALS:
+    /// A page of the site `firstParty`, or a worker of it, loads data or media. Pictures, scripts
+    /// and the like are not told.
+    void dataRequested(const QUrl &url, const QUrl &firstParty);
+
 private:
     bool blocks(const ContentRequest &request);
 

@@ -14,12 +14,68 @@ bool isForPages(const QUrl &url)
     return schemes.contains(url.scheme());
 }
 
+/// Of an error of the engine's network (net_error_list.h of Chromium), for the user.
+QString descriptionOf(const QWebEngineLoadingInfo &info)
+{
+    switch (info.errorCode()) {
+    case -105:
+    case -137:
+        return QStringLiteral("There is no server of that name.");
+    case -106:
+        return QStringLiteral("This computer is not connected to the internet.");
+    case -100:
+    case -101:
+    case -102:
+    case -104:
+    case -109:
+        return QStringLiteral("The server cannot be reached.");
+    case -7:
+    case -118:
+        return QStringLiteral("The server takes too long to answer.");
+    case -111:
+    case -115:
+    case -120:
+    case -130:
+        return QStringLiteral("The proxy cannot be reached, or does not do what it is asked.");
+    case -20:
+    case -27:
+        return QStringLiteral("The ad blocker does not let this page through.");
+    case -310:
+        return QStringLiteral("The page leads round in circles.");
+    case -324:
+        return QStringLiteral("The server sent nothing.");
+    default:
+        break;
+    }
+    if (info.errorDomain() == QWebEngineLoadingInfo::CertificateErrorDomain)
+        return QStringLiteral("The server could not prove who it is.");
+    return u"The page could not be loaded (" + info.errorString() + u").";
+}
+
 } // namespace
 
 EngineWebView::~EngineWebView()
 {
     if (m_profile)
         m_profile->interceptor().setLists(this, {});
+}
+
+void EngineWebView::setProfile(EngineProfile *profile)
+{
+    m_profile = profile;
+    if (profile)
+        connect(&profile->interceptor(), &ContentRuleInterceptor::dataRequested, this,
+                [this](const QUrl &url, const QUrl &firstParty) {
+                    if (isOfSite(firstParty))
+                        Q_EMIT dataRequested(url);
+                });
+}
+
+bool EngineWebView::isOfSite(const QUrl &site) const
+{
+    // The engine names a site by the part of the host that its owner has registered.
+    const QString host = m_url.host();
+    return !site.host().isEmpty() && (host == site.host() || host.endsWith(u'.' + site.host()));
 }
 
 void EngineWebView::setTitle(const QString &title)
@@ -125,7 +181,7 @@ void EngineWebView::tellLoading(const QWebEngineLoadingInfo &info)
     if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain)
         Q_EMIT loadFinished(m_title);
     else
-        Q_EMIT loadFailed(info.errorString());
+        Q_EMIT loadFailed(descriptionOf(info));
 }
 
 bool EngineWebView::mayGo(const NavigationAction &action) const

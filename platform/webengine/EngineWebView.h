@@ -40,7 +40,7 @@ public:
     ~EngineWebView() override;
 
     EngineProfile *profile() const { return m_profile; }
-    void setProfile(EngineProfile *profile) { m_profile = profile; }
+    void setProfile(EngineProfile *profile);
     QStringList messageHandlers() const { return m_channel.handlers(); }
     void setMessageHandlers(const QStringList &names) { m_channel.setHandlers(names); }
     const QString &title() const { return m_title; }
@@ -90,6 +90,7 @@ Q_SIGNALS:
 private:
     bool mayGo(const NavigationAction &action) const;
     bool lastUsedFrameIsMain() const;
+    bool isOfSite(const QUrl &site) const;
 
     QPointer<EngineProfile> m_profile;
     MessageChannel m_channel;

@@ -302,14 +302,40 @@ void SnifferViewTest::streamsAreNoFiles()
 void SnifferViewTest::asksWhereToSave()
 {
     World world;
-    QSignalSpy places(&world.finder, &SnifferViewModel::placeChosen);
-    const int first = world.finder.askWhereToSave(u"../../evil/a.zip"_s);
+    QSignalSpy cancelled(&world.finder, &SnifferViewModel::savingCancelled);
+    QSignalSpy notices(&world.finder, &SnifferViewModel::notice);
+    const QString part = world.folder.filePath(u"1.part"_s);
+    const QString place = world.folder.filePath(u"b.zip"_s);
+    const auto write = [&part] {
+        QFile file(part);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("content");
+    };
+    const int first = world.finder.beginSaving(u"../../evil/a.zip"_s);
     QCOMPARE(world.panels.saveRequests.last().proposedName, u"a.zip"_s);
-    QCOMPARE(places.takeFirst(), (QVariantList{first, QString(), QString()}));
-    world.panels.choice = QUrl(u"file:///home/me/b.zip"_s);
-    const int second = world.finder.askWhereToSave(QString());
+    QCOMPARE(cancelled.takeFirst(), QVariantList{first});
+    // What had come in time goes.
+    write();
+    world.finder.finishSaving(first, part);
+    QVERIFY(!QFile::exists(part));
+
+    world.panels.choice = QUrl::fromLocalFile(place);
+    const int second = world.finder.beginSaving(QString());
     QVERIFY(second != first);
-    QCOMPARE(places.takeFirst(), (QVariantList{second, u"/home/me"_s, u"b.zip"_s}));
+    write();
+    world.finder.finishSaving(second, part);
+    world.scheduler.runBackground();
+    QVERIFY(QFile::exists(place) && !QFile::exists(part));
+    QCOMPARE(notices.takeFirst(), QVariantList{u"Saved: b.zip"_s});
+
+    const int third = world.finder.beginSaving(u"c"_s);
+    world.finder.abandonSaving(third, u"The server is gone."_s);
+    world.finder.abandonSaving(third, u"Again."_s);
+    QCOMPARE(notices.size(), 1);
+    world.finder.finishSaving(world.finder.beginSaving(u"d"_s), u"/nowhere/1.part"_s);
+    world.scheduler.runBackground();
+    QVERIFY(notices.last().first().toString().startsWith(u"Could not save b.zip: "_s));
+    QVERIFY(QFile::exists(place));
 }
 
 void SnifferViewTest::closingHides()

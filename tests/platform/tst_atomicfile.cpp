@@ -29,6 +29,7 @@ private Q_SLOTS:
     void cannotWrite_data();
     void cannotWrite();
     void setAsideKeepsEveryValue();
+    void moves();
 };
 
 void AtomicFileTest::replacesContentAndKeepsPermissions()
@@ -96,6 +97,29 @@ void AtomicFileTest::setAsideKeepsEveryValue()
     for (const QString &name : settings.entryList(QDir::Files, QDir::Name))
         kept.append(contentOf(settings.filePath(name)));
     QCOMPARE(kept, (QList<QByteArray>{"first", "second"}));
+}
+
+void AtomicFileTest::moves()
+{
+    // Most systems have the second one in memory, on a file system of its own.
+    const QTemporaryDir folder;
+    const QTemporaryDir other(u"/dev/shm/lumaro-test-XXXXXX"_s);
+    const QByteArray content(3'000'000, 'x');
+    for (const QString &to : {folder.filePath(u"b"_s), other.filePath(u"b"_s)}) {
+        const QString from = folder.filePath(u"a"_s);
+        QVERIFY(replaceFile(to, "before"));
+        QVERIFY(replaceFile(from, content));
+        QVERIFY(moveFile(from, to));
+        QFile moved(to);
+        QVERIFY(moved.open(QIODevice::ReadOnly));
+        QCOMPARE(moved.readAll(), content);
+        QVERIFY(!QFile::exists(from));
+        QVERIFY(!moveFile(from, to));
+        QCOMPARE(QFileInfo(to).size(), content.size());
+    }
+    QVERIFY(replaceFile(folder.filePath(u"a"_s), content));
+    QVERIFY(!moveFile(folder.filePath(u"a"_s), folder.filePath(u"none/b"_s)));
+    QVERIFY(QFile::exists(folder.filePath(u"a"_s)));
 }
 
 QTEST_GUILESS_MAIN(AtomicFileTest)

@@ -2,6 +2,8 @@
 
 #include "tests/e2e/servers/VirtualDisplay.h"
 
+#include <unistd.h>
+
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -20,6 +22,16 @@ AppWorld::AppWorld()
 }
 
 AppWorld::~AppWorld() = default;
+
+QQuickWindow *AppWorld::openFinder()
+{
+    press(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
+    for (QWindow *const window : QGuiApplication::topLevelWindows()) {
+        if (window->title() == finderController().title && QTest::qWaitForWindowActive(window))
+            return qobject_cast<QQuickWindow *>(window);
+    }
+    return nullptr;
+}
 
 void AppWorld::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
@@ -66,6 +78,9 @@ QStringList channelNames(const PlayerModel &player)
 int runAppTest(int argc, char *argv[], const std::function<int()> &test)
 {
     return runInDisplay([&] {
+        // The browser's sandbox does not work for root.
+        if (geteuid() == 0)
+            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
         Application::prepare();
         const QGuiApplication qt(argc, argv);
         // A test's windows come and go; its process stays.

@@ -35,6 +35,11 @@ public:
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
     SnifferProxyManager &proxy() { return m_application->proxy(); }
     QQuickWindow &window() { return *m_window; }
+    SnifferViewModel &finder() { return m_application->finder(); }
+    SnifferWindowController &finderController() { return m_application->finderWindow(); }
+    /// Shows the stream finder; its window, or nothing when that does not appear.
+    QQuickWindow *openFinder();
+    QString folder() const { return m_folder.path(); }
     void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
 
     /// The window as the user sees it.

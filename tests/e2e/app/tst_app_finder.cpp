@@ -1,0 +1,478 @@
+#include "tests/e2e/app/AppWorld.h"
+#include "tests/e2e/servers/FreePort.h"
+
+#include <QFileInfo>
+#include <QQuickItem>
+
+#include <csignal>
+
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace lumaro;
+
+using Streams = SnifferDetectedStreamsModel;
+
+namespace {
+
+/// How often ten tabs are opened and closed.
+int roundsOfTabs()
+{
+    bool isNumber = false;
+    const int asked = qEnvironmentVariableIntValue("LUMARO_TAB_ROUNDS", &isNumber);
+    return isNumber ? asked : 3;
+}
+
+/// The processes that show pages. The engine forks them from another that it keeps for that.
+QStringList pageProcesses()
+{
+    const auto children = [](const QString &parents) {
+        return outputOf(u"pgrep"_s, {u"-P"_s, parents, u"QtWebEngine"_s})
+            .split(u'\n', Qt::SkipEmptyParts);
+    };
+    QStringList pages;
+    for (const QString &child : children(QString::number(getpid())))
+        pages += children(child);
+    return pages;
+}
+
+/// What this process has of memory, in kilobytes, that no other process shares.
+qint64 ownMemory()
+{
+    QFile file(u"/proc/self/smaps_rollup"_s);
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    qint64 sum = 0;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith("Private_"))
+            sum += line.simplified().split(' ').value(1).toLongLong();
+    }
+    return sum;
+}
+
+bool hasLoadedBrowser()
+{
+    QFile maps(u"/proc/self/maps"_s);
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6WebEngineCore");
+}
+
+} // namespace
+
+/// The stream finder with a real browser, on pages of a real server. All tests share one program:
+/// the browser serves only one.
+class AppFinderTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanupTestCase() { m_world.reset(); }
+
+    void isLoadedWhenOpened();
+    void streamsAreFound_data();
+    void streamsAreFound();
+    void foundStreamsAreUsed();
+    void pagesOpenNoWindows();
+    void linksForWindows_data();
+    void linksForWindows();
+    void framesDoNotMoveThePage_data();
+    void framesDoNotMoveThePage();
+    void redirectsAreFollowed();
+    void filesAskForAPlace();
+    void pagesReachNoFiles();
+    void crashesStayInTheirTab();
+    void brokenCertificatesStop();
+    void closingPauses();
+    void closedTabsGiveBack();
+
+private:
+    SnifferManager &tab() { return *m_world->finder().tabs()->selectedTab(); }
+    Streams &streams() { return *m_world->finder().streams(); }
+    /// Goes to a page of the server and waits for it.
+    bool opens(const QUrl &url);
+    bool opens(const QString &path) { return opens(m_site->url(path)); }
+    /// The same server under another name: another site.
+    QString other() const { return u"http://localhost:%1"_s.arg(m_site->port()); }
+    /// The item that shows the selected tab's page.
+    QQuickItem *page() const
+    {
+        QQuickItem *const view = m_window->findChild<QQuickItem *>(u"finderView"_s);
+        return view ? view->property("page").value<QQuickItem *>() : nullptr;
+    }
+    /// Clicks in the middle of the upper half of the page.
+    void click();
+    bool write(const QString &name, const QString &body) const
+    {
+        return m_site->writeFile(name,
+                                 (u"<!doctype html><title>" + name + u"</title>" + body).toUtf8());
+    }
+    bool wasAsked(const QString &path) const
+    {
+        return m_site->accessLog().join(u'\n').contains(u"GET "_s + path + u' ');
+    }
+
+    QTemporaryDir m_home;
+    std::unique_ptr<NginxServer> m_site;
+    std::unique_ptr<AppWorld> m_world;
+    QQuickWindow *m_window = nullptr;
+};
+
+void AppFinderTest::initTestCase()
+{
+    qputenv("HOME", m_home.path().toUtf8());
+    QVERIFY(QDir(m_home.path()).mkpath(u"Documents"_s));
+    m_site = valueOrFail(NginxServer::start());
+    QVERIFY(m_site);
+    const MediaFixtures media(QStringLiteral(LUMARO_FIXTURE_FOLDER));
+    const QFileInfo stream(valueOrFail(media.path(Fixture::Hls)));
+    QVERIFY(m_site->publish(stream.absolutePath(), u"hls"_s));
+    QVERIFY(QFile::exists(QStringLiteral(LUMARO_HLS_JS)));
+    QVERIFY(m_site->publish(QStringLiteral(LUMARO_HLS_JS), u"hls.js"_s));
+    const QString player = u"<video muted autoplay></video><script src=/hls.js></script><script>"
+                           "const h = new Hls(); h.loadSource('/hls/%1?p=%2');"
+                           "h.attachMedia(document.querySelector('video'));</script>"_s.arg(
+                               stream.fileName(), u"%1"_s);
+    QVERIFY(write(u"main.html"_s, player.arg(u"main"_s)));
+    QVERIFY(write(u"inner.html"_s, player.arg(u"frame"_s)));
+    QVERIFY(write(u"frame.html"_s, u"<iframe src='%1/inner.html'></iframe>"_s.arg(other())));
+    QVERIFY(write(u"shadow.html"_s,
+                  u"<div></div><script src=/hls.js></script><script>"
+                  "const root = document.querySelector('div').attachShadow({mode: 'closed'});"
+                  "const v = document.createElement('video'); root.append(v);"
+                  "const h = new Hls(); h.loadSource('/hls/%1?p=shadow'); h.attachMedia(v);"
+                  "</script>"_s.arg(stream.fileName())));
+    const QString address = u"/hls/%1?p=%2"_s.arg(stream.fileName(), u"%1"_s);
+    QVERIFY(write(u"fetch.html"_s,
+                  u"<script>fetch(new Request('%1'))</script>"_s.arg(address.arg(u"fetch"_s))));
+    QVERIFY(write(
+        u"xhr.html"_s,
+        u"<script>const x = new XMLHttpRequest(); x.open('GET', '%1'); x.send();</script>"_s.arg(
+            address.arg(u"xhr"_s))));
+    QVERIFY(write(u"media.html"_s,
+                  u"<video src='%1' autoplay muted></video>"_s.arg(address.arg(u"media"_s))));
+    QVERIFY(
+        write(u"link.html"_s, u"<script>location = '%1'</script>"_s.arg(address.arg(u"link"_s))));
+    QVERIFY(
+        m_site->writeFile(u"worker.js"_s, "fetch('" + address.arg(u"worker"_s).toUtf8() + "')"));
+    QVERIFY(write(u"worker.html"_s, u"<script>new Worker('/worker.js')</script>"_s));
+    const QString wide =
+        u"style='position:fixed;inset:0;display:block;border:0;width:100%;height:100%'"_s;
+    QVERIFY(write(u"plain.html"_s, u"<p>Nothing here"_s));
+    QVERIFY(write(u"popup.html"_s,
+                  u"<script>onclick = function () { window.open('%1/plain.html');"
+                  " setTimeout(function () { window.open('%1/plain.html'); }, 50);"
+                  " fetch('/clicked'); }</script>"_s.arg(other())));
+    QVERIFY(write(u"same.html"_s, u"<a href='/plain.html' target=_blank %1>x</a>"_s.arg(wide)));
+    QVERIFY(write(u"cross.html"_s,
+                  u"<script>addEventListener('mouseup', function () { fetch('/let-go'); })</script>"
+                  "<a href='%1/plain.html' target=_blank %2>x</a>"_s.arg(other(), wide)));
+    QVERIFY(write(
+        u"jump.html"_s,
+        u"<script>fetch('/jumped'); top.location = '%1/plain.html?jump'</script>"_s.arg(other())));
+    QVERIFY(write(u"jumpclick.html"_s,
+                  u"<body %2><script>onclick = function () { fetch('/jumped-click');"
+                  " top.location = '%1/plain.html?click'; }</script>"_s.arg(other(), wide)));
+    for (const QString &name : {u"jump"_s, u"jumpclick"_s})
+        QVERIFY(write(u"with"_s + name + u".html",
+                      u"<iframe src='%1/%2.html' %3></iframe>"_s.arg(other(), name, wide)));
+    QVERIFY(m_site->writeFile(u"file.zip"_s, QByteArray(1000, 'z')));
+    QVERIFY(write(u"file.html"_s, u"<script>location = '/file.zip'</script>"_s));
+    QVERIFY(write(u"escape.html"_s,
+                  u"<iframe src='file:///etc/passwd'></iframe><script>"
+                  "try { location = 'file:///etc/passwd'; } catch (e) {}"
+                  "setTimeout(function () { fetch('/stayed'); }, 300);</script>"_s));
+    QVERIFY(write(u"media-on.html"_s,
+                  u"<video src='/movie.mp4' autoplay loop muted></video><script>"
+                  "document.querySelector('video').onpause = function () { fetch('/paused'); }"
+                  "</script>"_s));
+    m_world = std::make_unique<AppWorld>();
+}
+
+void AppFinderTest::init()
+{
+    if (QTest::currentTestFunction() == "isLoadedWhenOpened"_ba)
+        return;
+    m_window = m_world->openFinder();
+    QVERIFY(m_window);
+    m_world->finder().tabs()->addTab();
+    m_world->finder().tabs()->closeRow(0);
+}
+
+bool AppFinderTest::opens(const QUrl &url)
+{
+    tab().navigate(url);
+    return becomesTrue(
+        [&] { return !tab().isLoading() && tab().pageTitle() == url.path().mid(1); });
+}
+
+void AppFinderTest::click()
+{
+    QQuickItem *const item = page();
+    const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 4));
+    QTest::mouseMove(m_window, middle.toPoint());
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, middle.toPoint());
+}
+
+void AppFinderTest::isLoadedWhenOpened()
+{
+    QVERIFY(!hasLoadedBrowser());
+    m_window = m_world->openFinder();
+    QVERIFY(m_window);
+    QVERIFY(hasLoadedBrowser());
+    QVERIFY(m_world->finderController().isShown());
+    // Until there is something to be seen, no page has a process.
+    QCOMPARE(pageProcesses(), QStringList());
+}
+
+void AppFinderTest::streamsAreFound_data()
+{
+    QTest::addColumn<QString>("way");
+    for (const QString &way : {u"main"_s, u"frame"_s, u"shadow"_s, u"fetch"_s, u"xhr"_s, u"media"_s,
+                               u"link"_s, u"worker"_s})
+        QTest::newRow(qPrintable(way)) << way;
+}
+
+void AppFinderTest::streamsAreFound()
+{
+    QFETCH(const QString, way);
+    tab().navigate(m_site->url(u"/"_s + way + u".html"));
+    const auto found = [&] {
+        int count = 0;
+        for (int row = 0; row < streams().count(); ++row)
+            count += streams().addressAt(row).endsWith(u"?p="_s + way) ? 1 : 0;
+        return count;
+    };
+    QVERIFY(becomesTrue([&] { return found() > 0; }));
+    // By several ways, but once.
+    QTest::qWait(300);
+    QCOMPARE(found(), 1);
+}
+
+void AppFinderTest::foundStreamsAreUsed()
+{
+    QVERIFY(opens(u"/main.html"_s));
+    QVERIFY(becomesTrue([&] { return streams().count() > 0; }));
+    const int last = streams().count() - 1;
+    const QUrl url(streams().addressAt(last));
+    QCOMPARE(url.query(), u"p=main"_s);
+    QCOMPARE(streams().data(streams().index(last), Streams::NameRole).toString(), u"main.html"_s);
+
+    streams().save(last);
+    QVERIFY(m_world->library().contains(url));
+
+    streams().download(last);
+    const auto is = [&](Streams::Role role) {
+        return streams().data(streams().index(last), role).toBool();
+    };
+    QVERIFY(
+        becomesTrue([&] { return is(Streams::CanRevealRole) && !is(Streams::JobIsActiveRole); }));
+    const QStringList files = QDir(m_world->folder()).entryList({u"*.ts"_s}, QDir::Files);
+    QCOMPARE(files.size(), 1);
+    const double seconds =
+        outputOf(u"ffprobe"_s,
+                 {u"-v"_s, u"error"_s, u"-show_entries"_s, u"format=duration"_s, u"-of"_s,
+                  u"csv=p=0"_s, QDir(m_world->folder()).filePath(files.first())})
+            .toDouble();
+    QVERIFY2(seconds > 19 && seconds < 21, qPrintable(QString::number(seconds)));
+
+    // It plays in the main window, which comes to the front, and the finder's falls silent.
+    streams().play(last);
+    QVERIFY(m_world->playsTo(0.2));
+    QCOMPARE(m_world->player().title(), u"main.html"_s);
+    QVERIFY(becomesTrue([&] { return !m_world->finderController().isShown(); }));
+    m_world->player().stop();
+}
+
+void AppFinderTest::pagesOpenNoWindows()
+{
+    QVERIFY(opens(u"/popup.html"_s));
+    const qsizetype windows = QGuiApplication::allWindows().size();
+    click();
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/clicked"_s); }));
+    QTest::qWait(300);
+    QCOMPARE(QGuiApplication::allWindows().size(), windows);
+    QCOMPARE(m_world->finder().tabs()->count(), 1);
+    QCOMPARE(tab().shownPage(), m_site->url(u"/popup.html"_s));
+}
+
+void AppFinderTest::linksForWindows_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("end");
+    QTest::newRow("same site") << u"/same.html"_s << u"/plain.html"_s;
+    QTest::newRow("other site") << u"/cross.html"_s << u"/cross.html"_s;
+}
+
+void AppFinderTest::linksForWindows()
+{
+    QFETCH(const QString, path);
+    QFETCH(const QString, end);
+    QVERIFY(opens(path));
+    click();
+    if (path == end) {
+        QVERIFY(becomesTrue([&] { return wasAsked(u"/let-go"_s); }));
+        QTest::qWait(300);
+    }
+    QVERIFY(becomesTrue([&] { return tab().shownPage() == m_site->url(end); }));
+    QCOMPARE(m_world->finder().tabs()->count(), 1);
+}
+
+void AppFinderTest::framesDoNotMoveThePage_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("sign");
+    QTest::newRow("by themselves") << u"/withjump.html"_s << u"/jumped"_s;
+    QTest::newRow("after a click in them") << u"/withjumpclick.html"_s << u"/jumped-click"_s;
+}
+
+void AppFinderTest::framesDoNotMoveThePage()
+{
+    QFETCH(const QString, path);
+    QFETCH(const QString, sign);
+    QVERIFY(opens(path));
+    // Until the frame is there to be clicked on.
+    for (int i = 0; i < 20 && sign == u"/jumped-click" && !wasAsked(sign); ++i) {
+        click();
+        QTest::qWait(500);
+    }
+    QVERIFY(becomesTrue([&] { return wasAsked(sign); }));
+    QTest::qWait(500);
+    QCOMPARE(tab().shownPage(), m_site->url(path));
+}
+
+void AppFinderTest::redirectsAreFollowed()
+{
+    tab().navigate(m_site->url(u"/redirect/302/redirect/301/redirect/307/plain.html"_s));
+    QVERIFY(becomesTrue([&] { return tab().shownPage() == m_site->url(u"/plain.html"_s); }));
+    tab().navigate(m_site->url(u"/redirect-loop/a"_s));
+    QVERIFY(becomesTrue([&] { return !tab().errorMessage().isEmpty(); }));
+    QCOMPARE(tab().errorMessage(), u"The page leads round in circles."_s);
+}
+
+void AppFinderTest::filesAskForAPlace()
+{
+    QVERIFY(opens(u"/plain.html"_s));
+    tab().navigate(m_site->url(u"/file.zip"_s));
+    QQuickItem *name = nullptr;
+    QVERIFY(becomesTrue([&] {
+        name = m_window->activeFocusItem();
+        return name && name->objectName() == u"fileNameTextField";
+    }));
+    // The name without its extension is selected.
+    for (const char c : "saved"_ba)
+        QTest::keyClick(m_window, c);
+    const QString saved = m_home.filePath(u"Documents/saved.zip"_s);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return QFileInfo(saved).size() == 1000; }));
+    QCOMPARE(tab().shownPage(), m_site->url(u"/plain.html"_s));
+}
+
+void AppFinderTest::pagesReachNoFiles()
+{
+    QVERIFY(opens(u"/escape.html"_s));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/stayed"_s); }));
+    QCOMPARE(tab().shownPage(), m_site->url(u"/escape.html"_s));
+}
+
+void AppFinderTest::crashesStayInTheirTab()
+{
+    QVERIFY(opens(u"/plain.html"_s));
+    QQuickItem *const first = page();
+    m_world->finder().tabs()->addTab();
+    // Another site has another process.
+    tab().navigate(QUrl(other() + u"/plain.html"));
+    QVERIFY(becomesTrue([&] {
+        return page() && page() != first && !tab().isLoading()
+            && tab().pageTitle() == u"plain.html";
+    }));
+    // The newest process is the newest tab's.
+    const QStringList processes = pageProcesses();
+    QVERIFY(processes.size() >= 2);
+    const int pid =
+        std::ranges::max(processes, {}, [](const QString &text) { return text.toInt(); }).toInt();
+    QVERIFY(pid > 1);
+    QCOMPARE(kill(pid, SIGKILL), 0);
+    QVERIFY(becomesTrue([&] { return page()->property("hasCrashed").toBool(); }));
+    QVERIFY(!first->property("hasCrashed").toBool());
+    tab().reload();
+    QVERIFY(becomesTrue([&] { return !page()->property("hasCrashed").toBool(); }));
+    m_world->finder().tabs()->closeRow(1);
+    tab().reload();
+    QVERIFY(becomesTrue([&] { return !tab().isLoading() && tab().pageTitle() == u"plain.html"; }));
+}
+
+void AppFinderTest::brokenCertificatesStop()
+{
+    const QTemporaryDir folder;
+    const QString key = folder.filePath(u"key"_s);
+    const QString certificate = folder.filePath(u"certificate"_s);
+    outputOf(u"openssl"_s,
+             {u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-keyout"_s, key,
+              u"-out"_s, certificate, u"-subj"_s, u"/CN=nobody"_s});
+    QVERIFY(QFile::exists(certificate));
+    const quint16 port = freePort();
+    ChildProcess server;
+    QVERIFY(server.start(u"openssl"_s,
+                         {u"s_server"_s, u"-quiet"_s, u"-www"_s, u"-accept"_s,
+                          QString::number(port), u"-key"_s, key, u"-cert"_s, certificate},
+                         {}));
+    const QUrl url(u"https://127.0.0.1:%1/"_s.arg(port));
+    QVERIFY(becomesTrue([&] {
+        tab().navigate(url);
+        QTest::qWait(200);
+        return page() && page()->property("refusedAddress").toString() == url.toString();
+    }));
+    QVERIFY(m_world->finder().isStarred() == false);
+}
+
+void AppFinderTest::closingPauses()
+{
+    const MediaFixtures media(QStringLiteral(LUMARO_FIXTURE_FOLDER));
+    QVERIFY(m_site->publish(valueOrFail(media.path(Fixture::Movie)), u"movie.mp4"_s));
+    QVERIFY(opens(u"/media-on.html"_s));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/movie.mp4"_s); }));
+    QTest::qWait(500);
+    m_window->close();
+    QVERIFY(becomesTrue([&] { return !m_window->isVisible(); }));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/paused"_s); }));
+    QCOMPARE(m_world->openFinder(), m_window);
+    QCOMPARE(tab().shownPage(), m_site->url(u"/media-on.html"_s));
+}
+
+void AppFinderTest::closedTabsGiveBack()
+{
+    SnifferBrowserTabs &tabs = *m_world->finder().tabs();
+    const auto round = [&] {
+        QElapsedTimer tm;
+        tm.start();
+        for (int i = 0; i < 10; ++i) {
+            const auto t0 = tm.elapsed();
+            tabs.addTab(m_site->url(u"/plain.html?%1"_s.arg(i)));
+            const auto t1 = tm.elapsed();
+            (void)becomesTrue([&] { return wasAsked(u"/plain.html?%1"_s.arg(i)); });
+            const auto t2 = tm.elapsed();
+            (void)becomesTrue([&] { return !tab().pageTitle().isEmpty(); });
+            qWarning() << "asked" << t2 - t1 << "title" << tm.elapsed() - t2;
+            qWarning() << "tab" << t1 - t0 << tm.elapsed() - t1;
+            if (!becomesTrue(
+                    [&] { return !tab().isLoading() && tab().pageTitle() == u"plain.html"; }))
+                return false;
+        }
+        qWarning() << tm.elapsed() << pageProcesses().size();
+        while (tabs.count() > 1)
+            tabs.closeRow(tabs.count() - 1);
+        tabs.closeRow(0);
+        return becomesTrue([] { return pageProcesses().size() <= 1; });
+    };
+    // What the browser keeps for good comes with the first rounds.
+    QVERIFY(round() && round());
+    const qint64 before = ownMemory();
+    for (int i = 0; i < roundsOfTabs(); ++i)
+        QVERIFY(round());
+    const qint64 grown = ownMemory() - before;
+    QVERIFY2(grown < 30 * 1024, qPrintable(QString::number(grown)));
+}
+
+LUMARO_APP_TEST_MAIN(AppFinderTest)
+#include "tst_app_finder.moc"
