@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MediaPlayer.h"
+#include "platform/VideoSurface.h"
 #include "platform/mpv/MpvCore.h"
 
 #include <QTimer>
@@ -51,10 +52,14 @@ public:
 
     /// The HTTP proxy for items opened from now on; empty for the one that the environment names.
     void setHttpProxy(const QUrl &proxy);
+    /// Takes effect with the next picture that is drawn.
+    void setPlacement(const VideoPlacement &placement);
 
     void replaceItem(const QUrl &url) override;
     void removeItem() override;
     bool hasItem() const override { return !m_item.isEmpty(); }
+    quint64 currentItem() const override { return hasItem() ? m_itemNumber : 0; }
+    std::shared_ptr<VideoOutput> addVideoOutput() override;
 
     void play() override;
     void pause() override;
@@ -125,6 +130,7 @@ private:
     void requestTime();
     void requestProperties();
     void notifyTimeObserver();
+    void setPictureSize(QSize size);
 
     static void wakeUp(void *player);
 
