@@ -15,7 +15,7 @@ build_packages=(
 )
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
-    microsocks tinyproxy-bin nodejs
+    microsocks tinyproxy-bin nodejs opencv-doc
 )
 # Some distributions of node bring npm along, and do not get on with the package.
 command -v npm >/dev/null || test_packages+=(npm)

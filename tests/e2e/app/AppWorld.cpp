@@ -8,9 +8,14 @@ using namespace std::chrono_literals;
 namespace lumaro {
 
 AppWorld::AppWorld()
-    : m_application(std::make_unique<Application>(Folders{
-          m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}}))
 {
+    start();
+}
+
+void AppWorld::start()
+{
+    m_application = std::make_unique<Application>(Folders{
+        m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}});
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));
@@ -20,6 +25,12 @@ AppWorld::AppWorld()
 }
 
 AppWorld::~AppWorld() = default;
+
+void AppWorld::restart()
+{
+    m_application.reset();
+    start();
+}
 
 void AppWorld::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
