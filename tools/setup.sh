@@ -6,12 +6,12 @@ run_packages=(
     qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-templates
     qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qtquick-layouts
     qml6-module-qtqml-workerscript qml6-module-qt-labs-folderlistmodel
-    qml6-module-qtwebengine opencv-data qt6-qpa-plugins qt6-wayland qt6-image-formats-plugins libqt6svg6
+    qml6-module-qtwebengine qt6-qpa-plugins qt6-wayland qt6-image-formats-plugins libqt6svg6
 )
 build_packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-declarative-dev qt6-svg-dev libgl-dev qcoro-qt6-dev libmpv-dev
-    libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev libopencv-objdetect-dev
+    libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev libdlib-dev
 )
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
@@ -21,7 +21,8 @@ test_packages=(
 command -v npm >/dev/null || test_packages+=(npm)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
 bench_packages=(
-    mpv libx11-dev libxext-dev curl yt-dlp libdlib-dev opencv-doc python3-skimage
+    mpv libx11-dev libxext-dev curl yt-dlp libopencv-objdetect-dev opencv-data opencv-doc
+    python3-skimage
 )
 
 # need_packages NAME…: installs those that are not there yet, and says which.

@@ -1,9 +1,9 @@
 // Recall, false alarms and time of face detectors on frames composed of photographs, as a table for
 // docs/FACES.md.  bench_display_detectors
 
-#include "bench/display/DlibFaceDetector.h"
+#include "bench/display/CascadeFaceDetector.h"
 #include "bench/display/FaceFrames.h"
-#include "platform/opencv/CascadeFaceDetector.h"
+#include "platform/dlib/DlibFaceDetector.h"
 
 #include <QCoreApplication>
 
@@ -81,6 +81,12 @@ std::shared_ptr<FaceDetector> cascade(int height, const QString &frontal, const 
                                      .profileNeighbours = profileNeighbours});
 }
 
+std::shared_ptr<FaceDetector> frontal(int halvings, double threshold)
+{
+    return std::make_shared<DlibFaceDetector>(
+        DlibFaceDetector::Options{.halvings = halvings, .threshold = threshold});
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -91,15 +97,14 @@ int main(int argc, char *argv[])
     const QString lbp = u"lbpcascades/lbpcascade_frontalface_improved.xml"_s;
     const QString profile = u"haarcascades/haarcascade_profileface.xml"_s;
     const Candidate candidates[] = {
-        {"Haar alt2 + profile, 1080 rows", cascade(0, alt2, profile)},
-        {"Haar alt2 + profile, 720 rows", cascade(720, alt2, profile)},
-        {"Haar alt2 + profile, 540 rows", cascade(540, alt2, profile)},
-        {"Haar alt2 + profile, 480 rows", cascade(480, alt2, profile)},
-        {"Haar alt2, 540 rows", cascade(540, alt2, {})},
-        {"Haar default + profile, 540 rows", cascade(540, standard, profile)},
+        {"dlib frontal, coarse to fine", frontal(2, 0)},
+        {"dlib frontal, 1080 rows", frontal(0, 0)},
+        {"dlib frontal, coarse to fine, threshold -0.2", frontal(2, -0.2)},
         {"LBP improved, 540 rows", cascade(540, lbp, {})},
-        {"dlib frontal, 1080 rows", std::make_shared<DlibFaceDetector>(1)},
-        {"dlib frontal, 1080 rows doubled", std::make_shared<DlibFaceDetector>(2)},
+        {"Haar default, 540 rows", cascade(540, standard, {})},
+        {"Haar alt2, 540 rows", cascade(540, alt2, {})},
+        {"Haar alt2, then profile, 480 rows", cascade(480, alt2, profile)},
+        {"Haar alt2, then profile, 1080 rows", cascade(0, alt2, profile)},
     };
     std::printf(
         "| Detector | 5 %% | 8 %% | 12 %% | 25 %% | turned, 12 %% | followed | false alarms "

@@ -6,12 +6,10 @@
 
 namespace lumaro {
 
-/// OpenCV's cascades of Haar features, on a picture made small first. Uses one thread, so that
-/// playback keeps the others.
+/// OpenCV's cascades, to compare with, on a picture made small first.
 class CascadeFaceDetector final : public FaceDetector
 {
 public:
-    /// docs/FACES.md has the measurements behind these.
     struct Options
     {
         /// The picture is made no higher than this, in pixels; 0 leaves it as it is.
