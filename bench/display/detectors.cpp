@@ -97,9 +97,10 @@ int main(int argc, char *argv[])
     const QString lbp = u"lbpcascades/lbpcascade_frontalface_improved.xml"_s;
     const QString profile = u"haarcascades/haarcascade_profileface.xml"_s;
     const Candidate candidates[] = {
-        {"dlib frontal, coarse to fine", frontal(2, 0)},
         {"dlib frontal, 1080 rows", frontal(0, 0)},
-        {"dlib frontal, coarse to fine, threshold -0.2", frontal(2, -0.2)},
+        {"dlib frontal, coarse to fine", frontal(2, 0)},
+        {"dlib frontal, coarse to fine, from -0.2", frontal(2, -0.2)},
+        {"dlib frontal, coarse to fine, from -0.4", frontal(2, -0.4)},
         {"LBP improved, 540 rows", cascade(540, lbp, {})},
         {"Haar default, 540 rows", cascade(540, standard, {})},
         {"Haar alt2, 540 rows", cascade(540, alt2, {})},

@@ -18,8 +18,8 @@ public:
         /// found there, it is looked at twice as large; so smaller faces than those found are left
         /// out, and large faces cost little.
         int halvings = 2;
-        /// Added to what a face must score.
-        double threshold = 0;
+        /// What a face must score; 0 is what dlib itself takes for one.
+        double threshold = -0.2;
     };
 
     DlibFaceDetector();
