@@ -33,7 +33,8 @@ Application::Application(const Folders &folders)
     , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
     , m_proxyRoute(m_http, m_mediaPlayer)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
-    , m_viewServices(m_scheduler, m_notifications, m_surfaces, std::make_shared<DlibFaceDetector>())
+    , m_viewServices(m_scheduler, m_idle, m_notifications, m_surfaces,
+                     std::make_shared<DlibFaceDetector>())
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)

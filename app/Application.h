@@ -69,6 +69,7 @@ private:
     const Folders m_folders;
     // In the order of who needs whom; the engine goes first at the end, and with it every view.
     QtScheduler m_scheduler;
+    QtScheduler m_idle{QThread::IdlePriority};
     NotificationCenter m_notifications;
     CurlHttpClient m_http;
     FileUserDefaults m_defaults;

@@ -10,11 +10,13 @@
 
 namespace lumaro {
 
-PlayerViewServices::PlayerViewServices(Scheduler &scheduler_, NotificationCenter &notifications_,
+PlayerViewServices::PlayerViewServices(Scheduler &scheduler_, Scheduler &idle_,
+                                       NotificationCenter &notifications_,
                                        PlayerSurfaceRegistry &surfaces_,
                                        std::shared_ptr<FaceDetector> faceDetector_, QObject *parent)
     : QObject(parent)
     , scheduler(scheduler_)
+    , idle(idle_)
     , notifications(notifications_)
     , surfaces(surfaces_)
     , faceDetector(std::move(faceDetector_))
@@ -266,7 +268,7 @@ Task<> PlayerHostingView::followFace(double time, std::stop_token stop)
     };
     m_isTracking = true;
     const quint64 item = m_observedItem;
-    const auto detection = m_services.scheduler.inBackground(detect);
+    const auto detection = m_services.idle.inBackground(detect);
     const std::optional<Faces> faces = co_await detection;
     if (stop.stop_requested())
         co_return;

@@ -18,11 +18,13 @@ class PlayerViewServices : public QObject
     Q_OBJECT
 
 public:
-    PlayerViewServices(Scheduler &scheduler, NotificationCenter &notifications,
+    PlayerViewServices(Scheduler &scheduler, Scheduler &idle, NotificationCenter &notifications,
                        PlayerSurfaceRegistry &surfaces, std::shared_ptr<FaceDetector> faceDetector,
                        QObject *parent = nullptr);
 
     Scheduler &scheduler;
+    /// For work that playback must not feel.
+    Scheduler &idle;
     NotificationCenter &notifications;
     PlayerSurfaceRegistry &surfaces;
     /// Shared with the work in the background.

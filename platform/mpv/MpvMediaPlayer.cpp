@@ -32,6 +32,7 @@ constexpr ObservedProperty observedProperties[] = {
     {Topic::EofReached, "eof-reached", MPV_FORMAT_FLAG},
     {Topic::Width, "dwidth", MPV_FORMAT_INT64},
     {Topic::Height, "dheight", MPV_FORMAT_INT64},
+    {Topic::Rotation, "video-params/rotate", MPV_FORMAT_INT64},
 };
 
 /// Request identifiers carry the topic in the low byte and the item's number above it.
@@ -189,8 +190,11 @@ std::shared_ptr<VideoOutput> MpvMediaPlayer::addVideoOutput()
     return std::make_shared<MpvVideoOutput>(this, m_core, currentItem());
 }
 
-void MpvMediaPlayer::setPictureSize(QSize size)
+void MpvMediaPlayer::updatePictureSize(QSize unturned, int rotation)
 {
+    m_unturnedSize = unturned;
+    m_rotation = rotation;
+    const QSize size = rotation % 180 == 90 ? unturned.transposed() : unturned;
     if (m_pictureSize == size)
         return;
     m_pictureSize = size;
@@ -204,7 +208,7 @@ void MpvMediaPlayer::replaceItem(const QUrl &url)
     ++m_itemNumber;
     m_playlist = {};
     m_state = {};
-    setPictureSize({});
+    updatePictureSize({}, 0);
     openPendingItem();
     updateStatus();
     notifyTimeObserver();
@@ -246,7 +250,7 @@ void MpvMediaPlayer::removeItem()
     ++m_itemNumber;
     m_playlist = {};
     m_state = {};
-    setPictureSize({});
+    updatePictureSize({}, 0);
     if (m_core) {
         const char *arguments[] = {"stop", nullptr};
         mpv_command_async(m_core->handle(), 0, arguments);
@@ -575,11 +579,17 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
         }
         break;
     case Topic::Width:
-        setPictureSize({int(valueOf<int64_t>(property).value_or(0)), m_pictureSize.height()});
+        updatePictureSize({int(valueOf<int64_t>(property).value_or(0)), m_unturnedSize.height()},
+                          m_rotation);
         notifyTimeObserver();
         break;
     case Topic::Height:
-        setPictureSize({m_pictureSize.width(), int(valueOf<int64_t>(property).value_or(0))});
+        updatePictureSize({m_unturnedSize.width(), int(valueOf<int64_t>(property).value_or(0))},
+                          m_rotation);
+        notifyTimeObserver();
+        break;
+    case Topic::Rotation:
+        updatePictureSize(m_unturnedSize, int(valueOf<int64_t>(property).value_or(0)));
         notifyTimeObserver();
         break;
     default:

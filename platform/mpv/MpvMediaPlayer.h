@@ -26,6 +26,7 @@ enum class MpvTopic : quint64 {
     EofReached,
     Width,
     Height,
+    Rotation,
 };
 
 /// libmpv as the media player. Its picture appears in an MpvVideoItem; an item is opened as soon
@@ -130,7 +131,7 @@ private:
     void requestTime();
     void requestProperties();
     void notifyTimeObserver();
-    void setPictureSize(QSize size);
+    void updatePictureSize(QSize unturned, int rotation);
 
     static void wakeUp(void *player);
 
@@ -146,6 +147,9 @@ private:
     PlaylistState m_playlist;
     std::optional<qint64> m_startedEntryId;
     ItemState m_state;
+    QSize m_unturnedSize;
+    /// Degrees, by which libmpv turns the picture as its file says.
+    int m_rotation = 0;
     QSize m_pictureSize;
     bool m_paused = true;
     TimeControlStatus m_status = TimeControlStatus::Paused;

@@ -25,7 +25,7 @@ struct DisplayWorld
     PlayerSurfaceRegistry surfaces;
     FakeMediaPlayer player;
     std::shared_ptr<FakeFaceDetector> detector = std::make_shared<FakeFaceDetector>();
-    PlayerViewServices services{scheduler, notifications, surfaces, detector};
+    PlayerViewServices services{scheduler, scheduler, notifications, surfaces, detector};
 };
 
 /// Draws nothing; remembers how it was to draw.

@@ -10,6 +10,8 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
+#include <optional>
+
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 
@@ -26,6 +28,7 @@ struct Recipe
     QString file;
     QStringList ffmpeg;
     qint64 movieBytes = 0; ///< -1 for half of it
+    std::optional<Fixture> input{}; ///< ffmpeg's, before its arguments
 };
 
 constexpr qsizetype noiseSize = 1 << 20;
@@ -81,6 +84,11 @@ Recipe recipeFor(Fixture fixture)
         return {u"fullhd.mp4"_s,
                 words(testPicture(u"1920x1080"_s, 75) + encoding + u"-b:v 3000k "_s + mp4
                       + u"fullhd.mp4"_s)};
+    case Fixture::Turned:
+        // ffmpeg tells of a turn only where it does not encode.
+        return {.file = u"turned.mp4"_s,
+                .ffmpeg = words(u"-c copy -metadata:s:v rotate=90 turned.mp4"_s),
+                .input = Fixture::Matroska};
     case Fixture::Gradient:
         return {u"gradient.mp4"_s,
                 words(u"-f lavfi -i color=size=1280x720:rate=10 -t 60 -vf "
@@ -193,6 +201,12 @@ QByteArray noise()
 
 Result make(const Recipe &recipe, const MediaFixtures &others, const QString &folder)
 {
+    if (recipe.input) {
+        const auto input = others.path(*recipe.input);
+        if (!input)
+            return std::unexpected(input.error());
+        return runFfmpeg(QStringList{u"-i"_s, *input} + recipe.ffmpeg, folder);
+    }
     if (!recipe.ffmpeg.isEmpty())
         return runFfmpeg(recipe.ffmpeg, folder);
     const QString path = folder + u'/' + recipe.file;
