@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "platform/dlib/DlibFaceDetector.h"
 #include "ui/Style.h"
 
 #include <QGuiApplication>
@@ -32,6 +33,8 @@ Application::Application(const Folders &folders)
     , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
     , m_proxyRoute(m_http, m_mediaPlayer)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
+    , m_viewServices(m_scheduler, m_idle, m_notifications, m_surfaces,
+                     std::make_shared<DlibFaceDetector>())
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
@@ -99,6 +102,7 @@ bool Application::show()
         {QStringLiteral("panels"), object(m_panels)},
         {QStringLiteral("notifications"), object(m_notifications)},
         {QStringLiteral("finderController"), object(m_finderController)},
+        {QStringLiteral("viewServices"), object(m_viewServices)},
     });
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/Main.qml")));
     return !m_engine.rootObjects().isEmpty();

@@ -8,6 +8,7 @@
 #include "app/MenuCommands.h"
 #include "app/ProxyRoute.h"
 #include "app/TransportModel.h"
+#include "display/PlayerHostingView.h"
 #include "finder/SnifferSavedWebsiteStore.h"
 #include "finder/SnifferViewModel.h"
 #include "finder/SnifferWindowController.h"
@@ -56,6 +57,7 @@ public:
     SnifferViewModel &finder() { return m_finder; }
     SnifferWindowController &finderWindow() { return m_finderController; }
     LocalM3UModel &librarySection() { return m_librarySection; }
+    PlayerSurfaceRegistry &surfaces() { return m_surfaces; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
 private:
@@ -67,6 +69,7 @@ private:
     const Folders m_folders;
     // In the order of who needs whom; the engine goes first at the end, and with it every view.
     QtScheduler m_scheduler;
+    QtScheduler m_idle{QThread::IdlePriority};
     NotificationCenter m_notifications;
     CurlHttpClient m_http;
     FileUserDefaults m_defaults;
@@ -78,6 +81,8 @@ private:
     SnifferProxyManager m_proxy;
     YouTubePlayerRegistry m_youTube;
     OKVideoPlayerRegistry m_okVideo;
+    PlayerSurfaceRegistry m_surfaces;
+    PlayerViewServices m_viewServices;
     PlayerModel m_player;
     MainWindowModel m_window;
     TransportModel m_transport;

@@ -1,6 +1,7 @@
 import QtQuick
 import Lumaro.App
 import Lumaro.Display
+import Lumaro.Platform.Mpv
 import Lumaro.Playlist
 import Lumaro.Ui
 
@@ -18,6 +19,8 @@ FocusScope {
     required property LocalM3UModel library
     required property LocalM3UCommands libraryCommands
     required property NotificationCenter notifications
+    required property MpvMediaPlayer mediaPlayer
+    required property PlayerViewServices viewServices
     required property Item picture
 
     function holdsFocus(part: Item): bool {
@@ -36,7 +39,7 @@ FocusScope {
         }
         clip: true
 
-        PlayerHostingView {
+        PlayerLayerView {
             id: surface
 
             anchors.fill: parent
@@ -48,8 +51,11 @@ FocusScope {
                 event.accepted = !root.shell.controlsVisible;
                 root.shell.showFullScreenControls();
             }
-            notifications: root.notifications
+            services: root.viewServices
+            player: root.mediaPlayer
             picture: root.picture
+            displayMode: root.shell.displayMode
+            fillScreen: root.shell.isFullScreen
             onFullScreenToggleRequested: root.shell.isFullScreen = !root.shell.isFullScreen
         }
 
@@ -85,6 +91,11 @@ FocusScope {
             shell: root.shell
             transport: root.transport
 
+            DisplayModeButton {
+                id: displayModeButton
+
+                choices: root.commands.displayModes
+            }
             IconButton {
                 onOverlay: true
                 iconName: "star"
@@ -124,7 +135,7 @@ FocusScope {
     Binding {
         target: root.shell
         property: "controlsInUse"
-        value: controlBar.inUse || topBar.inUse || root.holdsFocus(controlBar) || root.holdsFocus(topBar)
+        value: controlBar.inUse || displayModeButton.opened || topBar.inUse || root.holdsFocus(controlBar) || root.holdsFocus(topBar)
     }
 
     // A click on the picture ends typing, so that the keys are the player's again.

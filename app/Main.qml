@@ -21,6 +21,7 @@ Window {
     required property QuickFilePanels panels
     required property NotificationCenter notifications
     required property SnifferWindowController finderController
+    required property PlayerViewServices viewServices
 
     property bool wasMaximized: false
 
@@ -86,6 +87,8 @@ Window {
         library: window.library
         libraryCommands: window.libraryCommands
         notifications: window.notifications
+        mediaPlayer: window.mediaPlayer
+        viewServices: window.viewServices
         picture: MpvVideoItem { player: window.mediaPlayer }
     }
 

@@ -15,6 +15,11 @@ QString sidebarVisibleKey()
     return QStringLiteral("Lumaro.MainWindow.SidebarVisible");
 }
 
+QString displayModeKey()
+{
+    return QStringLiteral("Lumaro.MainWindow.DisplayMode");
+}
+
 /// The name for what an address opens; absent when the field is not shown.
 std::optional<QString> optionalName(bool shown, const QString &name)
 {
@@ -35,6 +40,8 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     , m_openingTask(scheduler)
 {
     m_sidebarVisible = defaults.data(sidebarVisibleKey()) != "false";
+    const QByteArray mode = defaults.data(displayModeKey()).value_or(QByteArray());
+    m_displayMode = portraitDisplayMode(QString::fromUtf8(mode)).value_or(m_displayMode);
     connect(&notifications, &NotificationCenter::posted, this, &MainWindowModel::observe);
     connect(&mediaPlayer, &MediaPlayer::itemFailed, this, [this](MediaPlayer::ItemFailure failure) {
         setIsOpening(false);
@@ -116,6 +123,15 @@ void MainWindowModel::setDisplayNameShown(bool shown)
         return;
     m_displayNameShown = shown;
     Q_EMIT displayNameShownChanged();
+}
+
+void MainWindowModel::setDisplayMode(PortraitDisplayMode mode)
+{
+    if (m_displayMode == mode)
+        return;
+    m_displayMode = mode;
+    (void)m_defaults.setData(displayModeKey(), rawValue(mode).toUtf8());
+    Q_EMIT displayModeChanged();
 }
 
 void MainWindowModel::setIsFullScreen(bool fullScreen)

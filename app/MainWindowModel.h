@@ -1,5 +1,6 @@
 #pragma once
 
+#include "display/PortraitDisplayMode.h"
 #include "platform/DelayedTask.h"
 #include "player/PlayerModel.h"
 
@@ -28,6 +29,9 @@ class MainWindowModel : public QObject
     Q_PROPERTY(QString displayName READ displayName WRITE setDisplayName NOTIFY displayNameChanged)
     Q_PROPERTY(bool displayNameShown READ displayNameShown WRITE setDisplayNameShown NOTIFY
                    displayNameShownChanged)
+    /// How the picture is shown; kept for the next start.
+    Q_PROPERTY(lumaro::PortraitDisplayMode displayMode READ displayMode WRITE setDisplayMode NOTIFY
+                   displayModeChanged)
     Q_PROPERTY(bool isFullScreen READ isFullScreen WRITE setIsFullScreen NOTIFY isFullScreenChanged)
     /// The controls over the picture are wanted now.
     Q_PROPERTY(bool controlsVisible READ controlsVisible NOTIFY controlsVisibleChanged)
@@ -67,6 +71,8 @@ public:
     void setDisplayName(const QString &name);
     bool displayNameShown() const { return m_displayNameShown; }
     void setDisplayNameShown(bool shown);
+    PortraitDisplayMode displayMode() const { return m_displayMode; }
+    void setDisplayMode(PortraitDisplayMode mode);
     bool isFullScreen() const { return m_isFullScreen; }
     void setIsFullScreen(bool fullScreen);
     bool controlsVisible() const;
@@ -112,6 +118,7 @@ Q_SIGNALS:
     void addressTextChanged();
     void displayNameChanged();
     void displayNameShownChanged();
+    void displayModeChanged();
     void isFullScreenChanged();
     void controlsVisibleChanged();
     void controlsInUseChanged();
@@ -143,6 +150,7 @@ private:
     QString m_addressText;
     QString m_displayName;
     bool m_displayNameShown = false;
+    PortraitDisplayMode m_displayMode = PortraitDisplayMode::normal;
     bool m_isFullScreen = false;
     bool m_controlsShown = true;
     bool m_controlsInUse = false;

@@ -61,6 +61,8 @@ Item {
                     shortcutText: modelData.shortcut
                     startsGroup: modelData.startsGroup
                     enabled: modelData.isEnabled
+                    checkable: modelData.isCheckable
+                    checked: modelData.isChecked
                     onTriggered: modelData.trigger()
                 }
             }

@@ -102,7 +102,18 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
          },
          QStringLiteral("F11"), [&window] { window.setIsFullScreen(!window.isFullScreen()); }});
     connect(&window, &MainWindowModel::isFullScreenChanged, fullScreen, &MenuCommand::titleChanged);
-    m_view = {sidebar, fullScreen};
+    for (const PortraitDisplayMode mode : allPortraitDisplayModes) {
+        MenuCommand *choice =
+            make({.title = always(rawValue(mode)),
+                  .shortcut = QStringLiteral("Ctrl+%1").arg(int(mode) + 1),
+                  .action = [&window, mode] { window.setDisplayMode(mode); },
+                  .startsGroup = mode == PortraitDisplayMode::normal,
+                  .isChecked = [&window, mode] { return window.displayMode() == mode; }});
+        connect(&window, &MainWindowModel::displayModeChanged, choice,
+                &MenuCommand::isCheckedChanged);
+        m_displayModes.append(choice);
+    }
+    m_view = QList{sidebar, fullScreen} + m_displayModes;
 }
 
 MenuCommand *MenuCommands::make(MenuCommand::Description description)

@@ -6,6 +6,7 @@
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
 #include "app/TransportModel.h"
+#include "display/PlayerHostingView.h"
 #include "platform/NotificationCenter.h"
 #include "platform/qt/QuickFilePanels.h"
 #include "player/PlayerModel.h"
@@ -76,6 +77,14 @@ struct PlayerModelForQml
     Q_GADGET
     QML_FOREIGN(lumaro::PlayerModel)
     QML_NAMED_ELEMENT(PlayerModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct PlayerViewServicesForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::PlayerViewServices)
+    QML_NAMED_ELEMENT(PlayerViewServices)
     QML_UNCREATABLE("Made by the composition root.")
 };
 

@@ -1,5 +1,7 @@
 #include "display/PlayerHostingView.h"
 
+#include "display/SmartReframe.h"
+
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QStyleHints>
@@ -8,11 +10,61 @@
 
 namespace lumaro {
 
-PlayerHostingView::PlayerHostingView(QQuickItem *parent)
+PlayerViewServices::PlayerViewServices(Scheduler &scheduler_, Scheduler &idle_,
+                                       NotificationCenter &notifications_,
+                                       PlayerSurfaceRegistry &surfaces_,
+                                       std::shared_ptr<FaceDetector> faceDetector_, QObject *parent)
+    : QObject(parent)
+    , scheduler(scheduler_)
+    , idle(idle_)
+    , notifications(notifications_)
+    , surfaces(surfaces_)
+    , faceDetector(std::move(faceDetector_))
+{
+}
+
+PlayerHostingView::PlayerHostingView(PlayerViewServices &services, QQuickItem *parent)
     : QQuickItem(parent)
+    , m_services(services)
+    , m_cropLayer(new QQuickItem(this))
+    , m_playerLayer(new QQuickItem(m_cropLayer))
+    , m_smartTimer(services.scheduler)
 {
     setAcceptedMouseButtons(Qt::LeftButton);
     setClip(true);
+}
+
+PlayerHostingView::~PlayerHostingView()
+{
+    m_lifetime.request_stop();
+}
+
+// The player
+
+void PlayerHostingView::setPlayer(MediaPlayer *player)
+{
+    if (m_player != player) {
+        if (m_player)
+            m_player->disconnect(this);
+        m_player = player;
+        if (m_player) {
+            connect(m_player, &MediaPlayer::currentItemChanged, this,
+                    &PlayerHostingView::attachVideoOutput);
+            connect(m_player, &MediaPlayer::presentationSizeChanged, this,
+                    &PlayerHostingView::updateGeometry);
+        }
+        updateGeometry();
+    }
+    attachVideoOutput();
+}
+
+void PlayerHostingView::attachVideoOutput()
+{
+    const quint64 item = m_player ? m_player->currentItem() : 0;
+    if (m_observedItem == item)
+        return;
+    m_observedItem = item;
+    m_videoOutput = m_player ? m_player->addVideoOutput() : nullptr;
 }
 
 void PlayerHostingView::setPicture(QQuickItem *picture)
@@ -21,23 +73,130 @@ void PlayerHostingView::setPicture(QQuickItem *picture)
         return;
     m_picture = picture;
     if (m_picture)
-        m_picture->setParentItem(this);
+        m_picture->setParentItem(m_playerLayer);
+    placePicture();
+}
+
+// Modes
+
+void PlayerHostingView::setDisplayMode(PortraitDisplayMode mode)
+{
+    if (m_displayMode != mode) {
+        m_displayMode = mode;
+        if (mode == PortraitDisplayMode::fill || mode == PortraitDisplayMode::rotate)
+            m_horizontalPan = 0;
+        m_drag.reset();
+        updateSmartTimer();
+    }
+    updateGravity();
     updateGeometry();
-    Q_EMIT pictureChanged();
+}
+
+void PlayerHostingView::setFillScreen(bool fillScreen)
+{
+    if (m_fillScreen == fillScreen)
+        return;
+    m_fillScreen = fillScreen;
+    updateGravity();
+    updateGeometry();
+}
+
+QRectF PlayerHostingView::recordingRectInView() const
+{
+    return m_displayMode == PortraitDisplayMode::normal
+        ? boundingRect()
+        : QRectF(m_cropLayer->position(), m_cropLayer->size());
+}
+
+// Geometry
+
+void PlayerHostingView::setHorizontalPan(double pan)
+{
+    m_horizontalPan = pan;
+    updateGeometry();
+}
+
+void PlayerHostingView::updateGravity()
+{
+    m_gravity = videoGravity(m_displayMode);
+}
+
+void PlayerHostingView::updateGeometry()
+{
+    const auto geometry = displayGeometry(m_displayMode, size(), m_horizontalPan,
+                                          m_player ? m_player->presentationSize() : QSize());
+    m_cropLayer->setPosition(geometry.cropFrame.topLeft());
+    m_cropLayer->setSize(geometry.cropFrame.size());
+    m_cropLayer->setClip(geometry.cropMasksToBounds);
+    m_playerLayer->setPosition(geometry.playerFrame.topLeft());
+    m_playerLayer->setSize(geometry.playerFrame.size());
+    m_playerLayer->setRotation(geometry.playerRotation);
+    placePicture();
+}
+
+void PlayerHostingView::placePicture()
+{
+    if (!m_picture)
+        return;
+    // On whole pixels of the screen, or the picture would be drawn between them and blur.
+    const double scale = window() ? window()->effectiveDevicePixelRatio() : 1;
+    const QRectF visible =
+        mapRectToScene(boundingRect() & QRectF(m_cropLayer->position(), m_cropLayer->size()));
+    const QPointF topLeft(std::floor(visible.left() * scale), std::floor(visible.top() * scale));
+    const QPointF bottomRight(std::ceil(visible.right() * scale),
+                              std::ceil(visible.bottom() * scale));
+    const QRectF covered =
+        m_playerLayer->mapRectFromScene(QRectF(topLeft / scale, bottomRight / scale));
+    m_picture->setPosition(covered.topLeft());
+    m_picture->setSize(covered.size());
+
+    const auto surface = qobject_cast<VideoSurface *>(m_picture);
+    if (!surface || !m_player)
+        return;
+    const QRectF layer({0, 0}, m_playerLayer->size());
+    // Fitting is what the surface does by itself; so it stays exact while its size changes.
+    surface->setPlacement(
+        m_displayMode == PortraitDisplayMode::normal
+            ? VideoPlacement{}
+            : videoPlacement(pictureRect(layer, m_gravity, m_player->presentationSize()), covered));
+}
+
+void PlayerHostingView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    updateGeometry();
+}
+
+void PlayerHostingView::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    QQuickItem::itemChange(change, data);
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+        updateGeometry();
+}
+
+// The mouse
+
+bool PlayerHostingView::isSecondPress(const QMouseEvent &event)
+{
+    const auto sinceLastPress = event.timestamp() - std::exchange(m_pressTime, event.timestamp());
+    const QPointF from = std::exchange(m_pressPosition, event.globalPosition());
+    const QStyleHints &hints = *QGuiApplication::styleHints();
+    const QPointF moved = m_pressPosition - from;
+    const bool isClose = sinceLastPress < quint64(hints.mouseDoubleClickInterval())
+        && std::max(std::abs(moved.x()), std::abs(moved.y())) < hints.mouseDoubleClickDistance();
+    m_pressWasSecond = isClose && !m_pressWasSecond;
+    return m_pressWasSecond;
 }
 
 void PlayerHostingView::mousePressEvent(QMouseEvent *event)
 {
+    m_drag.reset();
     // The second press of a double click comes as a press of its own first.
-    const auto sinceLastPress = event->timestamp() - std::exchange(m_pressTime, event->timestamp());
-    const QPointF from = std::exchange(m_pressPosition, event->globalPosition());
-    const QStyleHints &hints = *QGuiApplication::styleHints();
-    const QPointF moved = m_pressPosition - from;
-    const bool isSecond = sinceLastPress < quint64(hints.mouseDoubleClickInterval())
-        && std::max(std::abs(moved.x()), std::abs(moved.y())) < hints.mouseDoubleClickDistance();
-    m_pressWasSecond = isSecond && !m_pressWasSecond;
-    if (m_notifications && !m_pressWasSecond)
-        m_notifications->post(QString::fromUtf16(notification::playerSurfaceClicked), window());
+    if (isSecondPress(*event))
+        return;
+    m_services.notifications.post(QString::fromUtf16(notification::playerSurfaceClicked), window());
+    if (m_displayMode == PortraitDisplayMode::manual)
+        m_drag = Drag{.pressX = event->scenePosition().x(), .panAtPress = m_horizontalPan};
 }
 
 void PlayerHostingView::mouseDoubleClickEvent(QMouseEvent *)
@@ -47,6 +206,12 @@ void PlayerHostingView::mouseDoubleClickEvent(QMouseEvent *)
 
 void PlayerHostingView::mouseMoveEvent(QMouseEvent *event)
 {
+    if (m_displayMode == PortraitDisplayMode::manual) {
+        if (m_drag)
+            setHorizontalPan(draggedPan(m_drag->panAtPress,
+                                        event->scenePosition().x() - m_drag->pressX, width()));
+        return;
+    }
     // A window that moved with the very press would swallow the second click of a double click.
     const double distance = (event->globalPosition() - m_pressPosition).manhattanLength();
     const bool fullScreen = window()->visibility() == QWindow::FullScreen;
@@ -54,18 +219,65 @@ void PlayerHostingView::mouseMoveEvent(QMouseEvent *event)
         window()->startSystemMove();
 }
 
-void PlayerHostingView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
+void PlayerHostingView::mouseReleaseEvent(QMouseEvent *)
 {
-    QQuickItem::geometryChange(newGeometry, oldGeometry);
-    updateGeometry();
+    m_drag.reset();
 }
 
-void PlayerHostingView::updateGeometry()
+void PlayerHostingView::mouseUngrabEvent()
 {
-    if (m_picture) {
-        m_picture->setPosition({0, 0});
-        m_picture->setSize(size());
-    }
+    m_drag.reset();
+}
+
+// Following a face
+
+void PlayerHostingView::updateSmartTimer()
+{
+    m_smartTimer.cancel();
+    if (m_displayMode == PortraitDisplayMode::smart)
+        scheduleTick();
+}
+
+void PlayerHostingView::scheduleTick()
+{
+    m_smartTimer.start(smartReframe::tickInterval, [this] {
+        scheduleTick();
+        trackLargestFace();
+    });
+}
+
+void PlayerHostingView::trackLargestFace()
+{
+    const auto time = m_player ? m_player->currentTime() : std::nullopt;
+    const bool isReady = m_displayMode == PortraitDisplayMode::smart && time && m_videoOutput
+        && m_services.faceDetector && !m_isTracking;
+    if (isReady && m_videoOutput->hasNewPixelBuffer(*time))
+        followFace(*time, m_lifetime.get_token());
+}
+
+Task<> PlayerHostingView::followFace(double time, std::stop_token stop)
+{
+    using Faces = QList<FaceObservation>;
+    const auto detect = [output = m_videoOutput, detector = m_services.faceDetector,
+                         time]() -> std::optional<Faces> {
+        const auto picture = output->copyPixelBuffer(time);
+        if (!picture)
+            return std::nullopt;
+        // A detector that fails has found nobody.
+        return detector->detect(*picture).value_or(Faces());
+    };
+    m_isTracking = true;
+    const quint64 item = m_observedItem;
+    const auto detection = m_services.idle.inBackground(detect);
+    const std::optional<Faces> faces = co_await detection;
+    if (stop.stop_requested())
+        co_return;
+    m_isTracking = false;
+    // Meanwhile the user may have gone on.
+    const bool isCurrent = m_displayMode == PortraitDisplayMode::smart && item == m_observedItem;
+    if (faces && isCurrent)
+        setHorizontalPan(
+            smartReframe::smoothedPan(m_horizontalPan, smartReframe::targetPan(*faces)));
 }
 
 } // namespace lumaro

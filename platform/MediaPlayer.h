@@ -1,11 +1,14 @@
 #pragma once
 
+#include "platform/VideoOutput.h"
+
 #include <QObject>
 #include <QSize>
 #include <QUrl>
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace lumaro {
@@ -48,6 +51,10 @@ public:
     virtual void replaceItem(const QUrl &url) = 0;
     virtual void removeItem() = 0;
     virtual bool hasItem() const = 0;
+    /// Tells the items apart that have been the player's; 0 without one.
+    virtual quint64 currentItem() const = 0;
+    /// A tap on the current item's pictures. Whoever drops it removes it.
+    virtual std::shared_ptr<VideoOutput> addVideoOutput() = 0;
 
     /// Begins anew at the item's end, and opens an item again that failed.
     virtual void play() = 0;
@@ -80,6 +87,8 @@ public:
                                          std::function<void()> observer) = 0;
 
 Q_SIGNALS:
+    void currentItemChanged();
+    void presentationSizeChanged();
     void timeControlStatusChanged();
     void playbackBufferEmptyChanged(bool empty);
     void playbackLikelyToKeepUpChanged(bool likely);

@@ -11,16 +11,19 @@ run_packages=(
 build_packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-declarative-dev qt6-svg-dev libgl-dev qcoro-qt6-dev libmpv-dev
-    libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev
+    libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev libdlib-dev
 )
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
-    microsocks tinyproxy-bin nodejs
+    microsocks tinyproxy-bin nodejs opencv-doc
 )
 # Some distributions of node bring npm along, and do not get on with the package.
 command -v npm >/dev/null || test_packages+=(npm)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
-bench_packages=(mpv libx11-dev libxext-dev curl yt-dlp)
+bench_packages=(
+    mpv libx11-dev libxext-dev curl yt-dlp libopencv-objdetect-dev opencv-data opencv-doc
+    python3-skimage
+)
 
 # need_packages NAME…: installs those that are not there yet, and says which.
 need_packages() {

@@ -1,10 +1,12 @@
 #include "platform/mpv/MpvMediaPlayer.h"
 
+#include "platform/mpv/MpvNode.h"
+#include "platform/mpv/MpvVideoOutput.h"
+
 #include <QStringList>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace lumaro {
 
@@ -30,6 +32,7 @@ constexpr ObservedProperty observedProperties[] = {
     {Topic::EofReached, "eof-reached", MPV_FORMAT_FLAG},
     {Topic::Width, "dwidth", MPV_FORMAT_INT64},
     {Topic::Height, "dheight", MPV_FORMAT_INT64},
+    {Topic::Rotation, "video-params/rotate", MPV_FORMAT_INT64},
 };
 
 /// Request identifiers carry the topic in the low byte and the item's number above it.
@@ -79,18 +82,6 @@ MediaPlayer::ItemFailure failureOf(int error)
 {
     return error == MPV_ERROR_LOADING_FAILED ? MediaPlayer::ItemFailure::Unreachable
                                              : MediaPlayer::ItemFailure::Unplayable;
-}
-
-const mpv_node *mapValue(const mpv_node &map, const char *key)
-{
-    if (map.format != MPV_FORMAT_NODE_MAP)
-        return nullptr;
-    const mpv_node_list &list = *map.u.list;
-    for (int i = 0; i < list.num; ++i) {
-        if (std::strcmp(list.keys[i], key) == 0)
-            return &list.values[i];
-    }
-    return nullptr;
 }
 
 bool flag(const mpv_node *node)
@@ -182,6 +173,34 @@ void MpvMediaPlayer::setHttpProxy(const QUrl &proxy)
     mpv_command_async(m_core->handle(), 0, arguments);
 }
 
+void MpvMediaPlayer::setPlacement(const VideoPlacement &placement)
+{
+    if (!m_core)
+        return;
+    const auto set = [this](const char *name, double value) {
+        mpv_set_property_async(m_core->handle(), 0, name, MPV_FORMAT_DOUBLE, &value);
+    };
+    set("video-zoom", std::log2(placement.zoom));
+    set("video-pan-x", placement.offset.x());
+    set("video-pan-y", placement.offset.y());
+}
+
+std::shared_ptr<VideoOutput> MpvMediaPlayer::addVideoOutput()
+{
+    return std::make_shared<MpvVideoOutput>(this, m_core, currentItem());
+}
+
+void MpvMediaPlayer::updatePictureSize(QSize unturned, int rotation)
+{
+    m_unturnedSize = unturned;
+    m_rotation = rotation;
+    const QSize size = rotation % 180 == 90 ? unturned.transposed() : unturned;
+    if (m_pictureSize == size)
+        return;
+    m_pictureSize = size;
+    Q_EMIT presentationSizeChanged();
+}
+
 void MpvMediaPlayer::replaceItem(const QUrl &url)
 {
     m_item = url;
@@ -189,10 +208,11 @@ void MpvMediaPlayer::replaceItem(const QUrl &url)
     ++m_itemNumber;
     m_playlist = {};
     m_state = {};
-    m_pictureSize = {};
+    updatePictureSize({}, 0);
     openPendingItem();
     updateStatus();
     notifyTimeObserver();
+    Q_EMIT currentItemChanged();
 }
 
 void MpvMediaPlayer::openPendingItem()
@@ -230,12 +250,13 @@ void MpvMediaPlayer::removeItem()
     ++m_itemNumber;
     m_playlist = {};
     m_state = {};
-    m_pictureSize = {};
+    updatePictureSize({}, 0);
     if (m_core) {
         const char *arguments[] = {"stop", nullptr};
         mpv_command_async(m_core->handle(), 0, arguments);
     }
     updateStatus();
+    Q_EMIT currentItemChanged();
 }
 
 void MpvMediaPlayer::fail(ItemFailure failure)
@@ -558,11 +579,17 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
         }
         break;
     case Topic::Width:
-        m_pictureSize.setWidth(int(valueOf<int64_t>(property).value_or(0)));
+        updatePictureSize({int(valueOf<int64_t>(property).value_or(0)), m_unturnedSize.height()},
+                          m_rotation);
         notifyTimeObserver();
         break;
     case Topic::Height:
-        m_pictureSize.setHeight(int(valueOf<int64_t>(property).value_or(0)));
+        updatePictureSize({m_unturnedSize.width(), int(valueOf<int64_t>(property).value_or(0))},
+                          m_rotation);
+        notifyTimeObserver();
+        break;
+    case Topic::Rotation:
+        updatePictureSize(m_unturnedSize, int(valueOf<int64_t>(property).value_or(0)));
         notifyTimeObserver();
         break;
     default:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MediaPlayer.h"
+#include "platform/VideoSurface.h"
 #include "platform/mpv/MpvCore.h"
 
 #include <QTimer>
@@ -25,6 +26,7 @@ enum class MpvTopic : quint64 {
     EofReached,
     Width,
     Height,
+    Rotation,
 };
 
 /// libmpv as the media player. Its picture appears in an MpvVideoItem; an item is opened as soon
@@ -51,10 +53,14 @@ public:
 
     /// The HTTP proxy for items opened from now on; empty for the one that the environment names.
     void setHttpProxy(const QUrl &proxy);
+    /// Takes effect with the next picture that is drawn.
+    void setPlacement(const VideoPlacement &placement);
 
     void replaceItem(const QUrl &url) override;
     void removeItem() override;
     bool hasItem() const override { return !m_item.isEmpty(); }
+    quint64 currentItem() const override { return hasItem() ? m_itemNumber : 0; }
+    std::shared_ptr<VideoOutput> addVideoOutput() override;
 
     void play() override;
     void pause() override;
@@ -125,6 +131,7 @@ private:
     void requestTime();
     void requestProperties();
     void notifyTimeObserver();
+    void updatePictureSize(QSize unturned, int rotation);
 
     static void wakeUp(void *player);
 
@@ -140,6 +147,9 @@ private:
     PlaylistState m_playlist;
     std::optional<qint64> m_startedEntryId;
     ItemState m_state;
+    QSize m_unturnedSize;
+    /// Degrees, by which libmpv turns the picture as its file says.
+    int m_rotation = 0;
     QSize m_pictureSize;
     bool m_paused = true;
     TimeControlStatus m_status = TimeControlStatus::Paused;

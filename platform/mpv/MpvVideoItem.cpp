@@ -6,6 +6,8 @@
 
 #include <mpv/render_gl.h>
 
+#include <utility>
+
 namespace lumaro {
 
 namespace {
@@ -35,11 +37,20 @@ public:
     MpvRenderer(const MpvRenderer &) = delete;
     MpvRenderer &operator=(const MpvRenderer &) = delete;
 
-    QOpenGLFramebufferObject *createFramebufferObject(const QSize &size) override
+    /// Qt cuts fractions of points off before it counts pixels, which would blur the picture.
+    void synchronize(QQuickFramebufferObject *item) override
+    {
+        const double scale = item->window()->effectiveDevicePixelRatio();
+        const QSize size = (item->size() * scale).toSize().expandedTo(QSize(1, 1));
+        if (std::exchange(m_size, size) != size)
+            invalidateFramebufferObject();
+    }
+
+    QOpenGLFramebufferObject *createFramebufferObject(const QSize &) override
     {
         if (!m_context && m_core)
             createContext();
-        return new QOpenGLFramebufferObject(size);
+        return new QOpenGLFramebufferObject(m_size);
     }
 
     void render() override
@@ -88,6 +99,7 @@ private:
     MpvMediaPlayer *m_player;
     std::shared_ptr<MpvCore> m_core;
     mpv_render_context *m_context = nullptr;
+    QSize m_size;
 };
 
 } // namespace
@@ -95,6 +107,7 @@ private:
 MpvVideoItem::MpvVideoItem(QQuickItem *parent)
     : QQuickFramebufferObject(parent)
 {
+    setTextureFollowsItemSize(false);
 }
 
 void MpvVideoItem::setPlayer(MpvMediaPlayer *player)
@@ -104,10 +117,21 @@ void MpvVideoItem::setPlayer(MpvMediaPlayer *player)
     if (m_player)
         m_player->disconnect(this);
     m_player = player;
-    if (m_player)
+    if (m_player) {
         connect(m_player, &MpvMediaPlayer::frameReady, this, &QQuickItem::update,
                 Qt::QueuedConnection);
+        m_player->setPlacement(m_placement);
+    }
     Q_EMIT playerChanged();
+}
+
+void MpvVideoItem::setPlacement(const VideoPlacement &placement)
+{
+    if (m_placement == placement)
+        return;
+    m_placement = placement;
+    if (m_player)
+        m_player->setPlacement(placement);
 }
 
 QQuickFramebufferObject::Renderer *MpvVideoItem::createRenderer() const

@@ -7,10 +7,11 @@
 
 namespace lumaro {
 
-/// Draws the player's picture, fitted into the item on black. One item for each player.
-class MpvVideoItem : public QQuickFramebufferObject
+/// Draws the player's picture on black, in the pixels of the screen. One item for each player.
+class MpvVideoItem : public QQuickFramebufferObject, public VideoSurface
 {
     Q_OBJECT
+    Q_INTERFACES(lumaro::VideoSurface)
     QML_ELEMENT
     Q_PROPERTY(lumaro::MpvMediaPlayer *player READ player WRITE setPlayer NOTIFY playerChanged)
 
@@ -21,6 +22,8 @@ public:
     /// The player must outlive the item's window.
     void setPlayer(MpvMediaPlayer *player);
 
+    void setPlacement(const VideoPlacement &placement) override;
+
     Renderer *createRenderer() const override;
 
 Q_SIGNALS:
@@ -28,6 +31,7 @@ Q_SIGNALS:
 
 private:
     QPointer<MpvMediaPlayer> m_player;
+    VideoPlacement m_placement;
 };
 
 } // namespace lumaro

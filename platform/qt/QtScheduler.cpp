@@ -4,9 +4,10 @@
 
 namespace lumaro {
 
-QtScheduler::QtScheduler(QObject *parent)
+QtScheduler::QtScheduler(QThread::Priority priority, QObject *parent)
     : QObject(parent)
 {
+    m_threads.setThreadPriority(priority);
 }
 
 QtScheduler::~QtScheduler()

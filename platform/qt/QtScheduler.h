@@ -3,6 +3,7 @@
 #include "platform/Scheduler.h"
 
 #include <QObject>
+#include <QThread>
 #include <QThreadPool>
 
 #include <unordered_map>
@@ -18,7 +19,10 @@ class QtScheduler final : public QObject, public Scheduler
     Q_OBJECT
 
 public:
-    explicit QtScheduler(QObject *parent = nullptr);
+    /// `priority` is that of the work in the background; an idle one only takes what nothing else
+    /// wants.
+    explicit QtScheduler(QThread::Priority priority = QThread::InheritPriority,
+                         QObject *parent = nullptr);
     ~QtScheduler() override;
 
     TimePoint now() const override;

@@ -6,6 +6,8 @@
 #include <QTemporaryFile>
 #include <QTest>
 
+#include <algorithm>
+
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -54,6 +56,8 @@ private Q_SLOTS:
 
     void sidebarFollowsEvents();
     void remembersTheSidebar();
+    void remembersTheDisplayMode();
+    void displayModesAreAChoice();
     void explainsMissingPictures_data();
     void explainsMissingPictures();
     void noticeGoesWithItsCause();
@@ -333,6 +337,44 @@ void MainWindowModelTest::remembersTheSidebar()
     const MainWindowModel next(m_world->player, m_world->mediaPlayer, m_world->scheduler,
                                m_world->notifications, m_world->defaults);
     QVERIFY(!next.sidebarVisible());
+}
+
+void MainWindowModelTest::remembersTheDisplayMode()
+{
+    const auto next = [this] {
+        return MainWindowModel(m_world->player, m_world->mediaPlayer, m_world->scheduler,
+                               m_world->notifications, m_world->defaults)
+            .displayMode();
+    };
+    QCOMPARE(m_world->shell.displayMode(), PortraitDisplayMode::normal);
+    for (const PortraitDisplayMode mode :
+         {PortraitDisplayMode::rotate, PortraitDisplayMode::smart, PortraitDisplayMode::normal}) {
+        m_world->shell.setDisplayMode(mode);
+        QCOMPARE(next(), mode);
+    }
+    m_world->shell.setDisplayMode(PortraitDisplayMode::fill);
+    for (QByteArray &value : m_world->defaults.values)
+        value = "nonsense";
+    QCOMPARE(next(), PortraitDisplayMode::normal);
+    m_world->defaults.unreadable = true;
+    QCOMPARE(next(), PortraitDisplayMode::normal);
+}
+
+void MainWindowModelTest::displayModesAreAChoice()
+{
+    const MenuCommands commands(m_world->player, m_world->shell, m_world->downloads);
+    QStringList titles;
+    for (MenuCommand *choice : commands.displayModes()) {
+        titles << choice->title();
+        const QSignalSpy changes(choice, &MenuCommand::isCheckedChanged);
+        choice->trigger();
+        QVERIFY(choice->isCheckable() && choice->isChecked());
+        QCOMPARE(rawValue(m_world->shell.displayMode()), choice->title());
+        QCOMPARE(changes.count(), choice == commands.displayModes().first() ? 0 : 1);
+    }
+    QCOMPARE(titles.size(), 5);
+    QCOMPARE(std::ranges::count_if(commands.view(), &MenuCommand::isChecked), 1);
+    QVERIFY(!commands.playback().first()->isCheckable());
 }
 
 void MainWindowModelTest::explainsMissingPictures_data()

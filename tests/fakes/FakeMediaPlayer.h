@@ -6,6 +6,28 @@
 
 namespace lumaro {
 
+/// Gives the pictures that a test puts into it.
+class FakeVideoOutput final : public VideoOutput
+{
+public:
+    explicit FakeVideoOutput(quint64 ofItem)
+        : item(ofItem)
+    {
+    }
+
+    bool hasNewPixelBuffer(double) const override { return hasNew; }
+    std::optional<PixelBuffer> copyPixelBuffer(double itemTime) override
+    {
+        copiedTimes.append(itemTime);
+        return picture;
+    }
+
+    const quint64 item;
+    bool hasNew = true;
+    std::optional<PixelBuffer> picture = PixelBuffer{};
+    QList<double> copiedTimes;
+};
+
 /// A media player whose item is whatever the test says; it logs what it is told to do.
 class FakeMediaPlayer final : public MediaPlayer
 {
@@ -13,14 +35,24 @@ public:
     void replaceItem(const QUrl &url) override
     {
         m_item = url;
+        ++m_itemNumber;
         log.append(u"load " + url.toString());
+        Q_EMIT currentItemChanged();
     }
     void removeItem() override
     {
         m_item.clear();
         log.append(QStringLiteral("remove"));
+        Q_EMIT currentItemChanged();
     }
     bool hasItem() const override { return !m_item.isEmpty(); }
+    quint64 currentItem() const override { return hasItem() ? m_itemNumber : 0; }
+    std::shared_ptr<VideoOutput> addVideoOutput() override
+    {
+        auto output = std::make_shared<FakeVideoOutput>(currentItem());
+        videoOutput = output;
+        return output;
+    }
 
     void play() override
     {
@@ -64,6 +96,11 @@ public:
         status = newStatus;
         Q_EMIT timeControlStatusChanged();
     }
+    void changePictureSize(QSize size)
+    {
+        pictureSize = size;
+        Q_EMIT presentationSizeChanged();
+    }
     void tick()
     {
         if (m_observer)
@@ -77,10 +114,13 @@ public:
     /// Without it the whole length.
     std::optional<TimeRange> seekable;
     QSize pictureSize;
+    /// The one added last, while anybody keeps it.
+    std::weak_ptr<FakeVideoOutput> videoOutput;
     std::chrono::milliseconds observerInterval{};
 
 private:
     QUrl m_item;
+    quint64 m_itemNumber = 0;
     double m_rate = 0;
     std::function<void()> m_observer;
 };

@@ -10,9 +10,14 @@ using namespace std::chrono_literals;
 namespace lumaro {
 
 AppWorld::AppWorld()
-    : m_application(std::make_unique<Application>(Folders{
-          m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}}))
 {
+    start();
+}
+
+void AppWorld::start()
+{
+    m_application = std::make_unique<Application>(Folders{
+        m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}});
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));
@@ -31,6 +36,12 @@ QQuickWindow *AppWorld::openFinder()
             return qobject_cast<QQuickWindow *>(window);
     }
     return nullptr;
+}
+
+void AppWorld::restart()
+{
+    m_application.reset();
+    start();
 }
 
 void AppWorld::press(Qt::Key key, Qt::KeyboardModifiers modifiers)

@@ -27,6 +27,9 @@ public:
     AppWorld(const AppWorld &) = delete;
     AppWorld &operator=(const AppWorld &) = delete;
 
+    /// Ends the application and starts it again with the same settings.
+    void restart();
+
     PlayerModel &player() { return m_application->player(); }
     MainWindowModel &shell() { return m_application->window(); }
     DownloadsModel &downloads() { return m_application->downloads(); }
@@ -34,6 +37,7 @@ public:
     LocalM3UStore &library() { return m_application->library(); }
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
     SnifferProxyManager &proxy() { return m_application->proxy(); }
+    PlayerSurfaceRegistry &surfaces() { return m_application->surfaces(); }
     QQuickWindow &window() { return *m_window; }
     SnifferViewModel &finder() { return m_application->finder(); }
     SnifferWindowController &finderController() { return m_application->finderWindow(); }
@@ -55,6 +59,8 @@ public:
     bool pictureChanges();
 
 private:
+    void start();
+
     QTemporaryDir m_folder;
     std::unique_ptr<Application> m_application;
     QQuickWindow *m_window = nullptr;

@@ -10,6 +10,8 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
+#include <optional>
+
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 
@@ -26,6 +28,7 @@ struct Recipe
     QString file;
     QStringList ffmpeg;
     qint64 movieBytes = 0; ///< -1 for half of it
+    std::optional<Fixture> input{}; ///< ffmpeg's, before its arguments
 };
 
 constexpr qsizetype noiseSize = 1 << 20;
@@ -63,6 +66,13 @@ QStringList hls(const QString &segments)
         + QStringList{u"v:0,a:0,name:high v:1,a:1,name:low"_s, u"%v/index.m3u8"_s};
 }
 
+/// As players take it for this size.
+const QString bt709 =
+    u"-colorspace bt709 -color_primaries bt709 -color_trc bt709 -color_range tv "_s;
+
+/// A photograph from the package opencv-doc.
+const QString facePhoto = u"/usr/share/doc/opencv-doc/opencv4/html/face_swapped.jpg"_s;
+
 Recipe recipeFor(Fixture fixture)
 {
     switch (fixture) {
@@ -74,6 +84,31 @@ Recipe recipeFor(Fixture fixture)
         return {u"fullhd.mp4"_s,
                 words(testPicture(u"1920x1080"_s, 75) + encoding + u"-b:v 3000k "_s + mp4
                       + u"fullhd.mp4"_s)};
+    case Fixture::Turned:
+        // ffmpeg tells of a turn only where it does not encode.
+        return {.file = u"turned.mp4"_s,
+                .ffmpeg = words(u"-c copy -metadata:s:v rotate=90 turned.mp4"_s),
+                .input = Fixture::Matroska};
+    case Fixture::Gradient:
+        return {u"gradient.mp4"_s,
+                words(u"-f lavfi -i color=size=1280x720:rate=10 -t 60 -vf "
+                      "format=gbrp,geq=r='X*255/W':g='Y*255/H':b=64:enable='lt(n,1)',"
+                      "select='eq(n,0)',loop=600:1,setpts=N/10/TB,"
+                      "scale=out_color_matrix=bt709:out_range=tv,format=yuv444p "_s
+                      + bt709
+                      + u"-c:v libx264 -preset ultrafast -crf 6 -threads 2 -flags +bitexact "
+                        "-fflags +bitexact gradient.mp4"_s)};
+    case Fixture::MovingFace:
+        return {u"face.mp4"_s,
+                words(u"-f lavfi -i color=size=1280x720:rate=30 -loop 1 -framerate 30 -i "_s
+                      + facePhoto
+                      + u" -filter_complex "
+                        "[0]format=yuv420p,select='eq(n,0)',geq=lum='16+X*219/W':cb=128:cr=128,"
+                        "loop=1200:1,setpts=N/30/TB[behind];[1]scale=-2:400,format=yuv420p[face];"
+                        "[behind][face]overlay=x='(W-w)*min(t/16,1)':y=250 -t 40 "_s
+                      + bt709
+                      + u"-c:v libx264 -preset ultrafast -crf 14 -threads 2 -flags +bitexact "
+                        "-fflags +bitexact face.mp4"_s)};
     case Fixture::SolidColor:
         // Players take the BT.709 matrix for this size, so that is what the file must be in.
         return {u"solid.mp4"_s,
@@ -166,6 +201,12 @@ QByteArray noise()
 
 Result make(const Recipe &recipe, const MediaFixtures &others, const QString &folder)
 {
+    if (recipe.input) {
+        const auto input = others.path(*recipe.input);
+        if (!input)
+            return std::unexpected(input.error());
+        return runFfmpeg(QStringList{u"-i"_s, *input} + recipe.ffmpeg, folder);
+    }
     if (!recipe.ffmpeg.isEmpty())
         return runFfmpeg(recipe.ffmpeg, folder);
     const QString path = folder + u'/' + recipe.file;

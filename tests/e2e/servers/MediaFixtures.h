@@ -17,6 +17,10 @@ enum class Fixture {
     Hls, ///< multivariant playlist of a finished stream, 20 s in MPEG-TS segments of 2 s
     FragmentedHls, ///< the same with fragmented MP4 segments
     LargeHls, ///< media playlist of a finished stream, 200 MPEG-TS segments of 1 s and about 2 MB
+    Turned, ///< MP4, 10 s, 640x360, to be turned by a quarter, as telephones write it
+    Gradient, ///< MP4, 60 s of a still picture, 1280x720: red grows to the right, green downwards
+    MovingFace, ///< MP4, 40 s, 1280x720: a face goes from left to right in 16 s, then rests; the
+                ///< grey behind it grows lighter to the right
     FullHdMovie, ///< as Movie, but 1920x1080 and 75 s
 };
 

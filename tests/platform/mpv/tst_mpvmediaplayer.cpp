@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 
 #include <cmath>
+#include <thread>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -65,6 +66,8 @@ private Q_SLOTS:
     void pausesAtTheEndAndBeginsAnew();
     void newItemBeginsAtZero();
     void lastOfManyItemsPlays();
+    void knowsThatAPictureIsTurned();
+    void copiesPictures();
     void tellsWhyItCannotPlay_data();
     void tellsWhyItCannotPlay();
     void triesAgainWhatFailed();
@@ -328,6 +331,45 @@ void MpvMediaPlayerTest::lastOfManyItemsPlays()
     QVERIFY(isNear(player().duration(), 10, 0.2));
     QCOMPARE(player().presentationSize(), QSize(640, 360));
     QCOMPARE(m_world->failures, QList<Failure>());
+}
+
+void MpvMediaPlayerTest::knowsThatAPictureIsTurned()
+{
+    m_world->open(file(Fixture::Turned));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return player().presentationSize() == QSize(360, 640); }));
+    m_world->open(file(Fixture::Matroska));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return player().presentationSize() == QSize(640, 360); }));
+}
+
+void MpvMediaPlayerTest::copiesPictures()
+{
+    const auto before = player().addVideoOutput();
+    m_world->open(file(Fixture::SolidColor));
+    QVERIFY(m_world->playsTo(0.5));
+    const auto output = player().addVideoOutput();
+    const double time = player().currentTime().value_or(0);
+    QVERIFY(output->hasNewPixelBuffer(time) && !before->hasNewPixelBuffer(time));
+
+    std::optional<PixelBuffer> picture;
+    // Waiting for libmpv is for another thread.
+    std::thread([&] { picture = output->copyPixelBuffer(time); }).join();
+    QVERIFY(picture);
+    QCOMPARE(QSize(picture->width, picture->height), QSize(1280, 720));
+    const auto part = [&](int index) {
+        const qsizetype middle = 360 * picture->bytesPerLine + qsizetype(640) * 4;
+        return int(uchar(picture->bytes.at(middle + index)));
+    };
+    const QRgb color = MediaFixtures::solidColor;
+    QVERIFY(std::abs(part(0) - qBlue(color)) < 6 && std::abs(part(1) - qGreen(color)) < 6
+            && std::abs(part(2) - qRed(color)) < 6);
+
+    QVERIFY(!output->hasNewPixelBuffer(time));
+    QVERIFY(output->hasNewPixelBuffer(time + 0.1));
+    m_world->open(file(Fixture::Matroska));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(!output->hasNewPixelBuffer(time + 0.1));
 }
 
 void MpvMediaPlayerTest::tellsWhyItCannotPlay_data()

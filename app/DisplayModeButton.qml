@@ -1,0 +1,46 @@
+import QtQuick
+import Lumaro.App
+import Lumaro.Ui
+
+// The control bar's menu of the display modes.
+IconButton {
+    id: root
+
+    required property list<MenuCommand> choices
+    readonly property bool opened: loader.item ? loader.item.visible : false
+
+    onOverlay: true
+    iconName: "display-mode"
+    text: "Video display mode"
+    checked: choices.length > 0 && !choices[0].isChecked
+    down: pressed || opened
+    Accessible.role: Accessible.ButtonMenu
+    onClicked: {
+        loader.active = true;
+        const menu = loader.item;
+        menu.popup(root, (width - menu.width) / 2, -menu.height - Theme.spacing * 4);
+    }
+
+    Loader {
+        id: loader
+
+        active: false
+        sourceComponent: Menu {
+            title: root.text
+
+            Repeater {
+                model: root.choices
+
+                MenuItem {
+                    required property MenuCommand modelData
+
+                    text: modelData.title
+                    shortcutText: modelData.shortcut
+                    checkable: true
+                    checked: modelData.isChecked
+                    onTriggered: modelData.trigger()
+                }
+            }
+        }
+    }
+}
