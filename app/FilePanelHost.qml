@@ -12,11 +12,12 @@ Item {
     required property bool isInFront
     property bool showsPanel: false
 
-    readonly property list<Loader> loaders: [fileLoader, saveLoader, folderLoader]
+    readonly property list<Loader> loaders: [fileLoader, saveLoader, textLoader, folderLoader]
 
     function loaderFor(kind: int): Loader {
         switch (kind) {
         case QuickFilePanels.NewFile: return saveLoader;
+        case QuickFilePanels.NewFileAndText: return textLoader;
         case QuickFilePanels.Folder: return folderLoader;
         default: return fileLoader;
         }
@@ -61,6 +62,12 @@ Item {
 
         readonly property string panel: "SaveFilePanel.qml"
         readonly property var properties: ({ "panels": host.panels, "overlay": T.Overlay.overlay })
+    }
+    Loader {
+        id: textLoader
+
+        readonly property string panel: "TextSavePanel.qml"
+        readonly property var properties: ({ "panels": host.panels })
     }
     Loader {
         id: folderLoader

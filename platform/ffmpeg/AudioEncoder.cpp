@@ -119,8 +119,8 @@ int AudioEncoder::addSound(const float *data, qint64 frames)
     if (const int result = av_frame_get_buffer(sound.get(), 0); result < 0)
         return result;
     const uint8_t *input[] = {reinterpret_cast<const uint8_t *>(data)};
-    const int converted = swr_convert(m_resampler.get(), sound->extended_data, sound->nb_samples,
-                                      input, int(frames));
+    const int converted =
+        swr_convert(m_resampler.get(), sound->extended_data, sound->nb_samples, input, int(frames));
     if (converted < 0)
         return converted;
     m_position += converted;

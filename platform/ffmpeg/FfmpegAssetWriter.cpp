@@ -119,8 +119,8 @@ PacketSink FfmpegAssetWriter::sink(const AVCodecContext &codec, AVStream *stream
 
 void FfmpegAssetWriter::append(const VideoSample &sample)
 {
-    const qint64 time = av_rescale_q((sample.presentationTime - m_zero).count(),
-                                     {1, 1'000'000'000}, {1, VideoEncoder::timeScale});
+    const qint64 time = av_rescale_q((sample.presentationTime - m_zero).count(), {1, 1'000'000'000},
+                                     {1, VideoEncoder::timeScale});
     const int result =
         m_video->encode(sample, time, sink(m_video->codec(), m_videoStream, m_videoPackets));
     if (result < 0)
@@ -129,9 +129,8 @@ void FfmpegAssetWriter::append(const VideoSample &sample)
 
 void FfmpegAssetWriter::append(const AudioSample &sample)
 {
-    const int result =
-        m_audio->encode(sample, sample.presentationTime - m_zero,
-                        sink(m_audio->codec(), m_audioStream, m_audioPackets));
+    const int result = m_audio->encode(sample, sample.presentationTime - m_zero,
+                                       sink(m_audio->codec(), m_audioStream, m_audioPackets));
     if (result < 0)
         fail(result);
 }

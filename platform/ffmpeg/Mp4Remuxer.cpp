@@ -30,7 +30,7 @@ Output openOutput(const QString &path)
         return nullptr;
     Output output(context);
     return avio_open(&output->pb, urlOf(path).constData(), AVIO_FLAG_WRITE) < 0 ? nullptr
-                                                                               : std::move(output);
+                                                                                : std::move(output);
 }
 
 bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &file)

@@ -17,7 +17,8 @@ PulseMonitor::PulseMonitor(AudioCaptureRequest request)
 {
     m_context = pa_context_new(pa_threaded_mainloop_get_api(m_loop), "Lumaro");
     pa_context_set_state_callback(
-        m_context, [](pa_context *, void *self) { static_cast<PulseMonitor *>(self)->contextChanged(); },
+        m_context,
+        [](pa_context *, void *self) { static_cast<PulseMonitor *>(self)->contextChanged(); },
         this);
     // Without a sound server there is no sound to record either.
     if (pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
@@ -65,11 +66,11 @@ void PulseMonitor::openStream()
     if (!m_stream)
         return giveUp();
     pa_stream_set_state_callback(
-        m_stream, [](pa_stream *, void *self) { static_cast<PulseMonitor *>(self)->streamChanged(); },
-        this);
+        m_stream,
+        [](pa_stream *, void *self) { static_cast<PulseMonitor *>(self)->streamChanged(); }, this);
     pa_stream_set_read_callback(
-        m_stream, [](pa_stream *, size_t, void *self) { static_cast<PulseMonitor *>(self)->read(); },
-        this);
+        m_stream,
+        [](pa_stream *, size_t, void *self) { static_cast<PulseMonitor *>(self)->read(); }, this);
     constexpr auto byServer = uint32_t(-1);
     const auto piece =
         uint32_t(pieceLength * m_request.sampleRate) * uint32_t(pa_frame_size(&format));

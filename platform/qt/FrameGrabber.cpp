@@ -29,7 +29,8 @@ QRect fitted(const QSize &source, const QSize &output)
     QRect target({0, 0}, source.scaled(output, Qt::KeepAspectRatio));
     // Rounding to even sides is no other shape.
     constexpr int rounding = 4;
-    if (output.width() - target.width() <= rounding && output.height() - target.height() <= rounding)
+    if (output.width() - target.width() <= rounding
+        && output.height() - target.height() <= rounding)
         target.setSize(output);
     target.moveCenter(QRect({0, 0}, output).center());
     return target;
@@ -125,8 +126,8 @@ void FrameGrabber::read(QOpenGLExtraFunctions &gl, Slot &slot, const QRect &sour
     const GLuint window = QOpenGLContext::currentContext()->defaultFramebufferObject();
     // Half a pair of pixels more or less is cut off rather than scaled away.
     const QSize excess = source.size() - size;
-    const bool isExact = excess.width() >= 0 && excess.width() <= 1 && excess.height() >= 0
-        && excess.height() <= 1;
+    const bool isExact =
+        excess.width() >= 0 && excess.width() <= 1 && excess.height() >= 0 && excess.height() <= 1;
     if (!isExact)
         scale(gl, source);
     gl.glBindFramebuffer(GL_FRAMEBUFFER, isExact ? window : m_framebuffer);
@@ -207,8 +208,8 @@ void FrameGrabber::deliver(QOpenGLExtraFunctions &gl, Slot &slot)
     const QSize size = m_settings.outputSize;
     const qsizetype stride = qsizetype(size.width()) * bytesPerPixel;
     gl.glBindBuffer(GL_PIXEL_PACK_BUFFER, slot.buffer);
-    const auto *const pixels = static_cast<const uchar *>(gl.glMapBufferRange(
-        GL_PIXEL_PACK_BUFFER, 0, stride * size.height(), GL_MAP_READ_BIT));
+    const auto *const pixels = static_cast<const uchar *>(
+        gl.glMapBufferRange(GL_PIXEL_PACK_BUFFER, 0, stride * size.height(), GL_MAP_READ_BIT));
     gl.glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     {
         const std::scoped_lock lock(m_mutex);

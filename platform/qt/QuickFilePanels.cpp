@@ -1,5 +1,6 @@
 #include "platform/qt/QuickFilePanels.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -67,15 +68,15 @@ Task<std::optional<SavePanelChoice>> QuickFilePanels::chooseNewFile(SavePanelReq
     const QUrl folder = accessory.folder;
     m_accessoryText.clear();
     Q_EMIT accessoryTextChanged();
-    auto shown =
-        show({.kind = Kind::NewFileAndText,
-              .title = request.title,
-              .prompt = request.prompt,
-              .folder = folder,
-              .proposedFile = QUrl::fromLocalFile(folder.toLocalFile() + u'/' + request.proposedName),
-              .defaultSuffix = request.extension,
-              .accessory = std::move(accessory)},
-             std::move(stop));
+    auto shown = show(
+        {.kind = Kind::NewFileAndText,
+         .title = request.title,
+         .prompt = request.prompt,
+         .folder = folder,
+         .proposedFile = QUrl::fromLocalFile(folder.toLocalFile() + u'/' + request.proposedName),
+         .defaultSuffix = request.extension,
+         .accessory = std::move(accessory)},
+        std::move(stop));
     const auto file = co_await shown;
     if (!file)
         co_return std::nullopt;
@@ -118,11 +119,15 @@ Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token sto
     co_return co_await choice;
 }
 
+QString QuickFilePanels::pathOf(const QUrl &folder) const
+{
+    return QDir::toNativeSeparators(folder.toLocalFile());
+}
+
 void QuickFilePanels::accept(const QUrl &chosen)
 {
     const QUrl file = withScheme(chosen);
-    const bool isNewFile =
-        m_panel.kind == Kind::NewFile || m_panel.kind == Kind::NewFileAndText;
+    const bool isNewFile = m_panel.kind == Kind::NewFile || m_panel.kind == Kind::NewFileAndText;
     if (m_panel.kind == Kind::NewFile)
         m_newFileFolder = folderOf(file);
     if (!isNewFile || !QFileInfo::exists(file.toLocalFile()))

@@ -68,6 +68,8 @@ public:
 
     /// The file named `name` in `folder`, with the panel's extension.
     Q_INVOKABLE QUrl fileIn(const QUrl &folder, const QString &name) const;
+    /// As the user's desktop writes it.
+    Q_INVOKABLE QString pathOf(const QUrl &folder) const;
     /// A new file that exists already is asked about first.
     Q_INVOKABLE void accept(const QUrl &chosen);
     Q_INVOKABLE void reject();

@@ -40,8 +40,8 @@ auto WindowCapture::shareableContent(std::stop_token) -> Task<Result<ShareableCo
         content.displays.append({.identifier = quint32(content.displays.size() + 1),
                                  .frame = QRectF(screen->geometry())});
     if (m_window && m_window->isVisible())
-        content.windows.append({.identifier = quint32(m_window->winId()),
-                                .frame = windowspace::frame(*m_window)});
+        content.windows.append(
+            {.identifier = quint32(m_window->winId()), .frame = windowspace::frame(*m_window)});
     co_return content;
 }
 

@@ -197,16 +197,14 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
         },
         Qt::DirectConnection);
     if (m_configuration.capturesAudio)
-        m_audio = m_makeAudio({.sampleRate = m_configuration.audioSampleRate,
-                               .channels = m_configuration.audioChannels,
-                               .sample =
-                                   [queue = m_output.queue,
-                                    audio = m_output.audio](AudioSample sample) {
-                                       queue->post([audio, sample = std::move(sample)] {
-                                           audio(sample);
-                                       });
-                                   },
-                               .becameUnavailable = m_output.audioBecameUnavailable});
+        m_audio = m_makeAudio(
+            {.sampleRate = m_configuration.audioSampleRate,
+             .channels = m_configuration.audioChannels,
+             .sample =
+                 [queue = m_output.queue, audio = m_output.audio](AudioSample sample) {
+                     queue->post([audio, sample = std::move(sample)] { audio(sample); });
+                 },
+             .becameUnavailable = m_output.audioBecameUnavailable});
     // A picture that stands still is a picture too.
     m_window->update();
     m_pulse.start();
@@ -227,8 +225,7 @@ void WindowStream::updateSource()
         - windowspace::frame(*m_window).topLeft();
     const double scale = m_window->effectiveDevicePixelRatio();
     const QRectF source = m_configuration.sourceRect.translated(inWindow);
-    m_grabber->setSource(
-        QRectF(source.topLeft() * scale, source.size() * scale).toRect());
+    m_grabber->setSource(QRectF(source.topLeft() * scale, source.size() * scale).toRect());
 }
 
 void WindowStream::keepGoing()
