@@ -80,11 +80,14 @@ Item {
 
         active: false
         sourceComponent: Dialog {
+            property bool isAgreed: false
+
             title: "Replace File?"
             acceptText: "Replace"
             destructive: true
-            onAccepted: host.panels.replace()
-            onRejected: host.panels.chooseAnother()
+            onAccepted: isAgreed = true
+            onRejected: isAgreed = false
+            onClosed: isAgreed ? host.panels.replace() : host.panels.chooseAnother()
         }
     }
 }

@@ -17,7 +17,6 @@ Dialog {
         panels.accessoryText = accessory.text;
         isAnswered = true;
         close();
-        panels.accept(panels.fileIn(folder, name.text));
     }
 
     width: Math.min(480, parent ? parent.width - 48 : 480)
@@ -33,7 +32,8 @@ Dialog {
         name.select(0, Math.max(0, name.text.lastIndexOf(".")));
     }
     onAcceptRequested: save()
-    onClosed: if (!isAnswered) panels.reject()
+    // Only then: what is recorded shall not show the panel fading.
+    onClosed: isAnswered ? panels.accept(panels.fileIn(folder, name.text)) : panels.reject()
 
     FolderDialog {
         id: folderPanel

@@ -26,6 +26,8 @@ QString sentence(int error)
 
 std::expected<std::unique_ptr<AssetWriter>, QString> FfmpegAssetWriter::create(const QUrl &file)
 {
+    // What its encoders tell of themselves is for nobody here.
+    av_log_set_level(AV_LOG_ERROR);
     AVFormatContext *context = nullptr;
     if (const int result = avformat_alloc_output_context2(&context, nullptr, "mp4", nullptr);
         result < 0)
@@ -104,6 +106,9 @@ PacketSink FfmpegAssetWriter::sink(const AVCodecContext &codec, AVStream *stream
 {
     return [this, &codec, stream, &packets](AVPacket &packet) {
         packet.stream_index = stream->index;
+        // The last picture of all is shown as long as one is expected to be.
+        if (packet.duration == 0 && codec.framerate.num > 0)
+            packet.duration = av_rescale_q(1, av_inv_q(codec.framerate), codec.time_base);
         av_packet_rescale_ts(&packet, codec.time_base, stream->time_base);
         // Without interleaving: the tracks of a fragment need not take turns, and nothing is held
         // back for a track that is silent.

@@ -1,5 +1,7 @@
 #include "platform/ffmpeg/VideoEncoder.h"
 
+#include <QFile>
+
 #include <array>
 
 namespace lumaro {
@@ -9,9 +11,10 @@ using namespace ffmpeg;
 std::unique_ptr<VideoEncoder> VideoEncoder::create(const VideoInputSettings &settings)
 {
     static constexpr std::array<Kind, 3> kinds{{
-        {"h264_nvenc", AV_PIX_FMT_YUV420P, AV_HWDEVICE_TYPE_NONE},
-        {"h264_vaapi", AV_PIX_FMT_NV12, AV_HWDEVICE_TYPE_VAAPI},
-        {"libx264", AV_PIX_FMT_YUV420P, AV_HWDEVICE_TYPE_NONE},
+        {"h264_nvenc", AV_PIX_FMT_YUV420P, AV_HWDEVICE_TYPE_NONE, "/dev/nvidiactl", nullptr},
+        {"h264_vaapi", AV_PIX_FMT_NV12, AV_HWDEVICE_TYPE_VAAPI, "/dev/dri/renderD128", nullptr},
+        // The fastest preset that still has what makes it High profile.
+        {"libx264", AV_PIX_FMT_YUV420P, AV_HWDEVICE_TYPE_NONE, nullptr, "superfast"},
     }};
     for (const Kind &kind : kinds) {
         auto encoder = std::make_unique<VideoEncoder>();
@@ -24,7 +27,7 @@ std::unique_ptr<VideoEncoder> VideoEncoder::create(const VideoInputSettings &set
 bool VideoEncoder::open(const Kind &kind, const VideoInputSettings &settings)
 {
     const AVCodec *codec = avcodec_find_encoder_by_name(kind.name);
-    if (!codec)
+    if (!codec || (kind.deviceFile && !QFile::exists(QFile::decodeName(kind.deviceFile))))
         return false;
     m_codec.reset(avcodec_alloc_context3(codec));
     m_pixels = kind.pixels;
@@ -42,9 +45,8 @@ bool VideoEncoder::open(const Kind &kind, const VideoInputSettings &settings)
     m_codec->color_trc = AVCOL_TRC_BT709;
     m_codec->color_range = AVCOL_RANGE_MPEG;
     m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    // The fastest one that still has what makes it High profile. Other encoders know no such name.
-    av_opt_set(m_codec->priv_data, "preset", "superfast", 0);
-    av_opt_set(m_codec->priv_data, "profile", "high", 0);
+    if (kind.preset)
+        av_opt_set(m_codec->priv_data, "preset", kind.preset, 0);
     if (kind.device != AV_HWDEVICE_TYPE_NONE && !useDevice(kind, settings))
         return false;
     return avcodec_open2(m_codec.get(), codec, nullptr) >= 0;

@@ -28,6 +28,9 @@ private:
         const char *name;
         AVPixelFormat pixels;
         AVHWDeviceType device;
+        /// Without this file there is no such encoder; null for one that needs none.
+        const char *deviceFile;
+        const char *preset;
     };
 
     bool open(const Kind &kind, const VideoInputSettings &settings);
