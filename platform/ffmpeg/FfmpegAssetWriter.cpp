@@ -171,6 +171,7 @@ void FfmpegAssetWriter::finishWriting(std::function<void()> done)
             // What cannot be made ordinary plays as it is.
             (void)makeOrdinary({.path = m_path,
                                 .packets = m_videoPackets + m_audioPackets,
+                                .pictureRate = m_video->codec().framerate.num,
                                 .hasAudio = m_audioPackets > 0});
             m_status = Status::Completed;
         }

@@ -62,6 +62,9 @@ bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &
                                  to->time_base);
             packet->stream_index = to->index;
             packet->pos = -1;
+            // Fragments do not say it of each packet, and the last one would be cut off.
+            if (packet->duration == 0 && to->codecpar->codec_type == AVMEDIA_TYPE_VIDEO)
+                packet->duration = av_rescale_q(1, {1, file.pictureRate}, to->time_base);
             result = av_interleaved_write_frame(&output, packet.get());
         }
         av_packet_unref(packet.get());

@@ -9,6 +9,8 @@ struct FragmentedMp4
 {
     QString path;
     qint64 packets = 0;
+    /// Pictures a second, for how long the last one is shown.
+    int pictureRate = 0;
     /// A track without any packets is left out.
     bool hasAudio = false;
 };
