@@ -61,6 +61,7 @@ public:
     LocalM3UModel &librarySection() { return m_librarySection; }
     PlayerSurfaceRegistry &surfaces() { return m_surfaces; }
     RecordingModel &recording() { return m_recording; }
+    QuickFilePanels &panels() { return m_panels; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
 private:
