@@ -1,6 +1,9 @@
 #include "app/Application.h"
 
 #include "platform/dlib/DlibFaceDetector.h"
+#include "platform/ffmpeg/FfmpegAssetWriter.h"
+#include "platform/pulse/PulseMonitor.h"
+#include "platform/qt/ThreadQueue.h"
 #include "ui/Style.h"
 
 #include <QGuiApplication>
@@ -41,6 +44,19 @@ Application::Application(const Folders &folders)
     , m_transport(m_player)
     , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_downloads(m_downloadManager, m_player)
+    , m_capture([](AudioCaptureRequest request) {
+        return std::make_unique<PulseMonitor>(std::move(request));
+    })
+    , m_recordingController(
+          {.capture = m_capture,
+           .makeWriter = &FfmpegAssetWriter::create,
+           .makeQueue = [](const QString &label) { return std::make_unique<ThreadQueue>(label); },
+           .panels = m_panels,
+           .scheduler = m_scheduler,
+           .clock = systemClock(),
+           .surfaces = m_surfaces,
+           .moviesFolder = QUrl::fromLocalFile(folders.movies)})
+    , m_recording(m_recordingController, m_player, m_workspace, m_scheduler)
     , m_commands(m_player, m_window, m_downloads)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
@@ -99,13 +115,16 @@ bool Application::show()
         {QStringLiteral("channels"), object(m_channels)},
         {QStringLiteral("library"), object(m_librarySection)},
         {QStringLiteral("libraryCommands"), object(m_libraryCommands)},
+        {QStringLiteral("recording"), object(m_recording)},
         {QStringLiteral("panels"), object(m_panels)},
         {QStringLiteral("notifications"), object(m_notifications)},
         {QStringLiteral("finderController"), object(m_finderController)},
         {QStringLiteral("viewServices"), object(m_viewServices)},
     });
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/Main.qml")));
-    return !m_engine.rootObjects().isEmpty();
+    const auto window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
+    m_capture.setWindow(window);
+    return window;
 }
 
 bool Application::loadFinder()

@@ -7,6 +7,7 @@
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
 #include "app/ProxyRoute.h"
+#include "app/RecordingModel.h"
 #include "app/TransportModel.h"
 #include "display/PlayerHostingView.h"
 #include "finder/SnifferSavedWebsiteStore.h"
@@ -22,6 +23,7 @@
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/QtWorkspace.h"
 #include "platform/qt/QuickFilePanels.h"
+#include "platform/qt/WindowCapture.h"
 #include "player/PlayerModel.h"
 #include "playlist/ChannelListModel.h"
 
@@ -58,6 +60,8 @@ public:
     SnifferWindowController &finderWindow() { return m_finderController; }
     LocalM3UModel &librarySection() { return m_librarySection; }
     PlayerSurfaceRegistry &surfaces() { return m_surfaces; }
+    RecordingModel &recording() { return m_recording; }
+    QuickFilePanels &panels() { return m_panels; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
 private:
@@ -88,6 +92,9 @@ private:
     TransportModel m_transport;
     M3U8DownloadManager m_downloadManager;
     DownloadsModel m_downloads;
+    WindowCapture m_capture;
+    PlayerRecordingController m_recordingController;
+    RecordingModel m_recording;
     MenuCommands m_commands;
     ChannelListModel m_channels;
     LocalM3UStore m_library;

@@ -18,6 +18,7 @@ FocusScope {
     required property ChannelListModel channels
     required property LocalM3UModel library
     required property LocalM3UCommands libraryCommands
+    required property RecordingModel recording
     required property NotificationCenter notifications
     required property MpvMediaPlayer mediaPlayer
     required property PlayerViewServices viewServices
@@ -91,6 +92,11 @@ FocusScope {
             shell: root.shell
             transport: root.transport
 
+            RecordButton {
+                id: recordButton
+
+                recording: root.recording
+            }
             DisplayModeButton {
                 id: displayModeButton
 
@@ -105,6 +111,17 @@ FocusScope {
                 shortcutText: "Ctrl+D"
                 onClicked: root.library.saveCurrent()
             }
+        }
+
+        Loader {
+            anchors {
+                top: topBar.bottom
+                topMargin: Theme.spacing * 2
+                horizontalCenter: parent.horizontalCenter
+            }
+            width: Math.min(parent.width - Theme.spacing * 8, 480)
+            active: root.recording.notice !== ""
+            sourceComponent: RecordingNotice { recording: root.recording }
         }
 
         Toast {
@@ -135,7 +152,7 @@ FocusScope {
     Binding {
         target: root.shell
         property: "controlsInUse"
-        value: controlBar.inUse || displayModeButton.opened || topBar.inUse || root.holdsFocus(controlBar) || root.holdsFocus(topBar)
+        value: controlBar.inUse || displayModeButton.opened || recordButton.opened || topBar.inUse || root.holdsFocus(controlBar) || root.holdsFocus(topBar)
     }
 
     // A click on the picture ends typing, so that the keys are the player's again.

@@ -12,11 +12,12 @@ Item {
     required property bool isInFront
     property bool showsPanel: false
 
-    readonly property list<Loader> loaders: [fileLoader, saveLoader, folderLoader]
+    readonly property list<Loader> loaders: [fileLoader, saveLoader, textLoader, folderLoader]
 
     function loaderFor(kind: int): Loader {
         switch (kind) {
         case QuickFilePanels.NewFile: return saveLoader;
+        case QuickFilePanels.NewFileAndText: return textLoader;
         case QuickFilePanels.Folder: return folderLoader;
         default: return fileLoader;
         }
@@ -63,6 +64,12 @@ Item {
         readonly property var properties: ({ "panels": host.panels, "overlay": T.Overlay.overlay })
     }
     Loader {
+        id: textLoader
+
+        readonly property string panel: "TextSavePanel.qml"
+        readonly property var properties: ({ "panels": host.panels })
+    }
+    Loader {
         id: folderLoader
 
         readonly property string panel: "FolderPanel.qml"
@@ -73,11 +80,14 @@ Item {
 
         active: false
         sourceComponent: Dialog {
+            property bool isAgreed: false
+
             title: "Replace File?"
             acceptText: "Replace"
             destructive: true
-            onAccepted: host.panels.replace()
-            onRejected: host.panels.chooseAnother()
+            onAccepted: isAgreed = true
+            onRejected: isAgreed = false
+            onClosed: isAgreed ? host.panels.replace() : host.panels.chooseAnother()
         }
     }
 }

@@ -12,6 +12,8 @@ struct Folders
     QString cache;
     /// Where downloads go: the first that exists.
     QStringList downloads;
+    /// Where recordings go unless the user says otherwise.
+    QString movies{};
 
     /// Those of the XDG Base Directory Specification, and the user's own for downloads.
     static Folders standard();

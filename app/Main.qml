@@ -19,6 +19,7 @@ Window {
     required property LocalM3UModel library
     required property LocalM3UCommands libraryCommands
     required property QuickFilePanels panels
+    required property RecordingModel recording
     required property NotificationCenter notifications
     required property SnifferWindowController finderController
     required property PlayerViewServices viewServices
@@ -86,10 +87,20 @@ Window {
         channels: window.channels
         library: window.library
         libraryCommands: window.libraryCommands
+        recording: window.recording
         notifications: window.notifications
         mediaPlayer: window.mediaPlayer
         viewServices: window.viewServices
         picture: MpvVideoItem { player: window.mediaPlayer }
+    }
+
+    Loader {
+        active: window.recording.controller.recordingPanelShown
+        sourceComponent: RecordingPanel {
+            recording: window.recording
+            transientParent: window
+            visible: true
+        }
     }
 
     FilePanelHost {

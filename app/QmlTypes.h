@@ -5,6 +5,7 @@
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
+#include "app/RecordingModel.h"
 #include "app/TransportModel.h"
 #include "display/PlayerHostingView.h"
 #include "platform/NotificationCenter.h"
@@ -93,6 +94,22 @@ struct QuickFilePanelsForQml
     Q_GADGET
     QML_FOREIGN(lumaro::QuickFilePanels)
     QML_NAMED_ELEMENT(QuickFilePanels)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct PlayerRecordingControllerForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::PlayerRecordingController)
+    QML_NAMED_ELEMENT(PlayerRecordingController)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct RecordingModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::RecordingModel)
+    QML_NAMED_ELEMENT(RecordingModel)
     QML_UNCREATABLE("Made by the composition root.")
 };
 

@@ -39,6 +39,26 @@ struct SavePanelRequest
     bool operator==(const SavePanelRequest &) const = default;
 };
 
+/// One optional text that a save panel asks for beside the file.
+struct SavePanelAccessory
+{
+    QString label;
+    QString placeholder;
+    QString toolTip;
+    QString hint;
+    /// Where the panel begins.
+    QUrl folder;
+
+    bool operator==(const SavePanelAccessory &) const = default;
+};
+
+/// What the user chose in a save panel with an accessory.
+struct SavePanelChoice
+{
+    QUrl file;
+    QString text;
+};
+
 /// What a folder panel asks for: one existing folder.
 struct FolderPanelRequest
 {
@@ -68,6 +88,10 @@ public:
     /// cancels or another panel is already open.
     virtual Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
                                                     std::stop_token stop) = 0;
+
+    /// The same, with the accessory's text.
+    virtual Task<std::optional<SavePanelChoice>>
+    chooseNewFile(SavePanelRequest request, SavePanelAccessory accessory, std::stop_token stop) = 0;
 
     /// The chosen folder's URL; empty when the user cancels or another panel is already open.
     virtual Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,

@@ -17,6 +17,9 @@ public:
     /// Brings the platform's file browser to the front with `files` selected, or at least with
     /// their folder open.
     virtual void activateFileViewer(const QList<QUrl> &files) = 0;
+
+    /// Shows where the user allows programs to capture the screen.
+    virtual void openScreenCaptureSettings() = 0;
 };
 
 } // namespace lumaro

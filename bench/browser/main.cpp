@@ -15,8 +15,8 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QTest>
 #include <QtWebEngineQuick>
+#include <qtestsupport_core.h>
 
 #include <algorithm>
 

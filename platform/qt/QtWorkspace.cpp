@@ -5,6 +5,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDesktopServices>
+#include <QProcess>
 
 namespace lumaro {
 
@@ -41,6 +42,14 @@ void QtWorkspace::activateFileViewer(const QList<QUrl> &files)
                 if (finished->isError())
                     openFolder(file);
             });
+}
+
+void QtWorkspace::openScreenCaptureSettings()
+{
+    // Desktops here have no address for one page of their settings.
+    if (!QProcess::startDetached(QStringLiteral("gnome-control-center"),
+                                 {QStringLiteral("privacy")}))
+        QProcess::startDetached(QStringLiteral("systemsettings"), {});
 }
 
 } // namespace lumaro

@@ -1,5 +1,6 @@
 #include "platform/qt/QuickFilePanels.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -60,6 +61,40 @@ Task<std::optional<QUrl>> QuickFilePanels::chooseNewFile(SavePanelRequest reques
         std::move(stop));
 }
 
+Task<std::optional<SavePanelChoice>> QuickFilePanels::chooseNewFile(SavePanelRequest request,
+                                                                    SavePanelAccessory accessory,
+                                                                    std::stop_token stop)
+{
+    if (m_open)
+        co_return std::nullopt;
+    const QUrl folder = accessory.folder;
+    m_accessoryText.clear();
+    Q_EMIT accessoryTextChanged();
+    auto shown = show(
+        {.kind = Kind::NewFileAndText,
+         .title = request.title,
+         .prompt = request.prompt,
+         .folder = folder,
+         .proposedFile = QUrl::fromLocalFile(folder.toLocalFile() + u'/' + request.proposedName),
+         .defaultSuffix = request.extension,
+         .accessory = std::move(accessory)},
+        std::move(stop));
+    const auto file = co_await shown;
+    if (!file)
+        co_return std::nullopt;
+    co_return SavePanelChoice{.file = *file, .text = m_accessoryText};
+}
+
+QUrl QuickFilePanels::fileIn(const QUrl &folder, const QString &name) const
+{
+    const QString suffix = u'.' + m_panel.defaultSuffix;
+    // A name is no path.
+    QString file = name.trimmed().replace(u'/', u'-');
+    if (!file.endsWith(suffix, Qt::CaseInsensitive))
+        file += suffix;
+    return QUrl::fromLocalFile(folder.toLocalFile() + u'/' + file);
+}
+
 Task<std::optional<QUrl>> QuickFilePanels::chooseFolder(FolderPanelRequest request,
                                                         std::stop_token stop)
 {
@@ -86,15 +121,20 @@ Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token sto
     co_return co_await choice;
 }
 
+QString QuickFilePanels::pathOf(const QUrl &folder) const
+{
+    return QDir::toNativeSeparators(folder.toLocalFile());
+}
+
 void QuickFilePanels::accept(const QUrl &chosen)
 {
     const QUrl file = withScheme(chosen);
-    const bool isNewFile = m_panel.kind == Kind::NewFile;
-    if (isNewFile)
+    const bool isNewFile = m_panel.kind == Kind::NewFile || m_panel.kind == Kind::NewFileAndText;
+    if (m_panel.kind == Kind::NewFile)
         m_newFileFolder = folderOf(file);
     if (!isNewFile || !QFileInfo::exists(file.toLocalFile()))
         return answer(file);
-    m_panel.folder = m_newFileFolder;
+    m_panel.folder = folderOf(file);
     m_panel.proposedFile = file;
     Q_EMIT proposedFileChanged();
     Q_EMIT replacingAsked();

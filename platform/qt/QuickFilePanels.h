@@ -23,11 +23,18 @@ class QuickFilePanels : public QObject, public FilePanels
     Q_PROPERTY(QString proposedName READ proposedName NOTIFY proposedFileChanged)
     /// The extension that such a panel adds to a name without one.
     Q_PROPERTY(QString defaultSuffix READ defaultSuffix NOTIFY openRequested)
+    /// The texts around the further text, and that text itself.
+    Q_PROPERTY(QString accessoryLabel READ accessoryLabel NOTIFY openRequested)
+    Q_PROPERTY(QString accessoryPlaceholder READ accessoryPlaceholder NOTIFY openRequested)
+    Q_PROPERTY(QString accessoryToolTip READ accessoryToolTip NOTIFY openRequested)
+    Q_PROPERTY(QString accessoryHint READ accessoryHint NOTIFY openRequested)
+    Q_PROPERTY(QString accessoryText MEMBER m_accessoryText NOTIFY accessoryTextChanged)
 
 public:
     enum class Kind {
         File, ///< an existing file
         NewFile, ///< a file to write
+        NewFileAndText, ///< a file to write, and one text more
         Folder, ///< an existing folder
     };
     Q_ENUM(Kind)
@@ -39,6 +46,10 @@ public:
     Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
                                             std::stop_token stop) override;
 
+    Task<std::optional<SavePanelChoice>> chooseNewFile(SavePanelRequest request,
+                                                       SavePanelAccessory accessory,
+                                                       std::stop_token stop) override;
+
     Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,
                                            std::stop_token stop) override;
 
@@ -49,8 +60,16 @@ public:
     const QUrl &folder() const { return m_panel.folder; }
     const QUrl &proposedFile() const { return m_panel.proposedFile; }
     const QString &defaultSuffix() const { return m_panel.defaultSuffix; }
+    const QString &accessoryLabel() const { return m_panel.accessory.label; }
+    const QString &accessoryPlaceholder() const { return m_panel.accessory.placeholder; }
+    const QString &accessoryToolTip() const { return m_panel.accessory.toolTip; }
+    const QString &accessoryHint() const { return m_panel.accessory.hint; }
     QString proposedName() const { return m_panel.proposedFile.fileName(); }
 
+    /// The file named `name` in `folder`, with the panel's extension.
+    Q_INVOKABLE QUrl fileIn(const QUrl &folder, const QString &name) const;
+    /// As the user's desktop writes it.
+    Q_INVOKABLE QString pathOf(const QUrl &folder) const;
     /// A new file that exists already is asked about first.
     Q_INVOKABLE void accept(const QUrl &chosen);
     Q_INVOKABLE void reject();
@@ -62,6 +81,7 @@ public:
 Q_SIGNALS:
     void openRequested();
     void proposedFileChanged();
+    void accessoryTextChanged();
     /// The view asks whether to replace the file, and answers with replace() or chooseAnother().
     void replacingAsked();
     /// Whoever asked no longer wants an answer.
@@ -77,12 +97,14 @@ private:
         QUrl folder{};
         QUrl proposedFile{};
         QString defaultSuffix{};
+        SavePanelAccessory accessory{};
     };
 
     Task<std::optional<QUrl>> show(Panel panel, std::stop_token stop);
     void answer(const std::optional<QUrl> &file);
 
     Panel m_panel{};
+    QString m_accessoryText;
     std::optional<OneShot<std::optional<QUrl>>> m_open;
     /// Of the last file that was written.
     QUrl m_newFileFolder;

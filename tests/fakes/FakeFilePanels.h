@@ -31,6 +31,18 @@ public:
         co_return std::as_const(choice);
     }
 
+    Task<std::optional<SavePanelChoice>>
+    chooseNewFile(SavePanelRequest request, SavePanelAccessory accessory, std::stop_token) override
+    {
+        saveRequests.append(request);
+        accessories.append(accessory);
+        if (whileOpen)
+            whileOpen();
+        if (!choice)
+            co_return std::nullopt;
+        co_return SavePanelChoice{.file = *choice, .text = text};
+    }
+
     Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request, std::stop_token) override
     {
         folderRequests.append(request);
@@ -39,8 +51,11 @@ public:
 
     /// What the user picks; empty for Cancel.
     std::optional<QUrl> choice;
-    /// What happens before the user picks a file.
+    /// What happens before the user picks a file, in a panel that asks for it.
     std::function<void()> whileOpen;
+    /// What the user types into a panel's accessory.
+    QString text;
+    QList<SavePanelAccessory> accessories;
     QList<OpenPanelRequest> requests;
     QList<SavePanelRequest> saveRequests;
     QList<FolderPanelRequest> folderRequests;

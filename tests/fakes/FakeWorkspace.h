@@ -10,7 +10,10 @@ class FakeWorkspace final : public Workspace
 public:
     void activateFileViewer(const QList<QUrl> &files) override { shown.append(files); }
 
+    void openScreenCaptureSettings() override { ++settingsOpened; }
+
     QList<QUrl> shown;
+    int settingsOpened = 0;
 };
 
 } // namespace lumaro

@@ -16,8 +16,10 @@ AppWorld::AppWorld()
 
 void AppWorld::start()
 {
-    m_application = std::make_unique<Application>(Folders{
-        m_folder.filePath(u"settings"_s), m_folder.filePath(u"cache"_s), {m_folder.path()}});
+    m_application = std::make_unique<Application>(Folders{m_folder.filePath(u"settings"_s),
+                                                          m_folder.filePath(u"cache"_s),
+                                                          {m_folder.path()},
+                                                          m_folder.path()});
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));

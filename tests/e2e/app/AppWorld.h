@@ -38,6 +38,7 @@ public:
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
     SnifferProxyManager &proxy() { return m_application->proxy(); }
     PlayerSurfaceRegistry &surfaces() { return m_application->surfaces(); }
+    RecordingModel &recording() { return m_application->recording(); }
     QQuickWindow &window() { return *m_window; }
     SnifferViewModel &finder() { return m_application->finder(); }
     SnifferWindowController &finderController() { return m_application->finderWindow(); }

@@ -1,0 +1,103 @@
+#include "platform/ffmpeg/Mp4Remuxer.h"
+
+#include "platform/ffmpeg/Handles.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QMap>
+
+#include <cstdio>
+
+namespace lumaro {
+
+using namespace ffmpeg;
+
+namespace {
+
+/// What the index takes at most, in bytes: duration, size, position, and being a key frame.
+constexpr qint64 indexPerPacket = 48;
+constexpr qint64 indexBase = 16 * 1024;
+
+QByteArray urlOf(const QString &path)
+{
+    return "file:" + QFile::encodeName(path);
+}
+
+Output openOutput(const QString &path)
+{
+    AVFormatContext *context = nullptr;
+    if (avformat_alloc_output_context2(&context, nullptr, "mp4", nullptr) < 0)
+        return nullptr;
+    Output output(context);
+    return avio_open(&output->pb, urlOf(path).constData(), AVIO_FLAG_WRITE) < 0 ? nullptr
+                                                                                : std::move(output);
+}
+
+bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &file)
+{
+    QMap<int, AVStream *> streams;
+    for (unsigned i = 0; i < input.nb_streams; ++i) {
+        const AVStream &from = *input.streams[i];
+        if (from.codecpar->codec_type == AVMEDIA_TYPE_AUDIO && !file.hasAudio)
+            continue;
+        AVStream *to = avformat_new_stream(&output, nullptr);
+        if (!to || avcodec_parameters_copy(to->codecpar, from.codecpar) < 0)
+            return false;
+        to->codecpar->codec_tag = 0;
+        to->time_base = from.time_base;
+        streams.insert(int(i), to);
+    }
+    AVDictionary *options = nullptr;
+    av_dict_set_int(&options, "moov_size", indexBase + file.packets * indexPerPacket, 0);
+    const int begun = avformat_write_header(&output, &options);
+    av_dict_free(&options);
+    if (begun < 0)
+        return false;
+
+    const Packet packet(av_packet_alloc());
+    int result = 0;
+    while (result >= 0 && (result = av_read_frame(&input, packet.get())) >= 0) {
+        if (AVStream *to = streams.value(packet->stream_index)) {
+            av_packet_rescale_ts(packet.get(), input.streams[packet->stream_index]->time_base,
+                                 to->time_base);
+            packet->stream_index = to->index;
+            packet->pos = -1;
+            // Fragments do not say it of each packet, and the last one would be cut off.
+            if (packet->duration == 0 && to->codecpar->codec_type == AVMEDIA_TYPE_VIDEO)
+                packet->duration = av_rescale_q(1, {1, file.pictureRate}, to->time_base);
+            result = av_interleaved_write_frame(&output, packet.get());
+        }
+        av_packet_unref(packet.get());
+    }
+    if (result != AVERROR_EOF || av_write_trailer(&output) < 0)
+        return false;
+    avio_flush(output.pb);
+    return output.pb->error >= 0;
+}
+
+} // namespace
+
+bool makeOrdinary(const FragmentedMp4 &file)
+{
+    const QFileInfo info(file.path);
+    const QString beside = info.absolutePath() + u"/." + info.fileName() + u".part";
+    bool copied = false;
+    {
+        AVFormatContext *opened = nullptr;
+        if (avformat_open_input(&opened, urlOf(file.path).constData(), nullptr, nullptr) < 0)
+            return false;
+        const Input input(opened);
+        const Output output = openOutput(beside);
+        copied = output && avformat_find_stream_info(input.get(), nullptr) >= 0
+            && copy(*input, *output, file);
+    }
+    const bool replaced = copied
+        && std::rename(QFile::encodeName(beside).constData(),
+                       QFile::encodeName(file.path).constData())
+            == 0;
+    if (!replaced)
+        QFile::remove(beside);
+    return replaced;
+}
+
+} // namespace lumaro

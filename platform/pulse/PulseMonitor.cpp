@@ -1,0 +1,118 @@
+#include "platform/pulse/PulseMonitor.h"
+
+#include <cstring>
+
+namespace lumaro {
+
+namespace {
+
+/// A piece of sound, in seconds.
+constexpr double pieceLength = 0.02;
+
+} // namespace
+
+PulseMonitor::PulseMonitor(AudioCaptureRequest request)
+    : m_request(std::move(request))
+    , m_loop(pa_threaded_mainloop_new())
+{
+    m_context = pa_context_new(pa_threaded_mainloop_get_api(m_loop), "Lumaro");
+    pa_context_set_state_callback(
+        m_context,
+        [](pa_context *, void *self) { static_cast<PulseMonitor *>(self)->contextChanged(); },
+        this);
+    // Without a sound server there is no sound to record either.
+    if (pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+        giveUp();
+    else
+        pa_threaded_mainloop_start(m_loop);
+}
+
+PulseMonitor::~PulseMonitor()
+{
+    pa_threaded_mainloop_lock(m_loop);
+    m_gaveUp = true;
+    if (m_stream) {
+        pa_stream_disconnect(m_stream);
+        pa_stream_unref(m_stream);
+    }
+    pa_context_disconnect(m_context);
+    pa_context_unref(m_context);
+    pa_threaded_mainloop_unlock(m_loop);
+    pa_threaded_mainloop_stop(m_loop);
+    pa_threaded_mainloop_free(m_loop);
+}
+
+void PulseMonitor::giveUp()
+{
+    if (!std::exchange(m_gaveUp, true))
+        m_request.becameUnavailable();
+}
+
+void PulseMonitor::contextChanged()
+{
+    const pa_context_state_t state = pa_context_get_state(m_context);
+    if (state == PA_CONTEXT_READY)
+        openStream();
+    else if (!PA_CONTEXT_IS_GOOD(state))
+        giveUp();
+}
+
+void PulseMonitor::openStream()
+{
+    const pa_sample_spec format{.format = PA_SAMPLE_FLOAT32NE,
+                                .rate = uint32_t(m_request.sampleRate),
+                                .channels = uint8_t(m_request.channels)};
+    m_stream = pa_stream_new(m_context, "Recording", &format, nullptr);
+    if (!m_stream)
+        return giveUp();
+    pa_stream_set_state_callback(
+        m_stream,
+        [](pa_stream *, void *self) { static_cast<PulseMonitor *>(self)->streamChanged(); }, this);
+    pa_stream_set_read_callback(
+        m_stream,
+        [](pa_stream *, size_t, void *self) { static_cast<PulseMonitor *>(self)->read(); }, this);
+    constexpr auto byServer = uint32_t(-1);
+    const auto piece =
+        uint32_t(pieceLength * m_request.sampleRate) * uint32_t(pa_frame_size(&format));
+    const pa_buffer_attr buffer{.maxlength = byServer,
+                                .tlength = byServer,
+                                .prebuf = byServer,
+                                .minreq = byServer,
+                                .fragsize = piece};
+    const auto flags = pa_stream_flags_t(PA_STREAM_ADJUST_LATENCY | PA_STREAM_INTERPOLATE_TIMING
+                                         | PA_STREAM_AUTO_TIMING_UPDATE);
+    if (pa_stream_connect_record(m_stream, "@DEFAULT_MONITOR@", &buffer, flags) < 0)
+        giveUp();
+}
+
+void PulseMonitor::streamChanged()
+{
+    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream)))
+        giveUp();
+}
+
+void PulseMonitor::read()
+{
+    const void *data = nullptr;
+    size_t bytes = 0;
+    while (pa_stream_readable_size(m_stream) > 0 && pa_stream_peek(m_stream, &data, &bytes) >= 0
+           && bytes > 0) {
+        pa_usec_t latency = 0;
+        int isNegative = 0;
+        // Unknown until the server has answered once; then as near as can be told.
+        if (pa_stream_get_latency(m_stream, &latency, &isNegative) < 0)
+            latency = pa_bytes_to_usec(bytes, pa_stream_get_sample_spec(m_stream));
+        // Sound that is still on its way to the ear lies in the future.
+        const std::chrono::microseconds age(isNegative ? -qint64(latency) : qint64(latency));
+        if (data) {
+            AudioSample sample{.presentationTime = mediaTimeNow() - age,
+                               .channels = m_request.channels,
+                               .data = std::vector<float>(bytes / sizeof(float))};
+            std::memcpy(sample.data.data(), data, sample.data.size() * sizeof(float));
+            m_request.sample(std::move(sample));
+        }
+        pa_stream_drop(m_stream);
+    }
+}
+
+} // namespace lumaro

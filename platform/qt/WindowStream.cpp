@@ -1,0 +1,280 @@
+#include "platform/qt/WindowStream.h"
+
+#include "platform/qt/FrameGrabber.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+#include <QRunnable>
+#include <QScreen>
+
+#include <cstring>
+
+namespace lumaro {
+
+Q_LOGGING_CATEGORY(captureLog, "lumaro.capture", QtWarningMsg)
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto pulse = 100ms;
+/// After as long without a new picture, the last one is repeated.
+constexpr auto longestStill = 450ms;
+/// A window that is not shown does no work for anybody.
+constexpr auto longestStop = 1s;
+
+/// Work on the render thread; `done` is called on the main thread even if the work never is.
+class RenderJob final : public QRunnable
+{
+public:
+    RenderJob(std::function<void()> work, std::function<void()> done)
+        : m_work(std::move(work))
+        , m_done(std::move(done))
+    {
+    }
+    ~RenderJob() override
+    {
+        if (m_done && qApp)
+            QMetaObject::invokeMethod(qApp, m_done, Qt::QueuedConnection);
+    }
+    RenderJob(const RenderJob &) = delete;
+    RenderJob &operator=(const RenderJob &) = delete;
+
+    void run() override { m_work(); }
+
+private:
+    std::function<void()> m_work;
+    std::function<void()> m_done;
+};
+
+VideoSample deepCopy(const VideoSample &sample)
+{
+    const qsizetype stride = std::abs(sample.bytesPerLine);
+    const auto pixels = std::make_shared<std::vector<uchar>>(size_t(stride * sample.size.height()));
+    for (int row = 0; row < sample.size.height(); ++row)
+        std::memcpy(pixels->data() + row * stride, sample.topRow + row * sample.bytesPerLine,
+                    size_t(stride));
+    return {.presentationTime = sample.presentationTime,
+            .size = sample.size,
+            .topRow = pixels->data(),
+            .bytesPerLine = stride,
+            .owner = pixels};
+}
+
+} // namespace
+
+namespace windowspace {
+
+QRectF frame(const QQuickWindow &window)
+{
+    QRectF frame = window.geometry();
+    // Wayland tells nobody where a window is.
+    if (QGuiApplication::platformName().startsWith(u"wayland") && window.screen())
+        frame.moveTopLeft(window.screen()->geometry().topLeft());
+    return frame;
+}
+
+QRectF display(quint32 identifier)
+{
+    const QScreen *screen = QGuiApplication::screens().value(qsizetype(identifier) - 1);
+    return screen ? screen->geometry() : QRectF();
+}
+
+} // namespace windowspace
+
+/// Puts the pictures on the queue in the order of their times. On any thread.
+class WindowStream::Feed
+{
+public:
+    explicit Feed(CaptureOutput output)
+        : m_output(std::move(output))
+    {
+    }
+
+    void deliver(const VideoSample &sample)
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_ended || (m_last.isDataReady() && sample.presentationTime <= m_last.presentationTime))
+            return;
+        m_last = sample;
+        m_output.queue->post([sample, screen = m_output.screen] { screen(sample); });
+    }
+
+    /// Shows the last picture once more, as of now.
+    void repeat()
+    {
+        VideoSample again = last();
+        again.presentationTime = mediaTimeNow();
+        if (again.isDataReady())
+            deliver(again);
+    }
+
+    /// From now on the last picture is nobody else's.
+    void detachLast()
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_last.isDataReady())
+            m_last = deepCopy(m_last);
+    }
+
+    void end()
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_ended = true;
+    }
+
+    VideoSample last() const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_last;
+    }
+
+private:
+    const CaptureOutput m_output;
+    mutable std::mutex m_mutex;
+    VideoSample m_last;
+    bool m_ended = false;
+};
+
+WindowStream::WindowStream(QQuickWindow *window, SystemAudio audio,
+                           CaptureConfiguration configuration, CaptureOutput output)
+    : m_window(window)
+    , m_makeAudio(std::move(audio))
+    , m_configuration(std::move(configuration))
+    , m_output(std::move(output))
+    , m_feed(std::make_shared<Feed>(m_output))
+    , m_grabber(std::make_shared<FrameGrabber>(FrameGrabber::Settings{
+          .outputSize = m_configuration.outputSize,
+          .minimumInterval = m_configuration.minimumFrameInterval,
+          .depth = m_configuration.queueDepth,
+          .deliver = [feed = m_feed](const VideoSample &sample) { feed->deliver(sample); }}))
+{
+    m_pulse.setInterval(pulse);
+    m_pulse.callOnTimeout(this, &WindowStream::keepGoing);
+}
+
+WindowStream::~WindowStream()
+{
+    m_audio.reset();
+    m_feed->end();
+    detach();
+    m_feed->detachLast();
+    if (m_window)
+        m_window->scheduleRenderJob(
+            new RenderJob([grabber = m_grabber] { grabber->release(); }, {}),
+            QQuickWindow::NoStage);
+}
+
+Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
+{
+    if (!m_window)
+        co_return std::unexpected(QStringLiteral("The window to capture is gone."));
+    updateSource();
+    const auto height = std::make_shared<int>(0);
+    QQuickWindow *const window = m_window;
+    // Both on the render thread; in the first one the main thread waits.
+    connect(
+        window, &QQuickWindow::afterSynchronizing, this,
+        [window, height] {
+            *height = qRound(window->height() * window->effectiveDevicePixelRatio());
+        },
+        Qt::DirectConnection);
+    connect(
+        window, &QQuickWindow::afterRendering, this,
+        [window, height, grabber = m_grabber] {
+            window->beginExternalCommands();
+            grabber->frameRendered(*height);
+            window->endExternalCommands();
+        },
+        Qt::DirectConnection);
+    connect(
+        window, &QQuickWindow::sceneGraphInvalidated, this,
+        [grabber = m_grabber, feed = m_feed, failed = m_output.didStopWithError] {
+            feed->detachLast();
+            grabber->release();
+            failed(QStringLiteral("The window is no longer drawn."));
+        },
+        Qt::DirectConnection);
+    if (m_configuration.capturesAudio)
+        m_audio = m_makeAudio(
+            {.sampleRate = m_configuration.audioSampleRate,
+             .channels = m_configuration.audioChannels,
+             .sample =
+                 [queue = m_output.queue, audio = m_output.audio](AudioSample sample) {
+                     queue->post([audio, sample = std::move(sample)] { audio(sample); });
+                 },
+             .becameUnavailable = m_output.audioBecameUnavailable});
+    // A picture that stands still is a picture too.
+    m_window->update();
+    m_pulse.start();
+    co_return {};
+}
+
+void WindowStream::setSourceRect(const QRectF &rect)
+{
+    m_configuration.sourceRect = rect;
+    updateSource();
+}
+
+void WindowStream::updateSource()
+{
+    if (!m_window)
+        return;
+    const QPointF inWindow = windowspace::display(m_configuration.display).topLeft()
+        - windowspace::frame(*m_window).topLeft();
+    const double scale = m_window->effectiveDevicePixelRatio();
+    const QRectF source = m_configuration.sourceRect.translated(inWindow);
+    m_grabber->setSource(QRectF(source.topLeft() * scale, source.size() * scale).toRect());
+}
+
+void WindowStream::keepGoing()
+{
+    if (!m_window)
+        return;
+    const auto still = mediaTimeNow() - m_feed->last().presentationTime;
+    if (m_grabber->isReading() && still > pulse)
+        m_window->scheduleRenderJob(
+            new RenderJob([grabber = m_grabber] { grabber->collect(false); }, {}),
+            QQuickWindow::NoStage);
+    else if (still > longestStill)
+        m_feed->repeat();
+}
+
+Task<> WindowStream::stopCapture()
+{
+    const MediaTime end = mediaTimeNow();
+    detach();
+    const OneShot<bool> stopped;
+    if (m_window) {
+        m_window->scheduleRenderJob(new RenderJob(
+                                        [grabber = m_grabber, feed = m_feed] {
+                                            grabber->collect(true);
+                                            feed->detachLast();
+                                            grabber->release();
+                                        },
+                                        [stopped] { stopped.complete(true); }),
+                                    QQuickWindow::NoStage);
+        QTimer::singleShot(longestStop, qApp, [stopped] { stopped.complete(false); });
+        co_await stopped;
+    }
+    VideoSample last = m_feed->last();
+    last.presentationTime = end;
+    if (last.isDataReady())
+        m_feed->deliver(last);
+    m_feed->end();
+    m_audio.reset();
+    const FrameGrabber::Statistics seen = m_grabber->statistics();
+    qCDebug(captureLog, "drawn %d grabbed %d left out %d render thread us per grabbed %.1f",
+            seen.rendered, seen.grabbed, seen.leftOut,
+            double(seen.time.count()) / 1000 / std::max(seen.grabbed, 1));
+}
+
+void WindowStream::detach()
+{
+    m_pulse.stop();
+    if (m_window)
+        m_window->disconnect(this);
+}
+
+} // namespace lumaro

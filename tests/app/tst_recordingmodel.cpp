@@ -1,0 +1,164 @@
+#include "app/RecordingModel.h"
+#include "tests/app/ShellWorld.h"
+#include "tests/fakes/FakeAssetWriter.h"
+#include "tests/fakes/FakeScreenCapture.h"
+
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace lumaro;
+
+namespace {
+
+class FakeSurface : public QObject, public PlayerRecordingSurface
+{
+public:
+    QQuickItem *recordingView() override { return nullptr; }
+    QRectF recordingRectInView() const override { return {0, 0, 640, 360}; }
+};
+
+const uchar pixels[16] = {};
+
+struct World : ShellWorld
+{
+    World()
+    {
+        capture.content =
+            ShareableContent{.displays = {{.identifier = 1, .frame = {0, 0, 1000, 800}}},
+                             .windows = {{.identifier = 7, .frame = {0, 0, 640, 360}}}};
+        surfaces.setCurrentSurface(&surface);
+        panels.choice = file;
+    }
+    void settle()
+    {
+        queue->run();
+        QCoreApplication::processEvents();
+    }
+    /// Records one picture and stops.
+    void recordSomething()
+    {
+        recording.toggle();
+        queue->post([this] {
+            capture.output->screen({.presentationTime = 1ms,
+                                    .size = {2, 2},
+                                    .topRow = pixels,
+                                    .bytesPerLine = 8,
+                                    .owner = {}});
+        });
+        recording.toggle();
+    }
+
+    QUrl file = QUrl::fromLocalFile(saveFolder.filePath(u"a.mp4"_s));
+    FakeSurface surface;
+    FakeScreenCapture capture;
+    FakeAsset asset;
+    QString refusal;
+    PlayerSurfaceRegistry surfaces;
+    FakeSerialQueue *queue = nullptr;
+    PlayerRecordingController controller{{.capture = capture,
+                                          .makeWriter = fakeAssetWriters(asset, refusal),
+                                          .makeQueue =
+                                              [this](const QString &) {
+                                                  auto made = std::make_unique<FakeSerialQueue>();
+                                                  queue = made.get();
+                                                  return made;
+                                              },
+                                          .panels = panels,
+                                          .scheduler = scheduler,
+                                          .clock = systemClock(),
+                                          .surfaces = surfaces,
+                                          .moviesFolder = {}}};
+    RecordingModel recording{controller, player, workspace, scheduler};
+};
+
+} // namespace
+
+class RecordingModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void buttonFollowsTheState();
+    void tellsWhereTheFileIs();
+    void tellsOfErrors();
+    void offersTheSettings();
+    void tellsOfMissingSound();
+};
+
+void RecordingModelTest::buttonFollowsTheState()
+{
+    World world;
+    QCOMPARE(world.recording.normalTitle(), u"Normal Recording"_s);
+    QCOMPARE(world.recording.hdTitle(), u"HD Recording (1080p)"_s);
+    QCOMPARE(world.recording.buttonText(), u"Record"_s);
+    world.recording.startHd();
+    QCOMPARE(world.asset.video->width, 1920);
+    QVERIFY(world.recording.isRecording());
+    QCOMPARE(world.recording.buttonText(), u"Stop Recording"_s);
+    world.recording.stop();
+    QVERIFY(!world.recording.isReady());
+    QCOMPARE(world.recording.buttonText(), u"Saving Recording…"_s);
+    world.settle();
+    QVERIFY(world.recording.isReady());
+}
+
+void RecordingModelTest::tellsWhereTheFileIs()
+{
+    World world;
+    world.recordSomething();
+    world.settle();
+    QCOMPARE(world.recording.notice(), u"The MP4 recording was saved."_s);
+    QVERIFY(!world.recording.noticeIsError());
+    QCOMPARE(world.recording.savedPath(), world.file.toLocalFile());
+    world.recording.showInFolder();
+    QCOMPARE(world.workspace.shown, QList{world.file});
+    world.scheduler.advance(RecordingModel::noticeDuration);
+    QVERIFY(world.recording.notice().isEmpty());
+    QVERIFY(world.recording.savedPath().isEmpty());
+}
+
+void RecordingModelTest::tellsOfErrors()
+{
+    World world;
+    world.recordSomething();
+    world.settle();
+    world.panels.text = u"45s"_s;
+    world.recording.startNormal();
+    QVERIFY(world.recording.noticeIsError());
+    QVERIFY(world.recording.savedPath().isEmpty());
+    QVERIFY(!world.recording.offersSettings());
+    // The end of the notice before does not take this one away.
+    world.scheduler.advance(60s);
+    QVERIFY(world.recording.notice().startsWith(u"Enter a valid duration"));
+    world.recording.dismissNotice();
+    QVERIFY(world.recording.notice().isEmpty());
+    // The same error again is told again.
+    world.recording.startNormal();
+    QVERIFY(world.recording.noticeIsError());
+    world.panels.text.clear();
+    world.recording.startNormal();
+    QVERIFY(world.recording.notice().isEmpty());
+}
+
+void RecordingModelTest::offersTheSettings()
+{
+    World world;
+    world.capture.allowed = false;
+    world.recording.startNormal();
+    QVERIFY(world.recording.offersSettings());
+    world.recording.openSystemSettings();
+    QCOMPARE(world.workspace.settingsOpened, 1);
+}
+
+void RecordingModelTest::tellsOfMissingSound()
+{
+    World world;
+    world.recording.startNormal();
+    world.capture.output->audioBecameUnavailable();
+    world.settle();
+    QCOMPARE(world.player.toastMessage(), u"Recording without sound: there is no audio output."_s);
+}
+
+QTEST_GUILESS_MAIN(RecordingModelTest)
+#include "tst_recordingmodel.moc"

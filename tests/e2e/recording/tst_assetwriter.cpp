@@ -1,0 +1,306 @@
+#include "platform/ffmpeg/FfmpegAssetWriter.h"
+#include "recording/PlayerCaptureWriter.h"
+#include "tests/e2e/download/MountedFolder.h"
+#include "tests/e2e/servers/ChildProcess.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtEndian>
+
+#include <csignal>
+#include <thread>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace lumaro;
+
+namespace {
+
+constexpr QSize size(320, 180);
+constexpr int rate = 48'000;
+
+VideoSample noise(MediaTime time)
+{
+    const auto pixels = std::make_shared<std::vector<uchar>>(size.width() * size.height() * 4);
+    QRandomGenerator::global()->fillRange(reinterpret_cast<quint32 *>(pixels->data()),
+                                          qsizetype(pixels->size() / 4));
+    return {.presentationTime = time,
+            .size = size,
+            .topRow = pixels->data(),
+            .bytesPerLine = qsizetype(size.width()) * 4,
+            .owner = pixels};
+}
+
+/// A hundredth of a second of a tone, or of silence.
+AudioSample sound(MediaTime time, bool loud = true)
+{
+    AudioSample sample{.presentationTime = time, .channels = 2, .data = std::vector<float>(960)};
+    for (size_t i = 0; loud && i < sample.data.size(); ++i)
+        sample.data[i] = i / 2 % 96 < 48 ? 0.3F : -0.3F;
+    return sample;
+}
+
+QString run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(120'000);
+    return QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError())
+        .trimmed();
+}
+
+QString probe(const QString &file, const QString &what, const QString &stream = {})
+{
+    QStringList arguments{u"-v"_s, u"error"_s, u"-show_entries"_s,
+                          what,    u"-of"_s,   u"csv=p=0:nk=1"_s};
+    if (!stream.isEmpty())
+        arguments << u"-select_streams"_s << stream;
+    return run(u"ffprobe"_s, arguments << file);
+}
+
+/// What ffmpeg complains of when it decodes all of the file.
+QString complaints(const QString &file)
+{
+    return run(
+        u"ffmpeg"_s,
+        {u"-v"_s, u"error"_s, u"-i"_s, file, u"-vsync"_s, u"drop"_s, u"-f"_s, u"null"_s, u"-"_s});
+}
+
+std::unique_ptr<PlayerCaptureWriter> makeWriter(const QString &file)
+{
+    auto writer =
+        PlayerCaptureWriter::create(&FfmpegAssetWriter::create, QUrl::fromLocalFile(file), size);
+    if (!writer)
+        qFatal("%s", qPrintable(writer.error()));
+    return std::move(*writer);
+}
+
+PlayerCaptureWriter::Outcome finish(PlayerCaptureWriter &writer)
+{
+    PlayerCaptureWriter::Outcome outcome;
+    writer.finish([&](const auto &result) { outcome = result; });
+    return outcome;
+}
+
+/// The order of the boxes at the file's top level.
+QStringList boxes(const QString &path)
+{
+    QFile file(path);
+    QStringList names;
+    if (!file.open(QIODevice::ReadOnly))
+        return names;
+    while (file.size() - file.pos() >= 16) {
+        const qint64 begin = file.pos();
+        const QByteArray head = file.read(16);
+        quint64 length = qFromBigEndian<quint32>(head.constData());
+        if (length == 1)
+            length = qFromBigEndian<quint64>(head.constData() + 8);
+        names.append(QString::fromLatin1(head.mid(4, 4)));
+        if (length < 8 || !file.seek(begin + qint64(length)))
+            break;
+    }
+    return names;
+}
+
+/// Records in real time until the process is killed.
+int recordForEver(const QString &file, bool withSound)
+{
+    const auto writer = makeWriter(file);
+    while (true) {
+        writer->append(noise(mediaTimeNow()));
+        if (withSound)
+            for (int i = 0; i < 4; ++i)
+                writer->append(sound(mediaTimeNow() + i * 10ms));
+        std::this_thread::sleep_for(40ms);
+    }
+}
+
+} // namespace
+
+class AssetWriterTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void writesAnOrdinaryFile();
+    void leavesOutSilentTracks();
+    void keepsTimes();
+    void followsTheSoundsClock_data();
+    void followsTheSoundsClock();
+    void survivesAKill_data();
+    void survivesAKill();
+    void survivesAFullDisk();
+    void saysWhyItCannotBegin();
+    void writesTheSmallestSize();
+};
+
+void AssetWriterTest::writesAnOrdinaryFile()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"ä #1.mp4"_s);
+    const auto writer = makeWriter(file);
+    for (int i = 0; i < 90; ++i) {
+        const MediaTime time = 1h + i * MediaTime(1s) / 30;
+        writer->append(noise(time));
+        for (int j = 0; j < 3; ++j)
+            writer->append(sound(time + j * 10ms));
+    }
+    QVERIFY(finish(*writer));
+    QCOMPARE(boxes(file).value(0), u"ftyp"_s);
+    QCOMPARE(boxes(file).value(1), u"moov"_s);
+    QVERIFY(!boxes(file).contains(u"moof"_s));
+    QCOMPARE(probe(file, u"stream=codec_name,profile,width,height,avg_frame_rate"_s, u"v"_s),
+             u"h264,High,320,180,30/1"_s);
+    QCOMPARE(probe(file, u"stream=codec_name,sample_rate,channels"_s, u"a"_s), u"aac,48000,2"_s);
+    QCOMPARE(probe(file, u"stream=start_time"_s, u"v"_s), u"0.000000"_s);
+    QVERIFY(std::abs(probe(file, u"format=duration"_s).toDouble() - 3.0) < 0.05);
+    QCOMPARE(complaints(file), QString());
+    // Nothing is left beside it.
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+}
+
+void AssetWriterTest::leavesOutSilentTracks()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    for (int i = 0; i < 30; ++i)
+        writer->append(noise(i * MediaTime(1s) / 30));
+    QVERIFY(finish(*writer));
+    QCOMPARE(probe(file, u"stream=codec_type"_s), u"video"_s);
+    QCOMPARE(complaints(file), QString());
+}
+
+void AssetWriterTest::keepsTimes()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    for (const MediaTime time : {MediaTime(5s), MediaTime(5s + 40ms), MediaTime(5s + 40ms),
+                                 MediaTime(7s), MediaTime(7s + 500ms)})
+        writer->append(noise(time));
+    QVERIFY(finish(*writer));
+    QCOMPARE(probe(file, u"packet=pts_time"_s, u"v"_s).split(u'\n'),
+             (QStringList{u"0.000000"_s, u"0.040000"_s, u"2.000000"_s, u"2.500000"_s}));
+}
+
+void AssetWriterTest::followsTheSoundsClock_data()
+{
+    QTest::addColumn<double>("speed");
+    QTest::newRow("exact") << 1.0;
+    QTest::newRow("200 ppm slow") << 0.9998;
+    QTest::newRow("200 ppm fast") << 1.0002;
+}
+
+/// After ten minutes a tone is still where its time says.
+void AssetWriterTest::followsTheSoundsClock()
+{
+    QFETCH(const double, speed);
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    constexpr auto toneBegin = 595s;
+    writer->append(noise(0s));
+    for (int i = 0; i < 60'000; ++i) {
+        const auto time = MediaTime(qint64(i * 1e7 * speed));
+        writer->append(sound(time, time >= toneBegin));
+        if (i % 6000 == 0)
+            writer->append(noise(time + 1ms));
+    }
+    QVERIFY(finish(*writer));
+    const QString found = run(u"ffmpeg"_s,
+                              {u"-i"_s, file, u"-af"_s, u"silencedetect=noise=-40dB:d=10"_s,
+                               u"-vn"_s, u"-f"_s, u"null"_s, u"-"_s});
+    static const QRegularExpression end(u"silence_end: ([0-9.]+)"_s);
+    const double begin = end.match(found).captured(1).toDouble();
+    QVERIFY2(std::abs(begin - 595.0) < 0.04, qPrintable(QString::number(begin)));
+}
+
+void AssetWriterTest::survivesAKill_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("with sound") << u"--with-sound"_s;
+    QTest::newRow("without") << u"--without-sound"_s;
+}
+
+void AssetWriterTest::survivesAKill()
+{
+    QFETCH(const QString, kind);
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    ChildProcess recorder;
+    QVERIFY(recorder.start(QCoreApplication::applicationFilePath(), {kind, file}, {}));
+    QElapsedTimer clock;
+    QTRY_VERIFY(QFileInfo(file).size() > 10'000);
+    clock.start();
+    std::this_thread::sleep_for(5s);
+    recorder.sendSignal(SIGKILL);
+    const double recorded = double(clock.elapsed()) / 1000;
+    QVERIFY(recorder.waitForFinished(5s));
+    const double lasts = run(u"ffprobe"_s,
+                             {u"-v"_s, u"error"_s, u"-select_streams"_s, u"v"_s, u"-show_entries"_s,
+                              u"packet=pts_time"_s, u"-of"_s, u"csv=p=0"_s, file})
+                             .split(u'\n')
+                             .last()
+                             .remove(u',')
+                             .toDouble();
+    QVERIFY2(lasts > recorded - 2, qPrintable(QString::number(lasts)));
+    QCOMPARE(complaints(file), QString());
+}
+
+void AssetWriterTest::survivesAFullDisk()
+{
+    const MountedFolder disk(MountedFolder::Kind::Small);
+    if (!disk.isMounted())
+        QSKIP("Mounting needs privileges.");
+    const QString file = disk.path() + u"/a.mp4";
+    const auto writer = makeWriter(file);
+    int pictures = 0;
+    while (!writer->hasFailed() && pictures < 3000)
+        writer->append(noise(++pictures * MediaTime(1s) / 30));
+    QVERIFY(writer->hasFailed());
+    const auto outcome = finish(*writer);
+    QVERIFY(!outcome);
+    QVERIFY(outcome.error().startsWith(u"The disk is full."));
+    QVERIFY(probe(file, u"format=duration"_s).toDouble() > 0.5);
+    QCOMPARE(complaints(file), QString());
+}
+
+void AssetWriterTest::saysWhyItCannotBegin()
+{
+    const auto writer = PlayerCaptureWriter::create(&FfmpegAssetWriter::create,
+                                                    QUrl::fromLocalFile(u"/nowhere/a.mp4"_s), size);
+    QVERIFY(!writer);
+    QCOMPARE(writer.error(), u"The recording could not be written: No such file or directory."_s);
+}
+
+void AssetWriterTest::writesTheSmallestSize()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    auto writer = PlayerCaptureWriter::create(&FfmpegAssetWriter::create, QUrl::fromLocalFile(file),
+                                              {16, 16});
+    QVERIFY(writer);
+    (*writer)->append(noise(0s));
+    (*writer)->append(noise(1s));
+    QVERIFY(finish(**writer));
+    QCOMPARE(probe(file, u"stream=width,height"_s, u"v"_s), u"16,16"_s);
+}
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 3 && arguments[1].startsWith(u"--with"))
+        return recordForEver(arguments[2], arguments[1] == u"--with-sound");
+    AssetWriterTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_assetwriter.moc"
