@@ -19,6 +19,13 @@ Task<std::optional<QUrl>> TerminalApplication::NoFilePanels::chooseNewFile(SaveP
     co_return std::nullopt;
 }
 
+Task<std::optional<SavePanelChoice>>
+TerminalApplication::NoFilePanels::chooseNewFile(SavePanelRequest, SavePanelAccessory,
+                                                 std::stop_token)
+{
+    co_return std::nullopt;
+}
+
 Task<std::optional<QUrl>> TerminalApplication::NoFilePanels::chooseFolder(FolderPanelRequest,
                                                                           std::stop_token)
 {
@@ -26,6 +33,8 @@ Task<std::optional<QUrl>> TerminalApplication::NoFilePanels::chooseFolder(Folder
 }
 
 void TerminalApplication::NoWorkspace::activateFileViewer(const QList<QUrl> &) { }
+
+void TerminalApplication::NoWorkspace::openScreenCaptureSettings() { }
 
 void TerminalApplication::ClientRoute::setProxyConfigurations(
     const QList<ProxyConfiguration> &configurations)

@@ -32,6 +32,9 @@ private:
                                              std::stop_token stop) override;
         Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request,
                                                 std::stop_token stop) override;
+        Task<std::optional<SavePanelChoice>> chooseNewFile(SavePanelRequest request,
+                                                           SavePanelAccessory accessory,
+                                                           std::stop_token stop) override;
         Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,
                                                std::stop_token stop) override;
     };
@@ -39,6 +42,7 @@ private:
     {
     public:
         void activateFileViewer(const QList<QUrl> &files) override;
+        void openScreenCaptureSettings() override;
     };
     /// Sends the HTTP client's requests through the proxy.
     class ClientRoute final : public ProxyConfigurationTarget

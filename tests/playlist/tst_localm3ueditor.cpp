@@ -231,6 +231,11 @@ public:
     {
         co_return std::nullopt;
     }
+    Task<std::optional<SavePanelChoice>> chooseNewFile(SavePanelRequest, SavePanelAccessory,
+                                                       std::stop_token) override
+    {
+        co_return std::nullopt;
+    }
     Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest, std::stop_token) override
     {
         co_return std::nullopt;
