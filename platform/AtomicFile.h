@@ -31,8 +31,8 @@ std::expected<void, FileWriteError>
 replaceFile(const QString &path, const QByteArray &content,
             std::optional<QFileDevice::Permissions> permissions = std::nullopt);
 
-/// Makes the file at `from` the file at `to`, in place of any that is there; the same holds when the
-/// process or the machine ends in between. Blocks while it copies, if it must. Any thread.
+/// Makes the file at `from` the file at `to`, in place of any that is there; the same holds when
+/// the process or the machine ends in between. Blocks while it copies, if it must. Any thread.
 std::expected<void, FileWriteError> moveFile(const QString &from, const QString &to);
 
 } // namespace lumaro

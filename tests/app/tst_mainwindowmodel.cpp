@@ -468,12 +468,12 @@ void MainWindowModelTest::menusFollowTheState()
                           u"Forward 60 Seconds "_s, u"Mute Ctrl+M"_s}));
     QCOMPARE(titles(commands.file()).first(), u"Open Media… Ctrl+O"_s);
 
-    commands.file().at(4)->trigger();
+    commands.file().at(5)->trigger();
     QVERIFY(m_world->downloads.panelShown());
-    commands.file().at(4)->trigger();
+    commands.file().at(5)->trigger();
     QVERIFY(!m_world->downloads.panelShown());
     m_world->player.play(QUrl(u"https://h/live.m3u8"_s), u"News"_s, true);
-    commands.file().at(3)->trigger();
+    commands.file().at(4)->trigger();
     QCOMPARE(m_world->downloadManager.jobs().size(), 1);
     m_world->player.stop();
 

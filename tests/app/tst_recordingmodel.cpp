@@ -51,8 +51,9 @@ struct World : ShellWorld
 
     QUrl file = QUrl::fromLocalFile(saveFolder.filePath(u"a.mp4"_s));
     FakeSurface surface;
-    FakeScreenCapture capture;
+    // The capture keeps the queue, whose work may still use it.
     FakeAsset asset;
+    FakeScreenCapture capture;
     QString refusal;
     PlayerSurfaceRegistry surfaces;
     FakeSerialQueue *queue = nullptr;

@@ -228,9 +228,7 @@ void SingleInstanceTest::onlyTheUserMayConnect()
 {
     World world;
     const auto first = world.first();
-    struct stat status
-    {
-    };
+    struct stat status{};
     QCOMPARE(stat(qPrintable(first->socketPath()), &status), 0);
     QCOMPARE(status.st_mode & 077, 0U);
 }

@@ -58,8 +58,9 @@ struct World
 
     QTemporaryDir folder;
     QUrl file = QUrl::fromLocalFile(folder.filePath(u"a.mp4"_s));
-    FakeScreenCapture capture;
+    // The capture keeps the queue, whose work may still use it.
     FakeAsset asset;
+    FakeScreenCapture capture;
     QString refusal;
     FakeFilePanels panels;
     FakeScheduler scheduler;
@@ -457,6 +458,7 @@ void RecordingControllerTest::completesTheFileAtTheEnd()
     World world;
     world.start();
     world.show(1ms);
+    world.queue->run();
     world.capture.output.reset();
     world.controller.reset();
     QCOMPARE(world.asset.log.last(), u"finished"_s);
