@@ -19,6 +19,8 @@ public:
 
     /// From any thread.
     virtual void post(std::function<void()> work) = 0;
+    /// Waits until all that has been posted is done. Not from the queue itself.
+    virtual void drain() = 0;
 };
 
 /// Makes a queue; the label helps whoever looks at a process's threads.

@@ -80,7 +80,8 @@ PlayerRecordingController::~PlayerRecordingController()
     m_stream.reset();
     if (m_writer && m_state == PlayerRecordingState::recording)
         m_captureQueue->post([writer = m_writer] { writer->finish([](const auto &) { }); });
-    m_captureQueue.reset();
+    // A stream's last samples may still hold the queue; the file shall be complete all the same.
+    m_captureQueue->drain();
 }
 
 bool PlayerRecordingController::isRecording() const

@@ -1,5 +1,7 @@
 #include "platform/qt/ThreadQueue.h"
 
+#include <future>
+
 #include <pthread.h>
 
 namespace lumaro {
@@ -26,6 +28,13 @@ void ThreadQueue::post(std::function<void()> work)
         m_work.push_back(std::move(work));
     }
     m_changed.notify_one();
+}
+
+void ThreadQueue::drain()
+{
+    std::promise<void> done;
+    post([&done] { done.set_value(); });
+    done.get_future().wait();
 }
 
 void ThreadQueue::run(const QString &label)

@@ -17,6 +17,7 @@ public:
     ~ThreadQueue() override;
 
     void post(std::function<void()> work) override;
+    void drain() override;
 
 private:
     void run(const QString &label);

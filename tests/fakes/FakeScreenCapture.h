@@ -10,6 +10,7 @@ class FakeSerialQueue final : public SerialQueue
 public:
     ~FakeSerialQueue() override { run(); }
     void post(std::function<void()> work) override { m_work.append(std::move(work)); }
+    void drain() override { run(); }
     void run()
     {
         while (!m_work.isEmpty())
