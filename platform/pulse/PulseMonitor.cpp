@@ -79,6 +79,7 @@ void PulseMonitor::openStream()
                                 .prebuf = byServer,
                                 .minreq = byServer,
                                 .fragsize = piece};
+    // Flags are made to be combined. NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange)
     const auto flags = pa_stream_flags_t(PA_STREAM_ADJUST_LATENCY | PA_STREAM_INTERPOLATE_TIMING
                                          | PA_STREAM_AUTO_TIMING_UPDATE);
     if (pa_stream_connect_record(m_stream, "@DEFAULT_MONITOR@", &buffer, flags) < 0)

@@ -141,7 +141,7 @@ WindowStream::WindowStream(QQuickWindow *window, SystemAudio audio,
                            CaptureConfiguration configuration, CaptureOutput output)
     : m_window(window)
     , m_makeAudio(std::move(audio))
-    , m_configuration(std::move(configuration))
+    , m_configuration(configuration)
     , m_output(std::move(output))
     , m_feed(std::make_shared<Feed>(m_output))
     , m_grabber(std::make_shared<FrameGrabber>(FrameGrabber::Settings{
@@ -162,6 +162,8 @@ WindowStream::~WindowStream()
     m_feed->detachLast();
     if (m_window)
         m_window->scheduleRenderJob(
+            // Qt takes it over. Without memory the program ends anyway.
+            // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
             new RenderJob([grabber = m_grabber] { grabber->release(); }, {}),
             QQuickWindow::NoStage);
 }
