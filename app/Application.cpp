@@ -89,6 +89,10 @@ Application::Application(const Folders &folders)
         if (loadFinder())
             m_finderController.show();
     });
+    // What scripts of the views still hold of a tab's engine goes with the tab.
+    QObject::connect(
+        m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine,
+        [this] { m_engine.collectGarbage(); }, Qt::QueuedConnection);
     QObject::connect(
         qGuiApp, &QGuiApplication::focusWindowChanged, &m_finderController,
         [this](const QWindow *window) { m_finderController.keyWindowChanged(classified(window)); });
