@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtWebEngine
 import Lumaro.App
@@ -17,7 +15,6 @@ FocusScope {
     required property SnifferViewModel finder
     required property EngineProfile engineProfile
     readonly property bool isFullScreen: view.isFullScreen
-    readonly property alias zoomFactor: view.zoomFactor
     readonly property alias hasCrashed: view.hasCrashed
     readonly property alias refusedAddress: view.refusedAddress
 
@@ -82,8 +79,10 @@ FocusScope {
                 refusedAddress = "";
         }
         onMenuRequested: request => {
-            menu.request = request;
-            menu.popup(request.position.x, request.position.y);
+            pageMenu.link = request.linkUrl;
+            pageMenu.hasSelection = request.selectedText !== "";
+            pageMenu.isEditable = request.isContentEditable;
+            pageMenu.popup(request.position.x, request.position.y);
         }
         onFullScreenRequested: request => request.accept()
 
@@ -160,9 +159,12 @@ FocusScope {
     }
 
     Loader {
-        id: menu
+        id: pageMenu
 
-        property ContextMenuRequest request
+        // The request goes before the menu does.
+        property url link
+        property bool hasSelection: false
+        property bool isEditable: false
 
         function popup(x: real, y: real): void {
             active = true;
@@ -171,8 +173,6 @@ FocusScope {
 
         active: false
         sourceComponent: Menu {
-            readonly property string link: menu.request ? menu.request.linkUrl.toString() : ""
-
             MenuItem {
                 text: "Back"
                 iconName: "back"
@@ -197,13 +197,13 @@ FocusScope {
                 text: "Open Link in New Tab"
                 iconName: "plus"
                 startsGroup: true
-                enabled: menu.request && menu.request.linkUrl.toString() !== ""
-                onTriggered: root.finder.openInNewTab(menu.request.linkUrl)
+                enabled: pageMenu.link.toString() !== ""
+                onTriggered: root.finder.openInNewTab(pageMenu.link)
             }
             MenuItem {
                 text: "Copy Link Address"
                 iconName: "link"
-                enabled: menu.request && menu.request.linkUrl.toString() !== ""
+                enabled: pageMenu.link.toString() !== ""
                 onTriggered: view.triggerWebAction(WebEngineView.CopyLinkToClipboard)
             }
             MenuItem {
@@ -211,13 +211,13 @@ FocusScope {
                 iconName: "copy"
                 shortcutText: "Ctrl+C"
                 startsGroup: true
-                enabled: menu.request && menu.request.selectedText !== ""
+                enabled: pageMenu.hasSelection
                 onTriggered: view.triggerWebAction(WebEngineView.Copy)
             }
             MenuItem {
                 text: "Paste"
                 shortcutText: "Ctrl+V"
-                enabled: menu.request && menu.request.isContentEditable
+                enabled: pageMenu.isEditable
                 onTriggered: view.triggerWebAction(WebEngineView.Paste)
             }
         }

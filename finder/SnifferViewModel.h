@@ -95,7 +95,6 @@ public:
     /// Opens an address of the web list.
     Q_INVOKABLE void openWebsite(const QString &address, bool inNewTab);
     Q_INVOKABLE void openInNewTab(const QUrl &url);
-    Q_INVOKABLE void pauseAllTabsMedia() { m_tabs.pauseAllTabsMedia(); }
 
     /// A page wants to have something saved that is not shown. True for a stream, which is listed
     /// instead.
