@@ -57,6 +57,18 @@ FocusScope {
             picture: root.picture
             displayMode: root.shell.displayMode
             fillScreen: root.shell.isFullScreen
+            HoverHandler {
+                cursorShape: root.shell.cursorHidden ? Qt.BlankCursor
+                           : !surface.pannable ? Qt.ArrowCursor
+                           : surface.dragging ? Qt.ClosedHandCursor : Qt.OpenHandCursor
+            }
+            Connections {
+                target: root.shell
+
+                function onPanRequested(amount: real) {
+                    surface.panBy(amount);
+                }
+            }
             onFullScreenToggleRequested: root.shell.isFullScreen = !root.shell.isFullScreen
         }
 

@@ -12,6 +12,8 @@ IconButton {
     onOverlay: true
     iconName: "display-mode"
     text: "Video display mode"
+    shortcutText: "Ctrl+1 … Ctrl+5"
+    Accessible.description: chosenTitle()
     checked: choices.length > 0 && !choices[0].isChecked
     down: pressed || opened
     Accessible.role: Accessible.ButtonMenu
@@ -19,6 +21,14 @@ IconButton {
         loader.active = true;
         const menu = loader.item;
         menu.popup(root, (width - menu.width) / 2, -menu.height - Theme.spacing * 4);
+    }
+
+    function chosenTitle(): string {
+        for (let i = 0; i < choices.length; ++i) {
+            if (choices[i].isChecked)
+                return choices[i].title;
+        }
+        return "";
     }
 
     Loader {

@@ -23,8 +23,12 @@ MenuCommand::MenuCommand(Description description, QObject *parent)
 
 void MenuCommand::trigger()
 {
-    if (isEnabled())
-        m_description.action();
+    if (!isEnabled())
+        return;
+    m_description.action();
+    // An item toggles itself when it is clicked, also the choice that was made before.
+    if (isCheckable())
+        Q_EMIT isCheckedChanged();
 }
 
 MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, DownloadsModel &downloads,
@@ -114,6 +118,19 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
         m_displayModes.append(choice);
     }
     m_view = QList{sidebar, fullScreen} + m_displayModes;
+    for (const int direction : {-1, 1}) {
+        MenuCommand *pan =
+            make({.title = always(direction < 0 ? QStringLiteral("Move Picture Left")
+                                                : QStringLiteral("Move Picture Right")),
+                  .shortcut =
+                      direction < 0 ? QStringLiteral("Shift+Left") : QStringLiteral("Shift+Right"),
+                  .action = [&window, direction] { Q_EMIT window.panRequested(direction * 0.1); },
+                  .startsGroup = direction < 0,
+                  .isEnabled =
+                      [&window] { return window.displayMode() == PortraitDisplayMode::manual; }});
+        connect(&window, &MainWindowModel::displayModeChanged, pan, &MenuCommand::isEnabledChanged);
+        m_view << pan;
+    }
 }
 
 MenuCommand *MenuCommands::make(MenuCommand::Description description)

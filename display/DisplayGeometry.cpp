@@ -92,14 +92,15 @@ QRectF pictureRect(const QRectF &layer, VideoGravity gravity, QSizeF presentatio
     return picture;
 }
 
-VideoPlacement videoPlacement(const QRectF &picture, const QRectF &surface)
+VideoPlacement fillingPlacement(const QRectF &picture, const QRectF &surface)
 {
     if (picture.isEmpty() || surface.isEmpty())
-        return {};
-    const double fitted =
-        std::min(surface.width() / picture.width(), surface.height() / picture.height());
+        return {.fills = true, .zoom = 1, .offset = {}};
+    const double filling =
+        std::max(surface.width() / picture.width(), surface.height() / picture.height());
     const QPointF distance = picture.center() - surface.center();
-    return {.zoom = 1 / fitted,
+    return {.fills = true,
+            .zoom = 1 / filling,
             .offset = {distance.x() / picture.width(), distance.y() / picture.height()}};
 }
 

@@ -39,7 +39,7 @@ VideoGravity videoGravity(PortraitDisplayMode mode);
 QRectF pictureRect(const QRectF &layer, VideoGravity gravity, QSizeF presentationSize);
 
 /// How to draw `picture` on `surface`, both in the same coordinates.
-VideoPlacement videoPlacement(const QRectF &picture, const QRectF &surface);
+VideoPlacement fillingPlacement(const QRectF &picture, const QRectF &surface);
 
 /// The pan after the pointer has moved by `distance` points, to the right where positive, in a view
 /// of `viewWidth` points.

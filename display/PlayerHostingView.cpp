@@ -47,6 +47,9 @@ void PlayerHostingView::setPlayer(MediaPlayer *player)
         if (m_player)
             m_player->disconnect(this);
         m_player = player;
+        // Each player numbers its own items.
+        m_observedItem = 0;
+        m_videoOutput.reset();
         if (m_player) {
             connect(m_player, &MediaPlayer::currentItemChanged, this,
                     &PlayerHostingView::attachVideoOutput);
@@ -85,7 +88,7 @@ void PlayerHostingView::setDisplayMode(PortraitDisplayMode mode)
         m_displayMode = mode;
         if (mode == PortraitDisplayMode::fill || mode == PortraitDisplayMode::rotate)
             m_horizontalPan = 0;
-        m_drag.reset();
+        endDrag();
         updateSmartTimer();
     }
     updateGravity();
@@ -114,6 +117,12 @@ void PlayerHostingView::setHorizontalPan(double pan)
 {
     m_horizontalPan = pan;
     updateGeometry();
+}
+
+void PlayerHostingView::panBy(double amount)
+{
+    if (m_displayMode == PortraitDisplayMode::manual)
+        setHorizontalPan(std::clamp(m_horizontalPan + amount, -1.0, 1.0));
 }
 
 void PlayerHostingView::updateGravity()
@@ -158,7 +167,8 @@ void PlayerHostingView::placePicture()
     surface->setPlacement(
         m_displayMode == PortraitDisplayMode::normal
             ? VideoPlacement{}
-            : videoPlacement(pictureRect(layer, m_gravity, m_player->presentationSize()), covered));
+            : fillingPlacement(pictureRect(layer, m_gravity, m_player->presentationSize()),
+                               covered));
 }
 
 void PlayerHostingView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
@@ -176,57 +186,70 @@ void PlayerHostingView::itemChange(ItemChange change, const ItemChangeData &data
 
 // The mouse
 
-bool PlayerHostingView::isSecondPress(const QMouseEvent &event)
+void PlayerHostingView::countPress(const QMouseEvent &event)
 {
-    const auto sinceLastPress = event.timestamp() - std::exchange(m_pressTime, event.timestamp());
-    const QPointF from = std::exchange(m_pressPosition, event.globalPosition());
     const QStyleHints &hints = *QGuiApplication::styleHints();
-    const QPointF moved = m_pressPosition - from;
-    const bool isClose = sinceLastPress < quint64(hints.mouseDoubleClickInterval())
+    const QPointF moved = event.globalPosition() - m_press.position;
+    const bool isClose =
+        event.timestamp() - m_press.time < quint64(hints.mouseDoubleClickInterval())
         && std::max(std::abs(moved.x()), std::abs(moved.y())) < hints.mouseDoubleClickDistance();
-    m_pressWasSecond = isClose && !m_pressWasSecond;
-    return m_pressWasSecond;
+    m_press = {.position = event.globalPosition(),
+               .time = event.timestamp(),
+               .count = isClose ? m_press.count + 1 : 1};
+}
+
+bool PlayerHostingView::isFarFromPress(const QMouseEvent &event) const
+{
+    return (event.globalPosition() - m_press.position).manhattanLength()
+        >= QGuiApplication::styleHints()->startDragDistance();
 }
 
 void PlayerHostingView::mousePressEvent(QMouseEvent *event)
 {
-    m_drag.reset();
-    // The second press of a double click comes as a press of its own first.
-    if (isSecondPress(*event))
+    endDrag();
+    countPress(*event);
+    m_pressMovesWindow = false;
+    if (m_press.count == 2) {
+        Q_EMIT fullScreenToggleRequested();
         return;
+    }
     m_services.notifications.post(QString::fromUtf16(notification::playerSurfaceClicked), window());
-    if (m_displayMode == PortraitDisplayMode::manual)
+    if (m_displayMode == PortraitDisplayMode::manual) {
         m_drag = Drag{.pressX = event->scenePosition().x(), .panAtPress = m_horizontalPan};
-}
-
-void PlayerHostingView::mouseDoubleClickEvent(QMouseEvent *)
-{
-    Q_EMIT fullScreenToggleRequested();
+        Q_EMIT draggingChanged();
+    } else {
+        m_pressMovesWindow = window()->visibility() != QWindow::FullScreen;
+    }
 }
 
 void PlayerHostingView::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_displayMode == PortraitDisplayMode::manual) {
-        if (m_drag)
-            setHorizontalPan(draggedPan(m_drag->panAtPress,
-                                        event->scenePosition().x() - m_drag->pressX, width()));
-        return;
-    }
+    if (m_drag)
+        setHorizontalPan(
+            draggedPan(m_drag->panAtPress, event->scenePosition().x() - m_drag->pressX, width()));
     // A window that moved with the very press would swallow the second click of a double click.
-    const double distance = (event->globalPosition() - m_pressPosition).manhattanLength();
-    const bool fullScreen = window()->visibility() == QWindow::FullScreen;
-    if (!fullScreen && distance >= QGuiApplication::styleHints()->startDragDistance())
+    if (!isFarFromPress(*event))
+        return;
+    // What was dragged was no click.
+    m_press.count = 0;
+    if (std::exchange(m_pressMovesWindow, false))
         window()->startSystemMove();
 }
 
 void PlayerHostingView::mouseReleaseEvent(QMouseEvent *)
 {
-    m_drag.reset();
+    endDrag();
 }
 
 void PlayerHostingView::mouseUngrabEvent()
 {
+    endDrag();
+}
+
+void PlayerHostingView::endDrag()
+{
     m_drag.reset();
+    Q_EMIT draggingChanged();
 }
 
 // Following a face
@@ -234,6 +257,7 @@ void PlayerHostingView::mouseUngrabEvent()
 void PlayerHostingView::updateSmartTimer()
 {
     m_smartTimer.cancel();
+    ++m_smartRun;
     if (m_displayMode == PortraitDisplayMode::smart)
         scheduleTick();
 }
@@ -257,27 +281,30 @@ void PlayerHostingView::trackLargestFace()
 
 Task<> PlayerHostingView::followFace(double time, std::stop_token stop)
 {
-    using Faces = QList<FaceObservation>;
-    const auto detect = [output = m_videoOutput, detector = m_services.faceDetector,
-                         time]() -> std::optional<Faces> {
-        const auto picture = output->copyPixelBuffer(time);
-        if (!picture)
-            return std::nullopt;
-        // A detector that fails has found nobody.
-        return detector->detect(*picture).value_or(Faces());
-    };
     m_isTracking = true;
     const quint64 item = m_observedItem;
-    const auto detection = m_services.idle.inBackground(detect);
-    const std::optional<Faces> faces = co_await detection;
+    const quint64 run = m_smartRun;
+    // Playback waits while a picture is copied, so that must not wait for other work.
+    const auto copy = [output = m_videoOutput, time] { return output->copyPixelBuffer(time); };
+    const auto copying = m_services.scheduler.inBackground(copy);
+    const std::optional<PixelBuffer> picture = co_await copying;
     if (stop.stop_requested())
         co_return;
+    if (picture) {
+        // A detector that fails has found nobody.
+        const auto detect = [detector = m_services.faceDetector, picture = *picture] {
+            return detector->detect(picture).value_or(QList<FaceObservation>());
+        };
+        const auto detection = m_services.idle.inBackground(detect);
+        const QList<FaceObservation> faces = co_await detection;
+        if (stop.stop_requested())
+            co_return;
+        // Meanwhile the user may have gone on.
+        if (item == m_observedItem && run == m_smartRun)
+            setHorizontalPan(
+                smartReframe::smoothedPan(m_horizontalPan, smartReframe::targetPan(faces)));
+    }
     m_isTracking = false;
-    // Meanwhile the user may have gone on.
-    const bool isCurrent = m_displayMode == PortraitDisplayMode::smart && item == m_observedItem;
-    if (faces && isCurrent)
-        setHorizontalPan(
-            smartReframe::smoothedPan(m_horizontalPan, smartReframe::targetPan(*faces)));
 }
 
 } // namespace lumaro

@@ -57,6 +57,10 @@ public:
 
     /// The picture's framing in the reframe modes: -1 its right edge, +1 its left edge.
     double horizontalPan() const { return m_horizontalPan; }
+    /// In manual mode, and within what the picture has; in other modes nothing.
+    void panBy(double amount);
+    /// The user moves the picture.
+    bool isDragging() const { return m_drag.has_value(); }
     VideoGravity gravity() const { return m_gravity; }
 
     /// The visible column, or all of the view.
@@ -70,10 +74,12 @@ public:
 
 Q_SIGNALS:
     void fullScreenToggleRequested();
+    void draggingChanged();
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    /// Has come as a press before.
+    void mouseDoubleClickEvent(QMouseEvent *) override { }
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseUngrabEvent() override;
@@ -87,14 +93,23 @@ private:
         double pressX = 0; ///< in the window
         double panAtPress = 0;
     };
+    /// The last press, and how many came before it in quick succession at one place.
+    struct Press
+    {
+        QPointF position; ///< on the screen
+        quint64 time = 0; ///< in milliseconds
+        int count = 0;
+    };
 
-    bool isSecondPress(const QMouseEvent &event);
+    void countPress(const QMouseEvent &event);
+    bool isFarFromPress(const QMouseEvent &event) const;
     void attachVideoOutput();
     void updateSmartTimer();
     void scheduleTick();
     void trackLargestFace();
     Task<> followFace(double time, std::stop_token stop);
     void setHorizontalPan(double pan);
+    void endDrag();
     void updateGravity();
     void updateGeometry();
     void placePicture();
@@ -114,12 +129,13 @@ private:
     /// The item that the output is attached to; 0 for none.
     quint64 m_observedItem = 0;
     bool m_isTracking = false;
+    /// Tells the times apart that smart mode was entered.
+    quint64 m_smartRun = 0;
     std::stop_source m_lifetime;
 
     std::optional<Drag> m_drag;
-    QPointF m_pressPosition;
-    quint64 m_pressTime = 0;
-    bool m_pressWasSecond = false;
+    Press m_press;
+    bool m_pressMovesWindow = false;
 };
 
 } // namespace lumaro

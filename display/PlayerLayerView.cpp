@@ -24,6 +24,7 @@ void PlayerLayerView::componentComplete()
     m_view->setSize(size());
     connect(m_view, &PlayerHostingView::fullScreenToggleRequested, this,
             &PlayerLayerView::fullScreenToggleRequested);
+    connect(m_view, &PlayerHostingView::draggingChanged, this, &PlayerLayerView::draggingChanged);
     update();
 }
 
@@ -36,6 +37,12 @@ void PlayerLayerView::update()
     m_view->setPlayer(m_player);
     m_view->setDisplayMode(m_displayMode);
     m_view->setFillScreen(m_fillScreen);
+}
+
+void PlayerLayerView::panBy(double amount)
+{
+    if (m_view)
+        m_view->panBy(amount);
 }
 
 void PlayerLayerView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)

@@ -17,6 +17,10 @@ class PlayerLayerView : public QQuickItem
     Q_PROPERTY(lumaro::PortraitDisplayMode displayMode MEMBER m_displayMode NOTIFY changed)
     /// Draws the picture.
     Q_PROPERTY(QQuickItem *picture MEMBER m_picture NOTIFY changed)
+    /// The picture can be moved behind its column.
+    Q_PROPERTY(bool pannable READ isPannable NOTIFY changed)
+    /// The user moves the picture behind its column.
+    Q_PROPERTY(bool dragging READ isDragging NOTIFY draggingChanged)
     /// To be set once.
     Q_PROPERTY(lumaro::PlayerViewServices *services MEMBER m_services NOTIFY changed)
 
@@ -26,10 +30,15 @@ public:
 
     /// Null until the properties have been set.
     PlayerHostingView *hostingView() const { return m_view; }
+    bool isPannable() const { return m_displayMode == PortraitDisplayMode::manual; }
+    bool isDragging() const { return m_view && m_view->isDragging(); }
+    /// As PlayerHostingView::panBy().
+    Q_INVOKABLE void panBy(double amount);
 
 Q_SIGNALS:
     void changed();
     void fullScreenToggleRequested();
+    void draggingChanged();
 
 protected:
     void componentComplete() override;

@@ -8,7 +8,9 @@ namespace lumaro {
 /// How a picture lies on the surface that draws it; what lies beyond the surface is not drawn.
 struct VideoPlacement
 {
-    /// 1 when all of the picture just fits, twice that when it is twice as wide and high.
+    /// What a zoom of 1 means: the picture just covers the surface, or all of it just fits.
+    bool fills = false;
+    /// 2 makes it twice as wide and high.
     double zoom = 1;
     /// How far its centre is from the surface's, in widths and heights of the picture; y downwards.
     QPointF offset;

@@ -180,6 +180,7 @@ void MpvMediaPlayer::setPlacement(const VideoPlacement &placement)
     const auto set = [this](const char *name, double value) {
         mpv_set_property_async(m_core->handle(), 0, name, MPV_FORMAT_DOUBLE, &value);
     };
+    set("panscan", placement.fills ? 1 : 0);
     set("video-zoom", std::log2(placement.zoom));
     set("video-pan-x", placement.offset.x());
     set("video-pan-y", placement.offset.y());
@@ -190,15 +191,21 @@ std::shared_ptr<VideoOutput> MpvMediaPlayer::addVideoOutput()
     return std::make_shared<MpvVideoOutput>(this, m_core, currentItem());
 }
 
-void MpvMediaPlayer::updatePictureSize(QSize unturned, int rotation)
+void MpvMediaPlayer::updatePictureSize()
 {
-    m_unturnedSize = unturned;
-    m_rotation = rotation;
-    const QSize size = rotation % 180 == 90 ? unturned.transposed() : unturned;
+    const QSize size = m_rotation % 180 == 90 ? m_unturnedSize.transposed() : m_unturnedSize;
     if (m_pictureSize == size)
         return;
     m_pictureSize = size;
+    notifyTimeObserver();
     Q_EMIT presentationSizeChanged();
+}
+
+void MpvMediaPlayer::forgetPictureSize()
+{
+    m_unturnedSize = {};
+    m_rotation = 0;
+    updatePictureSize();
 }
 
 void MpvMediaPlayer::replaceItem(const QUrl &url)
@@ -208,7 +215,7 @@ void MpvMediaPlayer::replaceItem(const QUrl &url)
     ++m_itemNumber;
     m_playlist = {};
     m_state = {};
-    updatePictureSize({}, 0);
+    forgetPictureSize();
     openPendingItem();
     updateStatus();
     notifyTimeObserver();
@@ -250,7 +257,7 @@ void MpvMediaPlayer::removeItem()
     ++m_itemNumber;
     m_playlist = {};
     m_state = {};
-    updatePictureSize({}, 0);
+    forgetPictureSize();
     if (m_core) {
         const char *arguments[] = {"stop", nullptr};
         mpv_command_async(m_core->handle(), 0, arguments);
@@ -421,9 +428,11 @@ void MpvMediaPlayer::drainEvents()
     while (true) {
         const mpv_event *event = mpv_wait_event(m_core->handle(), 0);
         if (event->event_id == MPV_EVENT_NONE)
-            return;
+            break;
         handle(*event);
     }
+    // Width, height and turn are told one by one; between them the shape is nobody's.
+    updatePictureSize();
 }
 
 void MpvMediaPlayer::handle(const mpv_event &event)
@@ -579,18 +588,13 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
         }
         break;
     case Topic::Width:
-        updatePictureSize({int(valueOf<int64_t>(property).value_or(0)), m_unturnedSize.height()},
-                          m_rotation);
-        notifyTimeObserver();
+        m_unturnedSize.setWidth(int(valueOf<int64_t>(property).value_or(0)));
         break;
     case Topic::Height:
-        updatePictureSize({m_unturnedSize.width(), int(valueOf<int64_t>(property).value_or(0))},
-                          m_rotation);
-        notifyTimeObserver();
+        m_unturnedSize.setHeight(int(valueOf<int64_t>(property).value_or(0)));
         break;
     case Topic::Rotation:
-        updatePictureSize(m_unturnedSize, int(valueOf<int64_t>(property).value_or(0)));
-        notifyTimeObserver();
+        m_rotation = int(valueOf<int64_t>(property).value_or(0));
         break;
     default:
         break;

@@ -53,7 +53,9 @@ public:
 
     /// The HTTP proxy for items opened from now on; empty for the one that the environment names.
     void setHttpProxy(const QUrl &proxy);
-    /// Takes effect with the next picture that is drawn.
+    /// Whether the position is where a seek is going rather than where the picture is.
+    bool isSeeking() const { return m_state.pendingSeek.has_value(); }
+    /// Takes effect within the next picture or two.
     void setPlacement(const VideoPlacement &placement);
 
     void replaceItem(const QUrl &url) override;
@@ -131,7 +133,8 @@ private:
     void requestTime();
     void requestProperties();
     void notifyTimeObserver();
-    void updatePictureSize(QSize unturned, int rotation);
+    void updatePictureSize();
+    void forgetPictureSize();
 
     static void wakeUp(void *player);
 

@@ -8,6 +8,9 @@ namespace lumaro {
 
 namespace {
 
+/// A copy takes four bytes for each, several times over; 8K video is within it.
+constexpr qint64 mostPixels = 8192 * 4608;
+
 std::optional<int64_t> integer(const mpv_node *node)
 {
     if (!node || node->format != MPV_FORMAT_INT64)
@@ -54,8 +57,11 @@ MpvVideoOutput::~MpvVideoOutput()
 
 bool MpvVideoOutput::hasNewPixelBuffer(double itemTime) const
 {
-    return m_player && m_item != 0 && m_player->currentItem() == m_item
-        && !m_player->presentationSize().isEmpty() && itemTime != m_copiedTime;
+    if (!m_player || m_item == 0 || m_player->currentItem() != m_item || m_player->isSeeking())
+        return false;
+    const QSize size = m_player->presentationSize();
+    return !size.isEmpty() && qint64(size.width()) * size.height() <= mostPixels
+        && itemTime != m_copiedTime;
 }
 
 std::optional<PixelBuffer> MpvVideoOutput::copyPixelBuffer(double itemTime)

@@ -205,11 +205,11 @@ void DisplayGeometryTest::placesThePicture_data()
     QTest::addColumn<QRectF>("surface");
     QTest::addColumn<double>("zoom");
     QTest::addColumn<QPointF>("offset");
-    QTest::newRow("fits") << QRectF(0, 10, 160, 90) << QRectF(0, 0, 160, 110) << 1.0
+    QTest::newRow("fits") << QRectF(0, 10, 160, 90) << QRectF(0, 0, 160, 110) << 90.0 / 110
                           << QPointF(0, 0);
     QTest::newRow("twice, its left half")
         << QRectF(0, 0, 320, 180) << QRectF(0, 0, 160, 90) << 2.0 << QPointF(0.25, 0.25);
-    QTest::newRow("filled") << QRectF(-100, 0, 300, 100) << QRectF(0, 0, 100, 100) << 3.0
+    QTest::newRow("filled") << QRectF(-100, 0, 300, 100) << QRectF(0, 0, 100, 100) << 1.0
                             << QPointF(0, 0);
     QTest::newRow("nothing") << QRectF() << QRectF(0, 0, 100, 100) << 1.0 << QPointF(0, 0);
     QTest::newRow("nowhere") << QRectF(0, 0, 100, 100) << QRectF() << 1.0 << QPointF(0, 0);
@@ -221,7 +221,8 @@ void DisplayGeometryTest::placesThePicture()
     QFETCH(const QRectF, surface);
     QFETCH(const double, zoom);
     QFETCH(const QPointF, offset);
-    const VideoPlacement placement = videoPlacement(picture, surface);
+    const VideoPlacement placement = fillingPlacement(picture, surface);
+    QVERIFY(placement.fills);
     QCOMPARE(placement.zoom, zoom);
     QCOMPARE(placement.offset, offset);
 }

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void layersFollowTheGeometry();
     void surfaceCoversOnlyWhatIsSeen();
     void pictureIsWhereItsLayerIs();
+    void oldPictureStaysInPlace();
     void pictureMayGoFirst();
     void sizeThatIsLearntLaterCounts();
     void recordsTheVisibleColumn();
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void clicksAreToldWithTheirWindow();
     void doubleClickAsksForFullScreen();
     void dragsThePictureInManual();
+    void pansByAmounts();
     void doubleClickDoesNotPan();
     void draggingEndsWithTheMode();
 
@@ -133,15 +135,31 @@ void PlayerHostingViewTest::pictureIsWhereItsLayerIs()
     drag(100, 142);
     QVERIFY(m_view->horizontalPan() > 0.2);
     const QRectF covered = frame(&surface);
-    const auto [zoom, offset] = surface.placement;
-    // Undoes what the surface is told.
-    const double width = covered.width() * zoom;
+    const auto [fills, zoom, offset] = surface.placement;
+    QVERIFY(fills);
+    // Undoes what the surface is told; the picture is as high as the surface when it fills it.
+    const double width = covered.height() * zoom * 16 / 9;
     const QPointF centre =
         covered.center() + QPointF(offset.x() * width, offset.y() * width * 9 / 16);
     QVERIFY(std::abs(width - m_view->playerLayer()->width()) < 1e-6);
     QVERIFY((centre - m_view->playerLayer()->boundingRect().center()).manhattanLength() < 1e-6);
     m_view->setDisplayMode(Mode::normal);
     QCOMPARE(surface.placement, VideoPlacement());
+}
+
+void PlayerHostingViewTest::oldPictureStaysInPlace()
+{
+    m_world->openVideo();
+    FakeSurface surface;
+    m_view->setPicture(&surface);
+    m_view->setDisplayMode(Mode::fill);
+    const VideoPlacement before = surface.placement;
+    // Its last picture is shown until the next item has one.
+    m_world->player.replaceItem(QUrl(u"file:///next.mp4"_s));
+    m_world->player.changePictureSize({});
+    QVERIFY(std::abs(surface.placement.zoom - before.zoom) < 0.01);
+    QCOMPARE(surface.placement.fills, before.fills);
+    QCOMPARE(surface.placement.offset, before.offset);
 }
 
 void PlayerHostingViewTest::pictureMayGoFirst()
@@ -270,8 +288,11 @@ void PlayerHostingViewTest::doubleClickAsksForFullScreen()
     QTest::mouseDClick(m_window.get(), Qt::LeftButton, {}, {50, 50});
     QCOMPARE(asked.count(), 1);
     QCOMPARE(posted.count(), 1);
+    // However often it is clicked.
     QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, {50, 50});
-    QCOMPARE(posted.count(), 2);
+    QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, {50, 50});
+    QCOMPARE(posted.count(), 3);
+    QCOMPARE(asked.count(), 1);
     QTest::mouseDClick(m_window.get(), Qt::RightButton, {}, {50, 50});
     QCOMPARE(asked.count(), 1);
 }
@@ -288,6 +309,20 @@ void PlayerHostingViewTest::dragsThePictureInManual()
     drag(390, 1);
     QCOMPARE(m_view->horizontalPan(), -1.0);
     QTest::mouseMove(m_window.get(), {300, 150});
+    QCOMPARE(m_view->horizontalPan(), -1.0);
+}
+
+void PlayerHostingViewTest::pansByAmounts()
+{
+    m_world->openVideo();
+    m_view->panBy(0.5);
+    QCOMPARE(m_view->horizontalPan(), 0.0);
+    m_view->setDisplayMode(Mode::manual);
+    m_view->panBy(0.75);
+    QCOMPARE(m_view->horizontalPan(), 0.75);
+    m_view->panBy(0.75);
+    QCOMPARE(m_view->horizontalPan(), 1.0);
+    m_view->panBy(-3);
     QCOMPARE(m_view->horizontalPan(), -1.0);
 }
 

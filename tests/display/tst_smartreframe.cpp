@@ -177,9 +177,9 @@ void SmartReframeTest::resultThatComesTooLateIsDropped()
 {
     m_world->scheduler.advance(smartReframe::tickInterval);
     m_view->setDisplayMode(Mode::fill);
+    m_view->setDisplayMode(Mode::smart);
     m_world->scheduler.runBackground();
     QCOMPARE(pan(), 0.0);
-    m_view->setDisplayMode(Mode::smart);
     m_world->scheduler.advance(smartReframe::tickInterval);
     m_world->openVideo();
     m_world->scheduler.runBackground();
@@ -193,7 +193,8 @@ void SmartReframeTest::viewMayGoDuringADetection()
     m_world->scheduler.advance(smartReframe::tickInterval);
     m_view.reset();
     m_world->scheduler.runBackground();
-    QCOMPARE(m_world->detector->calls, 1);
+    // The picture was still being copied.
+    QCOMPARE(m_world->detector->calls, 0);
     QCOMPARE(m_world->scheduler.pendingCalls(), 0);
 }
 
