@@ -128,8 +128,8 @@ Q_SIGNALS:
     void pictureNoticeChanged();
     /// The user should be able to type an address now.
     void addressFieldRequested();
-    /// The picture should move behind its column: by `amount` of the way from its middle to an edge,
-    /// to the right if positive.
+    /// The picture should move behind its column: by `amount` of the way from its middle to an
+    /// edge, to the right if positive.
     void panRequested(double amount);
 
 private:
