@@ -10,8 +10,8 @@ IconButton {
     readonly property bool opened: loader.item ? loader.item.visible : false
 
     onOverlay: true
-    iconName: recording.isRecording ? "stop" : "record"
-    checked: recording.isRecording
+    iconName: recording.isRecording ? "record-stop" : "record"
+    urgent: recording.isRecording
     enabled: recording.isReady
     text: recording.buttonText
     shortcutText: "Ctrl+Shift+R"

@@ -7,6 +7,7 @@ import Lumaro.Ui
 //   text          what it does: accessible name and tool tip
 //   shortcutText  its keys, shown in the tool tip
 //   checked       the state it stands for is on
+//   urgent        what it stands for must not be forgotten
 //   onOverlay     lies over the picture
 //   prominent     the one main action: larger, filled and round
 //   iconSize      edge length of the icon
@@ -15,6 +16,7 @@ T.AbstractButton {
 
     property string iconName
     property string shortcutText
+    property bool urgent: false
     property bool onOverlay: false
     property bool prominent: false
     property int iconSize: prominent ? 24 : Theme.iconSize
@@ -41,6 +43,7 @@ T.AbstractButton {
         name: control.iconName
         size: control.iconSize
         color: control.prominent ? (control.onOverlay ? "#17181c" : Theme.onAccent)
+             : control.urgent ? (control.onOverlay ? Theme.dangerOnOverlay : Theme.danger)
              : control.onOverlay ? (control.checked ? Theme.accentOnOverlay : Theme.textOnOverlay)
              : control.checked ? Theme.accentText
              : control.hovered ? Theme.text : Theme.textSecondary

@@ -9,10 +9,10 @@ Window {
 
     readonly property string longText: "A very long text that has to be cut somewhere because there is no room for all of it"
     readonly property list<string> iconNames: [
-        "play", "pause", "stop", "skip-back", "skip-forward", "volume-high", "volume-low",
+        "play", "pause", "stop", "record", "record-stop", "skip-back", "skip-forward", "volume-high", "volume-low",
         "volume-mute", "fullscreen", "fullscreen-exit", "sidebar", "menu", "open", "link",
         "search", "close", "plus", "chevron-right", "chevron-down", "tv", "library", "film",
-        "display-mode", "record", "alert", "trash", "edit", "download", "export", "import",
+        "display-mode", "alert", "trash", "edit", "download", "export", "import",
         "more", "check", "star", "reload"
     ]
 
