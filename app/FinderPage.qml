@@ -85,7 +85,32 @@ FocusScope {
             pageMenu.popup(request.position.x, request.position.y);
         }
         onFullScreenRequested: request => request.accept()
+        onIsFullScreenChanged: if (isFullScreen) hint.restart()
+    }
 
+    // A page that fills the screen could show anything, a desktop or another site's address as well.
+    Rectangle {
+        anchors { horizontalCenter: parent.horizontalCenter; top: parent.top; topMargin: Theme.spacing * 8 }
+        width: hintText.implicitWidth + Theme.spacing * 8
+        height: hintText.implicitHeight + Theme.spacing * 4
+        visible: hint.running && view.isFullScreen
+        radius: Theme.radiusLarge
+        color: Theme.overlay
+
+        Text {
+            id: hintText
+
+            anchors.centerIn: parent
+            text: "%1 fills the screen. Press Escape to leave.".arg(view.url.toString().split("/")[2] ?? "")
+            textFormat: Text.PlainText
+            color: Theme.textOnOverlay
+            font.pixelSize: Theme.fontBody
+        }
+        Timer {
+            id: hint
+
+            interval: 4000
+        }
     }
 
     Rectangle {
@@ -151,6 +176,7 @@ FocusScope {
         Button {
             id: block
 
+            objectName: "blockButton"
             anchors { right: parent.right; rightMargin: Theme.spacing * 3; verticalCenter: parent.verticalCenter }
             text: "Block"
             primary: true

@@ -80,6 +80,9 @@ private Q_SLOTS:
     void framesDoNotMoveThePage();
     void redirectsAreFollowed();
     void filesAskForAPlace();
+    void linksOpenFromTheMenu();
+    void pagesAskBeforeTheyMay();
+    void pagesFillTheScreen();
     void pagesReachNoFiles();
     void crashesStayInTheirTab();
     void brokenCertificatesStop();
@@ -101,7 +104,7 @@ private:
         return view ? view->property("page").value<QQuickItem *>() : nullptr;
     }
     /// Clicks in the middle of the upper half of the page.
-    void click();
+    void click(Qt::MouseButton button = Qt::LeftButton);
     bool write(const QString &name, const QString &body) const
     {
         return m_site->writeFile(name,
@@ -182,6 +185,13 @@ void AppFinderTest::initTestCase()
                   u"<iframe src='file:///etc/passwd'></iframe><script>"
                   "try { location = 'file:///etc/passwd'; } catch (e) {}"
                   "setTimeout(function () { fetch('/stayed'); }, 300);</script>"_s));
+    QVERIFY(write(u"asks.html"_s,
+                  u"<script>navigator.geolocation.getCurrentPosition(function () {"
+                  " fetch('/located'); }, function (e) { fetch('/denied-' + e.code); });"
+                  "</script>"_s));
+    QVERIFY(write(u"fills.html"_s,
+                  u"<body %1><script>onclick = function () {"
+                  " document.documentElement.requestFullscreen(); }</script>"_s.arg(wide)));
     QVERIFY(write(u"media-on.html"_s,
                   u"<video src='/movie.mp4' autoplay loop muted></video><script>"
                   "document.querySelector('video').onpause = function () { fetch('/paused'); }"
@@ -206,12 +216,12 @@ bool AppFinderTest::opens(const QUrl &url)
         [&] { return !tab().isLoading() && tab().pageTitle() == url.path().mid(1); });
 }
 
-void AppFinderTest::click()
+void AppFinderTest::click(Qt::MouseButton button)
 {
     QQuickItem *const item = page();
     const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 4));
     QTest::mouseMove(m_window, middle.toPoint());
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, middle.toPoint());
+    QTest::mouseClick(m_window, button, {}, middle.toPoint());
 }
 
 void AppFinderTest::isLoadedWhenOpened()
@@ -366,6 +376,48 @@ void AppFinderTest::filesAskForAPlace()
     QTest::keyClick(m_window, Qt::Key_Return);
     QVERIFY(becomesTrue([&] { return QFileInfo(saved).size() == 1000; }));
     QCOMPARE(tab().shownPage(), m_site->url(u"/plain.html"_s));
+}
+
+void AppFinderTest::linksOpenFromTheMenu()
+{
+    QVERIFY(opens(u"/same.html"_s));
+    click(Qt::RightButton);
+    QVERIFY(becomesTrue([&] {
+        const QQuickItem *const focused = m_window->activeFocusItem();
+        return focused && focused->inherits("QQuickPopupItem");
+    }));
+    // There is no way back or forward yet, so Reload comes first, and then the link's.
+    for (int i = 0; i < 2; ++i)
+        QTest::keyClick(m_window, Qt::Key_Down);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return m_world->finder().tabs()->count() == 2; }));
+    QVERIFY(becomesTrue([&] { return tab().shownPage() == m_site->url(u"/plain.html"_s); }));
+}
+
+void AppFinderTest::pagesAskBeforeTheyMay()
+{
+    QVERIFY(opens(u"/asks.html"_s));
+    QQuickItem *block = nullptr;
+    QVERIFY(becomesTrue([&] {
+        block = page()->findChild<QQuickItem *>(u"blockButton"_s);
+        return block && block->isVisible();
+    }));
+    QVERIFY(!m_site->accessLog().join(u'\n').contains(u"/denied"_s));
+    const QPointF middle = block->mapToScene(QPointF(block->width() / 2, block->height() / 2));
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, middle.toPoint());
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/denied-1"_s); }));
+    QVERIFY(!block->isVisible());
+    QVERIFY(!wasAsked(u"/located"_s));
+}
+
+void AppFinderTest::pagesFillTheScreen()
+{
+    QVERIFY(opens(u"/fills.html"_s));
+    click();
+    QVERIFY(becomesTrue([&] { return m_window->visibility() == QWindow::FullScreen; }));
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return m_window->visibility() == QWindow::Windowed; }));
+    QCOMPARE(tab().shownPage(), m_site->url(u"/fills.html"_s));
 }
 
 void AppFinderTest::pagesReachNoFiles()
