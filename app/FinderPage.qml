@@ -14,6 +14,7 @@ FocusScope {
     property SnifferManager manager: null
     required property SnifferViewModel finder
     required property EngineProfile engineProfile
+    required property bool isWindowShown
     readonly property bool isFullScreen: view.isFullScreen
     readonly property alias hasCrashed: view.hasCrashed
     readonly property alias refusedAddress: view.refusedAddress
@@ -24,6 +25,8 @@ FocusScope {
     function leaveFullScreen(): void { view.fullScreenCancelled(); }
 
     onManagerChanged: finder.attach(manager, view.page)
+    // The engine hands on only to the view's parent what the page does with no key.
+    Keys.onPressed: event => event.accepted = root.finder.takeKey(event.text)
 
     EngineView {
         id: view
@@ -33,6 +36,8 @@ FocusScope {
         property string refusal
         // What pages ask for, the oldest first.
         property var questions: []
+        // The files that it asks for, by their numbers.
+        property var uploads: ({})
 
         function answer(allowed: bool): void {
             const question = questions[0];
@@ -57,6 +62,9 @@ FocusScope {
         messageHandlers: root.finder.messageHandlers
         backgroundColor: loading && url.toString() === "" ? Theme.background : "white"
 
+        // Hidden, it says nothing, whatever plays on.
+        audioMuted: !root.isWindowShown
+
         onPermissionRequested: (origin, feature) => {
             const known = questions.some(q => q.origin === origin && q.feature === feature);
             // A page that goes on asking is not answered.
@@ -65,18 +73,27 @@ FocusScope {
             else
                 questions = questions.concat([{ origin: origin, feature: feature }]);
         }
-        onCertificateRefused: (address, reason) => {
-            refusedAddress = address.toString();
-            refusal = reason;
-        }
+        // Also of what a page only contains, which is then left out of it.
+        onCertificateRefused: (address, reason) => refusal = reason
         onCrashed: hasCrashed = true
         onLoadingChanged: info => {
-            if (info.status !== WebEngineView.LoadStartedStatus)
-                return;
-            hasCrashed = false;
-            questions = [];
-            if (info.url.toString() !== refusedAddress)
+            if (info.status === WebEngineView.LoadStartedStatus) {
+                hasCrashed = false;
+                questions = [];
                 refusedAddress = "";
+            } else if (info.status === WebEngineView.LoadFailedStatus
+                    && info.errorDomain === WebEngineView.CertificateErrorDomain) {
+                refusedAddress = info.url.toString();
+            }
+        }
+        onQuestionsChanged: unarmed.restart()
+        onDialogRequested: request => dialog.ask(request)
+        onLoginRequested: request => dialog.askForLogin(request)
+        onUploadRequested: request => {
+            if (request.mode === FileDialogRequest.FileModeOpen || request.mode === FileDialogRequest.FileModeOpenMultiple)
+                uploads[root.finder.beginUpload()] = request;
+            else
+                request.dialogReject();
         }
         onMenuRequested: request => {
             pageMenu.link = request.linkUrl;
@@ -162,12 +179,23 @@ FocusScope {
             text: view.questions.length > 0
                 ? "%1 wants to %2.".arg(view.questions[0].origin).arg(view.featureName(view.questions[0].feature)) : ""
             textFormat: Text.PlainText
-            elide: Text.ElideMiddle
+            // Who asks is told by the end of a host.
+            elide: Text.ElideLeft
             color: Theme.text
             font.pixelSize: Theme.fontBody
+            Accessible.role: Accessible.AlertMessage
+            Accessible.name: text
+        }
+        // A click that was meant for the page is no answer.
+        Timer {
+            id: unarmed
+
+            interval: 500
         }
         Button {
             id: allow
+
+            enabled: !unarmed.running
 
             anchors { right: block.left; rightMargin: Theme.spacing * 2; verticalCenter: parent.verticalCenter }
             text: "Allow"
@@ -182,6 +210,29 @@ FocusScope {
             primary: true
             onClicked: view.answer(false)
         }
+    }
+
+    Connections {
+        target: root.finder
+
+        function onUploadChosen(upload: int, path: string) {
+            const request = view.uploads[upload];
+            if (!request)
+                return;
+            delete view.uploads[upload];
+            if (path === "")
+                request.dialogReject();
+            else
+                request.dialogAccept([path]);
+        }
+    }
+
+    PageDialog {
+        id: dialog
+
+        objectName: "pageDialog"
+        anchors.fill: parent
+        onAnswered: view.forceActiveFocus()
     }
 
     Loader {

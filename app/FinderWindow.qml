@@ -18,6 +18,9 @@ Window {
 
     // What pages save that is no stream, by its number.
     property var savings: ({})
+    // As much as is written before the user has said where to.
+    readonly property int mostUnplaced: 256 * 1024 * 1024
+    property int visibilityBefore: Window.Windowed
 
     function rememberFrame(): void {
         if (visibility === Window.Windowed)
@@ -60,7 +63,15 @@ Window {
     Component.onCompleted: {
         // The title bar wants a place too.
         const bar = 36;
-        const area = Qt.rect(Screen.virtualX, Screen.virtualY + bar, Screen.desktopAvailableWidth, Screen.desktopAvailableHeight - bar);
+        const middle = Qt.point(controller.frame.x + controller.frame.width / 2, controller.frame.y + controller.frame.height / 2);
+        const screens = Qt.application.screens;
+        let screen = screens[0];
+        for (let i = 0; i < screens.length; ++i) {
+            const s = screens[i];
+            if (middle.x >= s.virtualX && middle.x < s.virtualX + s.width && middle.y >= s.virtualY && middle.y < s.virtualY + s.height)
+                screen = s;
+        }
+        const area = Qt.rect(screen.virtualX, screen.virtualY + bar, screen.width, screen.height - bar);
         const frame = controller.placedFrame(area, Qt.size(width, height));
         x = frame.x;
         y = frame.y;
@@ -82,6 +93,12 @@ Window {
     Connections {
         target: window.controller
 
+        function onHiding() {
+            if (view.isPageFullScreen) {
+                view.page.leaveFullScreen();
+                window.visibility = window.visibilityBefore;
+            }
+        }
         function onFrontRequested() {
             window.raise();
             window.requestActivate();
@@ -102,14 +119,30 @@ Window {
                     return;
                 }
                 // The engine gives up on one that waits for the user, so it is moved afterwards.
+                // Nobody is there to be asked.
+                if (!window.controller.isShown) {
+                    download.cancel();
+                    return;
+                }
                 const saving = window.finder.beginSaving(download.downloadFileName);
+                if (!window.finder.isSaving(saving)) {
+                    download.cancel();
+                    return;
+                }
                 window.savings[saving] = download;
                 download.downloadDirectory = window.browserCacheFolder + "/unfinished";
                 download.downloadFileName = saving + ".part";
                 download.accept();
+                download.receivedBytesChanged.connect(() => {
+                    if (download.receivedBytes > window.mostUnplaced && !download.isPaused && !window.finder.hasPlace(saving))
+                        download.pause();
+                });
             }
             onDownloadFinished: download => {
-                const saving = parseInt(download.downloadFileName);
+                // Those that were refused end too.
+                const saving = Object.keys(window.savings).find(key => window.savings[key].id === download.id);
+                if (saving === undefined)
+                    return;
                 delete window.savings[saving];
                 if (download.state === WebEngineDownloadRequest.DownloadCompleted)
                     window.finder.finishSaving(saving, download.downloadDirectory + "/" + download.downloadFileName);
@@ -124,6 +157,10 @@ Window {
         target: window.finder
 
         function onSavingCancelled(saving: int) { window.savings[saving]?.cancel(); }
+        function onPlaceChosen(saving: int) {
+            if (window.savings[saving]?.isPaused)
+                window.savings[saving].resume();
+        }
     }
 
     SnifferView {
@@ -136,16 +173,27 @@ Window {
             FinderPage {
                 finder: window.finder
                 engineProfile: sharedProfile
+                isWindowShown: window.controller.isShown
             }
         }
         onIsPageFullScreenChanged: {
-            if (isPageFullScreen)
+            // A page must not bring back what the user has closed.
+            if (!window.controller.isShown)
+                return;
+            if (isPageFullScreen) {
+                window.visibilityBefore = window.visibility;
                 window.showFullScreen();
-            else
-                window.showNormal();
+            } else {
+                window.visibility = window.visibilityBefore;
+            }
         }
     }
 
+    Binding {
+        target: window.controller
+        property: "hasSheet"
+        value: window.controller.isShown && window.panels.isOpen
+    }
     FilePanelHost {
         panels: window.panels
         isInFront: window.controller.isShown

@@ -54,6 +54,12 @@ std::optional<ResourceMessage> ResourceMessageReader::read(QStringView handler,
     return ResourceMessage{url, title, isTrue(fields.value(QStringLiteral("selected")))};
 }
 
+bool ResourceMessageReader::admits(const QUrl &url)
+{
+    const qsizetype length = url.toString(QUrl::FullyEncoded).size();
+    return isWebAddress(url) && length <= maximumAddressLength && admit(length);
+}
+
 bool ResourceMessageReader::admit(qsizetype length)
 {
     const Scheduler::TimePoint now = m_scheduler.now();

@@ -45,6 +45,9 @@ public:
     /// to be ignored.
     std::optional<ResourceMessage> read(QStringView handler, const QVariant &body);
 
+    /// Whether an address that the browser itself saw may be noted; charged like a message.
+    bool admits(const QUrl &url);
+
 private:
     bool admit(qsizetype length);
 

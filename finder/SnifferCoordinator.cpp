@@ -1,8 +1,17 @@
 #include "finder/SnifferCoordinator.h"
 
+#include "finder/HLSDetector.h"
 #include "finder/SnifferAdBlocker.h"
 
 namespace lumaro {
+
+namespace {
+
+constexpr qsizetype mostRemembered = 256;
+/// What a message takes from the page to here, and more.
+constexpr std::chrono::milliseconds messageDelay{300};
+
+} // namespace
 
 SnifferCoordinator::SnifferCoordinator(SnifferManager &manager, const SnifferAdBlocker &blocker,
                                        Scheduler &scheduler, QObject *parent)
@@ -10,6 +19,7 @@ SnifferCoordinator::SnifferCoordinator(SnifferManager &manager, const SnifferAdB
     , m_manager(&manager)
     , m_blocker(blocker)
     , m_messages(scheduler)
+    , m_noting(scheduler)
 {
 }
 
@@ -65,15 +75,43 @@ NavigationDecision SnifferCoordinator::decideNewWindow(const QUrl &url)
 void SnifferCoordinator::receiveMessage(const QString &handler, const QVariant &body)
 {
     const auto message = m_messages.read(handler, body);
-    if (message && m_manager)
-        m_manager->networkMonitor()->observe(*message, m_manager->pageTitle());
+    if (!message || !m_manager)
+        return;
+    if (m_told.size() >= mostRemembered)
+        m_told.clear();
+    m_told.insert(message->url);
+    m_manager->networkMonitor()->observe(*message, m_manager->pageTitle());
+}
+
+bool SnifferCoordinator::admits(const QUrl &url, const std::optional<QString> &contentType)
+{
+    return HLSDetector::inspect(url, contentType, std::nullopt).isHLS && m_messages.admits(url);
 }
 
 void SnifferCoordinator::report(const QUrl &url, const std::optional<QString> &contentType)
 {
-    if (m_manager)
+    if (m_manager && admits(url, contentType))
         m_manager->networkMonitor()->observe(url, contentType, std::nullopt, m_manager->pageTitle(),
                                              false);
+}
+
+void SnifferCoordinator::reportData(const QUrl &url)
+{
+    if (m_held.contains(url) || m_held.size() >= mostRemembered || !admits(url, std::nullopt))
+        return;
+    m_held.append(url);
+    if (!m_noting.isPending())
+        m_noting.start(messageDelay, [this] { noteData(); });
+}
+
+void SnifferCoordinator::noteData()
+{
+    const QList<QUrl> held = std::exchange(m_held, {});
+    for (const QUrl &url : held) {
+        if (m_manager && !m_told.contains(url))
+            m_manager->networkMonitor()->observe(url, std::nullopt, std::nullopt,
+                                                 m_manager->pageTitle(), false);
+    }
 }
 
 } // namespace lumaro

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "finder/SnifferManager.h"
+#include "platform/DelayedTask.h"
+
+#include <QSet>
 
 namespace lumaro {
 
@@ -28,15 +31,25 @@ public:
     NavigationDecision decideNewWindow(const QUrl &url);
     /// Something was asked for, or answered with this media type; an answer is always allowed.
     void report(const QUrl &url, const std::optional<QString> &contentType);
+    /// The page or a worker of its site loads data. A script's own message about it knows more, so
+    /// that is waited for.
+    void reportData(const QUrl &url);
     /// A user script posted to a handler, or the page in its name.
     void receiveMessage(const QString &handler, const QVariant &body);
 
 private:
     NavigationDecision judge(const NavigationAction &action) const;
+    bool admits(const QUrl &url, const std::optional<QString> &contentType);
+    void noteData();
 
     QPointer<SnifferManager> m_manager;
     const SnifferAdBlocker &m_blocker;
     ResourceMessageReader m_messages;
+    /// What scripts told lately.
+    QSet<QUrl> m_told;
+    /// What waits for a script's message.
+    QList<QUrl> m_held;
+    DelayedTask m_noting;
 };
 
 } // namespace lumaro

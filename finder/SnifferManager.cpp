@@ -97,8 +97,10 @@ void SnifferManager::clearAddress()
 
 void SnifferManager::pauseAllMedia()
 {
-    if (m_webView)
-        m_webView->evaluate(mediaPauseScript());
+    if (!m_webView)
+        return;
+    m_webView->pauseAllMediaPlayback();
+    m_webView->evaluate(mediaPauseScript());
 }
 
 // What the view tells
@@ -116,6 +118,14 @@ void SnifferManager::update(const QUrl &url, bool loading, const std::optional<Q
     setPageTitle(*title);
     // Once for each page that came.
     m_websites.recordVisit(url.toString(QUrl::FullyEncoded), *title);
+}
+
+void SnifferManager::follow(const QUrl &url)
+{
+    if (m_isLoading || !isPage(url))
+        return;
+    setShownPage(url);
+    setAddress(displayAddress(url));
 }
 
 void SnifferManager::fail(const QUrl &url, const QString &description)

@@ -63,6 +63,8 @@ public:
 
     /// It begins to load `url`, or has ended; `title` is the page's, once it is known.
     void update(const QUrl &url, bool loading, const std::optional<QString> &title);
+    /// It is at `url` now without having loaded anything.
+    void follow(const QUrl &url);
     void refreshNavigationState();
     void setPageTitle(const QString &title);
     /// Loading ended with an error, whose description is for the user.

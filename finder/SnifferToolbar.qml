@@ -103,15 +103,25 @@ Rectangle {
             placeholderText: "Enter the address of a web page"
             errorText: root.tab.errorMessage
             inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoPredictiveText
-            onTextEdited: root.tab.address = text
-            onCleared: root.tab.clearAddress()
+            // The page does not write over what the user is typing.
+            property bool isEdited: false
+            onTextEdited: isEdited = true
+            onActiveFocusChanged: if (!activeFocus) isEdited = false
+            onIsEditedChanged: if (isEdited) editedTab = root.tab
+            property SnifferManager editedTab: null
+            onCleared: {
+                isEdited = false;
+                root.tab.clearAddress();
+            }
             onAccepted: {
+                root.tab.address = text;
+                isEdited = false;
                 root.tab.go();
                 if (root.tab.errorMessage === "")
                     root.pageWanted();
             }
             Keys.onEscapePressed: {
-                root.tab.address = root.tab.shownPage.toString();
+                isEdited = false;
                 root.pageWanted();
             }
             Accessible.name: "Address"
@@ -119,6 +129,7 @@ Rectangle {
             // Typing breaks a plain binding.
             Binding on text {
                 value: root.tab.address
+                when: !address.isEdited || address.editedTab !== root.tab
                 restoreMode: Binding.RestoreNone
             }
         }

@@ -27,15 +27,7 @@ FocusScope {
 
     // A new window is for going somewhere.
     Component.onCompleted: toolbar.editAddress()
-    Keys.onPressed: event => {
-        if (event.text === "+")
-            root.finder.isStreamsExpanded = true;
-        else if (event.text === "-")
-            root.finder.isStreamsExpanded = false;
-        else
-            return;
-        event.accepted = true;
-    }
+    Keys.onPressed: event => event.accepted = root.finder.takeKey(event.text)
 
     Shortcut { sequence: "Ctrl+T"; onActivated: { root.finder.tabs.addTab(); toolbar.editAddress(); } }
     Shortcut { sequence: "Ctrl+W"; onActivated: root.finder.tabs.closeRow(root.finder.tabs.selectedRow) }

@@ -9,6 +9,13 @@
 
 namespace lumaro {
 
+namespace {
+
+/// Files that wait to be asked for.
+constexpr qsizetype mostPlaceless = 4;
+
+} // namespace
+
 SnifferViewModel::SnifferViewModel(const Parts &parts, QObject *parent)
     : QObject(parent)
     , m_parts(parts)
@@ -165,32 +172,81 @@ bool SnifferViewModel::takesDownload(PageView *view, const QUrl &url, const QStr
 
 int SnifferViewModel::beginSaving(const QString &proposedName)
 {
+    // A server's name for it is only a name.
+    const QString name = QFileInfo(proposedName).fileName();
     const int saving = ++m_lastSaving;
-    m_savings.insert(saving, {});
-    choosePlace(saving, proposedName);
+    // A page may ask as often as it likes, but the user answers one after the other.
+    if (m_placeless.size() >= mostPlaceless) {
+        Q_EMIT notice(QStringLiteral("The page wants to save more files than can be asked for."));
+        return saving;
+    }
+    m_savings.insert(saving, {.proposedName = name.isEmpty() ? QStringLiteral("download") : name});
+    m_placeless.append(saving);
+    choosePlaces();
     return saving;
 }
 
-Task<> SnifferViewModel::choosePlace(int saving, QString proposedName)
+Task<> SnifferViewModel::choosePlaces()
+{
+    if (std::exchange(m_isAsking, true))
+        co_return;
+    const std::stop_token stop = m_lifetime.get_token();
+    while (!m_placeless.isEmpty()) {
+        const int saving = m_placeless.takeFirst();
+        const auto found = m_savings.constFind(saving);
+        if (found == m_savings.cend())
+            continue;
+        const SavePanelRequest panel{.title = QStringLiteral("Save File"),
+                                     .prompt = QStringLiteral("Save"),
+                                     .proposedName = found->proposedName,
+                                     .typeDescription = QStringLiteral("All files"),
+                                     .extension = {}};
+        const std::optional<QUrl> file = co_await m_parts.panels.chooseNewFile(panel, stop);
+        if (stop.stop_requested())
+            co_return;
+        if (!m_savings.contains(saving))
+            continue;
+        if (file) {
+            m_savings[saving].place = file->toLocalFile();
+            Q_EMIT placeChosen(saving);
+            moveSaved(saving);
+            continue;
+        }
+        // What else the page wants saved goes with it.
+        m_placeless.prepend(saving);
+        for (const int refused : std::exchange(m_placeless, {})) {
+            QFile::remove(m_savings.take(refused).path);
+            Q_EMIT savingCancelled(refused);
+        }
+    }
+    m_isAsking = false;
+}
+
+int SnifferViewModel::beginUpload()
+{
+    const int upload = ++m_lastUpload;
+    chooseUpload(upload);
+    return upload;
+}
+
+Task<> SnifferViewModel::chooseUpload(int upload)
 {
     const std::stop_token stop = m_lifetime.get_token();
-    // A server's name for it is only a name.
-    const QString name = QFileInfo(proposedName).fileName();
-    const SavePanelRequest panel{.title = QStringLiteral("Save File"),
-                                 .prompt = QStringLiteral("Save"),
-                                 .proposedName = name.isEmpty() ? QStringLiteral("download") : name,
+    const OpenPanelRequest panel{.title = QStringLiteral("Choose File to Upload"),
+                                 .prompt = QStringLiteral("Upload"),
                                  .typeDescription = QStringLiteral("All files"),
-                                 .extension = {}};
-    const std::optional<QUrl> file = co_await m_parts.panels.chooseNewFile(panel, stop);
-    if (stop.stop_requested() || !m_savings.contains(saving))
-        co_return;
-    if (file) {
-        m_savings[saving].place = file->toLocalFile();
-        moveSaved(saving);
-    } else {
-        QFile::remove(m_savings.take(saving).path);
-        Q_EMIT savingCancelled(saving);
-    }
+                                 .extensions = {}};
+    const std::optional<QUrl> file = co_await m_parts.panels.chooseFile(panel, stop);
+    if (!stop.stop_requested())
+        Q_EMIT uploadChosen(upload, file ? file->toLocalFile() : QString());
+}
+
+bool SnifferViewModel::takeKey(const QString &text)
+{
+    if (text != u"+" && text != u"-")
+        return false;
+    setStreamsExpanded(text == u"+");
+    return true;
 }
 
 void SnifferViewModel::finishSaving(int saving, const QString &path)
@@ -223,8 +279,9 @@ Task<> SnifferViewModel::moveSaved(int number)
     Q_EMIT notice(u"Could not save " + name + u": " + moved.error().description);
     // There may be another place for it.
     if (QFile::exists(saving.path)) {
-        m_savings.insert(number, {.path = saving.path});
-        choosePlace(number, name);
+        m_savings.insert(number, {.proposedName = name, .path = saving.path});
+        m_placeless.append(number);
+        choosePlaces();
     }
 }
 

@@ -103,10 +103,18 @@ public:
     /// Asks the user where a file is to be that is being saved elsewhere meanwhile. Returns the
     /// saving's number.
     Q_INVOKABLE int beginSaving(const QString &proposedName);
+    /// Whether a saving is still wanted.
+    Q_INVOKABLE bool isSaving(int saving) const { return m_savings.contains(saving); }
+    /// Whether it is known where a saving's file goes.
+    Q_INVOKABLE bool hasPlace(int saving) const { return !m_savings.value(saving).place.isEmpty(); }
     /// The file is there; it moves to its place once there is one.
     Q_INVOKABLE void finishSaving(int saving, const QString &path);
     /// It will not be there, for a reason that the user is told unless it is empty.
     Q_INVOKABLE void abandonSaving(int saving, const QString &reason);
+    /// Asks the user for a file for a page. Returns the number that uploadChosen() bears.
+    Q_INVOKABLE int beginUpload();
+    /// What a key's text does anywhere in the window but where one types; false for nothing.
+    Q_INVOKABLE bool takeKey(const QString &text);
     /// Tells the user, below the pages.
     Q_INVOKABLE void tell(const QString &text) { Q_EMIT notice(text); }
 
@@ -116,10 +124,15 @@ Q_SIGNALS:
     void notice(const QString &text);
     /// The user does not want it saved.
     void savingCancelled(int saving);
+    /// The user has said where it goes.
+    void placeChosen(int saving);
+    /// The user has chosen a file for a page; empty for none.
+    void uploadChosen(int upload, const QString &path);
 
 private:
     void selectTab();
-    Task<> choosePlace(int saving, QString proposedName);
+    Task<> choosePlaces();
+    Task<> chooseUpload(int upload);
     Task<> moveSaved(int saving);
 
     Parts m_parts;
@@ -133,6 +146,7 @@ private:
     QPointer<SnifferManager> m_tab;
     struct Saving
     {
+        QString proposedName{};
         /// What has been saved; empty while it is not complete.
         QString path{};
         /// Where it belongs; empty while the user has not said.
@@ -140,6 +154,10 @@ private:
     };
     QHash<int, Saving> m_savings;
     int m_lastSaving = 0;
+    int m_lastUpload = 0;
+    /// The savings whose places are still to be asked for, in order.
+    QList<int> m_placeless;
+    bool m_isAsking = false;
     std::stop_source m_lifetime;
 };
 

@@ -29,9 +29,16 @@ SnifferWebView::SnifferWebView(PageView &view, SnifferManager &manager, Environm
         if (m_manager)
             m_manager->setPageTitle(title);
     });
+    connect(&view, &PageView::urlChanged, this, [this] {
+        if (m_manager)
+            m_manager->follow(m_view.url());
+    });
+    connect(&view, &PageView::historyChanged, this, [this] {
+        if (m_manager)
+            m_manager->refreshNavigationState();
+    });
     connect(&view, &PageView::newWindowRequested, this, &SnifferWebView::openWindow);
-    connect(&view, &PageView::dataRequested, &m_coordinator,
-            [this](const QUrl &url) { m_coordinator.report(url, std::nullopt); });
+    connect(&view, &PageView::dataRequested, &m_coordinator, &SnifferCoordinator::reportData);
     connect(&view, &PageView::responseReceived, &m_coordinator, &SnifferCoordinator::report);
     connect(&view, &PageView::messageReceived, &m_coordinator, &SnifferCoordinator::receiveMessage);
     m_blocker.registerAndApply(&view);

@@ -90,7 +90,7 @@ void SnifferWindowController::keyWindowChanged(KeyWindow key)
 {
     m_keyWindow = key;
     // Whoever goes to another program comes back to the page that was open.
-    if (m_isShown && key == KeyWindow::Other)
+    if (m_isShown && key == KeyWindow::Other && !m_hasSheet)
         scheduleHide(true);
 }
 
@@ -100,6 +100,8 @@ void SnifferWindowController::scheduleHide(bool onlyIfStillInactive)
         m_scheduler.cancel(*m_hiding);
     m_hiding = m_scheduler.callAfter(Scheduler::Duration::zero(), [this, onlyIfStillInactive] {
         m_hiding.reset();
+        if (m_hasSheet)
+            return;
         if (!onlyIfStillInactive || m_keyWindow == KeyWindow::Other)
             hide();
     });
@@ -111,6 +113,7 @@ void SnifferWindowController::hide()
         return;
     m_notifications.post(QString::fromUtf16(notification::snifferWindowDidClose));
     m_tabs.pauseAllTabsMedia();
+    Q_EMIT hiding();
     m_isShown = false;
     Q_EMIT isShownChanged();
 }

@@ -18,6 +18,8 @@ class SnifferWindowController : public QObject
     Q_PROPERTY(bool isShown READ isShown NOTIFY isShownChanged)
     /// Where the window was, in the desktop's coordinates; empty when that is not known.
     Q_PROPERTY(QRect frame READ frame WRITE setFrame NOTIFY frameChanged)
+    /// A panel or dialog of the window waits for the user; the window stays for it.
+    Q_PROPERTY(bool hasSheet MEMBER m_hasSheet NOTIFY hasSheetChanged)
     Q_PROPERTY(QString title MEMBER title CONSTANT)
 
 public:
@@ -62,6 +64,9 @@ public:
 Q_SIGNALS:
     void isShownChanged();
     void frameChanged();
+    void hasSheetChanged();
+    /// It is about to be hidden.
+    void hiding();
     /// The window, which may have to be made, should be in front.
     void frontRequested();
 
@@ -75,6 +80,7 @@ private:
     DefaultsValue m_storedFrame;
     QRect m_frame;
     bool m_isShown = false;
+    bool m_hasSheet = false;
     KeyWindow m_keyWindow = KeyWindow::None;
     std::optional<Scheduler::TimerId> m_hiding;
 };

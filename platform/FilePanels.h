@@ -18,7 +18,7 @@ struct OpenPanelRequest
     QString prompt;
     /// What the accepted files are called, for the panel's type choice.
     QString typeDescription;
-    /// File-name extensions without the dot.
+    /// File-name extensions without the dot; empty for all files.
     QStringList extensions;
 
     bool operator==(const OpenPanelRequest &) const = default;

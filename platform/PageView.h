@@ -42,6 +42,8 @@ public:
 
     virtual bool canGoBack() const = 0;
     virtual bool canGoForward() const = 0;
+    /// Pauses what plays in the page and in its frames.
+    virtual void pauseAllMediaPlayback() = 0;
     virtual void goBack() = 0;
     virtual void goForward() = 0;
 
@@ -51,6 +53,9 @@ public:
     virtual void setNavigationPolicy(NavigationPolicy policy) = 0;
 
 Q_SIGNALS:
+    /// Also without loading anything, within a page.
+    void urlChanged();
+    void historyChanged();
     void loadStarted();
     /// The page is there, with its title, as good as the server has it.
     void loadFinished(const QString &title);

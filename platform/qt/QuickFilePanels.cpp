@@ -34,11 +34,13 @@ QUrl withScheme(const QUrl &file)
 Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
                                                       std::stop_token stop)
 {
+    QStringList filters{QStringLiteral("All files (*)")};
+    if (!request.extensions.isEmpty())
+        filters.prepend(nameFilter(request.typeDescription, request.extensions));
     return show({.kind = Kind::File,
                  .title = request.title,
                  .prompt = request.prompt,
-                 .nameFilters = {nameFilter(request.typeDescription, request.extensions),
-                                 QStringLiteral("All files (*)")}},
+                 .nameFilters = std::move(filters)},
                 std::move(stop));
 }
 
@@ -112,6 +114,7 @@ Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token sto
     m_panel = std::move(panel);
     const OneShot<std::optional<QUrl>> choice;
     m_open = choice;
+    Q_EMIT isOpenChanged();
     const std::stop_callback whenStopped(stop, [this] {
         Q_EMIT withdrawn();
         answer(std::nullopt);
@@ -158,8 +161,10 @@ void QuickFilePanels::reject()
 
 void QuickFilePanels::answer(const std::optional<QUrl> &file)
 {
-    if (const auto open = std::exchange(m_open, std::nullopt))
+    if (const auto open = std::exchange(m_open, std::nullopt)) {
+        Q_EMIT isOpenChanged();
         open->complete(file);
+    }
 }
 
 } // namespace lumaro

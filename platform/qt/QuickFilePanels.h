@@ -11,6 +11,7 @@ namespace lumaro {
 class QuickFilePanels : public QObject, public FilePanels
 {
     Q_OBJECT
+    Q_PROPERTY(bool isOpen READ isOpen NOTIFY isOpenChanged)
     Q_PROPERTY(Kind kind READ kind NOTIFY openRequested)
     Q_PROPERTY(QString title READ title NOTIFY openRequested)
     Q_PROPERTY(QString prompt READ prompt NOTIFY openRequested)
@@ -53,6 +54,7 @@ public:
     Task<std::optional<QUrl>> chooseFolder(FolderPanelRequest request,
                                            std::stop_token stop) override;
 
+    bool isOpen() const { return m_open.has_value(); }
     Kind kind() const { return m_panel.kind; }
     const QString &title() const { return m_panel.title; }
     const QString &prompt() const { return m_panel.prompt; }
@@ -79,6 +81,7 @@ public:
     Q_INVOKABLE void chooseAnother();
 
 Q_SIGNALS:
+    void isOpenChanged();
     void openRequested();
     void proposedFileChanged();
     void accessoryTextChanged();

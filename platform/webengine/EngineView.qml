@@ -7,6 +7,9 @@ import Lumaro.Platform.WebEngine
 //   messageHandlers            what the models' scripts may post to
 //   permissionRequested(...)   answer with answerPermission()
 //   certificateRefused(...)    the server is not who it claims to be; nothing was loaded
+//   dialogRequested(request)   the page wants to tell or ask the user something, and waits
+//   loginRequested(request)    the server wants a name and a password, and waits
+//   uploadRequested(request)   the page wants files of the user's
 //   crashed()                  the page's process is gone; reload() makes another
 //   menuRequested(request)     the page's context menu
 WebEngineView {
@@ -17,6 +20,9 @@ WebEngineView {
     readonly property EngineWebView page: bridge
     signal permissionRequested(url origin, int feature)
     signal certificateRefused(url address, string reason)
+    signal dialogRequested(JavaScriptDialogRequest request)
+    signal loginRequested(AuthenticationDialogRequest request)
+    signal uploadRequested(FileDialogRequest request)
     signal crashed()
     signal menuRequested(ContextMenuRequest request)
 
@@ -81,8 +87,21 @@ WebEngineView {
     }
     // Whoever asks is the user's own proxy, whose password is among the settings.
     onAuthenticationDialogRequested: request => {
-        if (request.type !== AuthenticationDialogRequest.AuthenticationTypeProxy)
-            return;
+        request.accepted = true;
+        if (request.type === AuthenticationDialogRequest.AuthenticationTypeProxy)
+            request.dialogReject();
+        else
+            root.loginRequested(request);
+    }
+    onJavaScriptDialogRequested: request => {
+        request.accepted = true;
+        root.dialogRequested(request);
+    }
+    onFileDialogRequested: request => {
+        request.accepted = true;
+        root.uploadRequested(request);
+    }
+    onColorDialogRequested: request => {
         request.accepted = true;
         request.dialogReject();
     }
@@ -99,5 +118,6 @@ WebEngineView {
         onForwardRequested: root.goForward()
         onReloadRequested: root.reload()
         onEvaluationRequested: script => root.runJavaScript(script)
+        onPauseRequested: script => root.runJavaScript(script, WebEngineScript.ApplicationWorld, () => {})
     }
 }

@@ -78,6 +78,12 @@ bool EngineWebView::isOfSite(const QUrl &site) const
     return !site.host().isEmpty() && (host == site.host() || host.endsWith(u'.' + site.host()));
 }
 
+void EngineWebView::load(const QUrl &url)
+{
+    m_subFrameUsed = false;
+    Q_EMIT loadRequested(url);
+}
+
 void EngineWebView::setTitle(const QString &title)
 {
     if (std::exchange(m_title, title) != title)
@@ -145,27 +151,17 @@ void EngineWebView::removeAllContentRuleLists()
 void EngineWebView::readConsole(const QString &message)
 {
     if (const auto used = m_channel.readUse(message)) {
-        if (*used == MessageChannel::Use::InPage)
-            m_subFrameUsed.reset();
-        else
-            m_subFrameUsed = std::chrono::steady_clock::now();
+        m_subFrameUsed = *used == MessageChannel::Use::InSubFrame;
     } else if (const auto posted = m_channel.read(message)) {
         Q_EMIT messageReceived(posted->handler, posted->body);
     }
-}
-
-bool EngineWebView::lastUsedFrameIsMain() const
-{
-    // The engine does not tell which frame asks. Frames of other sites may only move the page while
-    // a use by the user is fresh, which in this engine is for five seconds.
-    constexpr std::chrono::seconds freshness{5};
-    return !m_subFrameUsed || std::chrono::steady_clock::now() - *m_subFrameUsed > freshness;
 }
 
 void EngineWebView::tellLoading(const QWebEngineLoadingInfo &info)
 {
     switch (info.status()) {
     case QWebEngineLoadingInfo::LoadStartedStatus:
+        m_subFrameUsed = false;
         Q_EMIT loadStarted();
         return;
     case QWebEngineLoadingInfo::LoadStoppedStatus:
@@ -202,7 +198,10 @@ void EngineWebView::decideNavigation(QWebEngineNavigationRequest *request)
         || request->navigationType() == Request::FormSubmittedNavigation
         || request->navigationType() == Request::OtherNavigation
         || request->navigationType() == Request::RedirectNavigation;
-    action.sourceIsMainFrame = !isPagesOwn || lastUsedFrameIsMain();
+    // The engine does not tell which frame asks. It lets a frame of another site move the page once
+    // the user has used that frame, and then at any time, so a page whose frame was used last is
+    // taken at its frame's word.
+    action.sourceIsMainFrame = !isPagesOwn || !m_subFrameUsed;
     if (mayGo(action))
         request->accept();
     else
@@ -217,7 +216,7 @@ void EngineWebView::decideNewWindow(QWebEngineNewWindowRequest *request)
         mayGo({.url = url,
                .target = NavigationAction::Target::NewWindow,
                .isLinkClick = true,
-               .sourceIsMainFrame = lastUsedFrameIsMain()});
+               .sourceIsMainFrame = !m_subFrameUsed});
     else if (isForPages(url))
         Q_EMIT newWindowRequested(url);
 }

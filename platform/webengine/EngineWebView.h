@@ -9,8 +9,6 @@
 #include <QWebEngineNewWindowRequest>
 #include <QtQml/qqmlregistration.h>
 
-#include <chrono>
-
 namespace lumaro {
 
 /// A web view of Qt WebEngine, for models. An EngineView shows it: it tells what happens there and
@@ -48,7 +46,7 @@ public:
 
     QUrl url() const override { return m_url; }
     void setUrl(const QUrl &url);
-    void load(const QUrl &url) override { Q_EMIT loadRequested(url); }
+    void load(const QUrl &url) override;
     void stopLoading() override { Q_EMIT stopRequested(); }
     void loadEmptyPage() override { load(emptyPage()); }
     bool canGoBack() const override { return m_canGoBack; }
@@ -59,6 +57,7 @@ public:
     void goForward() override { Q_EMIT forwardRequested(); }
     void reload() override { Q_EMIT reloadRequested(); }
     void evaluate(const QString &script) override { Q_EMIT evaluationRequested(script); }
+    void pauseAllMediaPlayback() override { Q_EMIT pauseRequested(m_channel.pausingScript()); }
 
     void setUserScripts(const QStringList &scripts) override;
     void setNavigationPolicy(NavigationPolicy policy) override { m_policy = std::move(policy); }
@@ -77,27 +76,25 @@ public:
     Q_INVOKABLE void decideNewWindow(QWebEngineNewWindowRequest *request);
 
 Q_SIGNALS:
-    void urlChanged();
     void scriptsChanged();
-    void historyChanged();
     void loadRequested(const QUrl &url);
     void stopRequested();
     void backRequested();
     void forwardRequested();
     void reloadRequested();
     void evaluationRequested(const QString &script);
+    /// To be run where the isolated script runs.
+    void pauseRequested(const QString &script);
 
 private:
     bool mayGo(const NavigationAction &action) const;
-    bool lastUsedFrameIsMain() const;
     bool isOfSite(const QUrl &site) const;
 
     QPointer<EngineProfile> m_profile;
     MessageChannel m_channel;
     NavigationPolicy m_policy;
-    /// When the user last clicked or pressed a key in a frame of the page, if that was not the
-    /// page itself.
-    std::optional<std::chrono::steady_clock::time_point> m_subFrameUsed;
+    /// The user last clicked or pressed a key in a frame of the page rather than the page itself.
+    bool m_subFrameUsed = false;
     QUrl m_url;
     QString m_title;
     bool m_canGoBack = false;

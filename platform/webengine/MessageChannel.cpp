@@ -40,6 +40,11 @@ QString MessageChannel::openingScript() const
                        {m_eventName, QJsonArray::fromStringList(m_handlers)});
 }
 
+QString MessageChannel::pausingScript()
+{
+    return QStringLiteral("window.pauseAllMedia && window.pauseAllMedia();");
+}
+
 QString MessageChannel::closingScript()
 {
     return builtInScript(QStringLiteral(":/lumaro/webengine/scripts/close-channel.js"));

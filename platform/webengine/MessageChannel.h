@@ -35,6 +35,8 @@ public:
     QString receivingScript() const;
     /// Before the scripts that post, in every frame at document start, in the page's world.
     QString openingScript() const;
+    /// Pauses all media of the page and its frames; to be run in the world of receivingScript().
+    static QString pausingScript();
     /// After them, for the page is not to post anything.
     static QString closingScript();
 

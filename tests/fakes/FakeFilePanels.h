@@ -5,6 +5,7 @@
 #include <QList>
 
 #include <functional>
+#include <utility>
 
 namespace lumaro {
 
@@ -27,6 +28,8 @@ public:
     Task<std::optional<QUrl>> chooseNewFile(SavePanelRequest request, std::stop_token) override
     {
         saveRequests.append(request);
+        if (whileOpen)
+            std::exchange(whileOpen, nullptr)();
         // Otherwise the coroutine would move it out of here.
         co_return std::as_const(choice);
     }

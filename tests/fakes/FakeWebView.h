@@ -35,6 +35,7 @@ public:
     void loadEmptyPage() override { log.append(QStringLiteral("empty page")); }
     bool canGoBack() const override { return mayGoBack; }
     bool canGoForward() const override { return mayGoForward; }
+    void pauseAllMediaPlayback() override { log.append(QStringLiteral("pause")); }
     void goBack() override { log.append(QStringLiteral("back")); }
     void goForward() override { log.append(QStringLiteral("forward")); }
     void addContentRuleList(std::shared_ptr<const ContentRuleList> list) override

@@ -73,6 +73,8 @@ private Q_SLOTS:
     void opensNoWindows();
     void reportsWhatItSees();
 
+    void scriptsKnowMoreThanTheBrowser();
+    void floodsAreNotListed();
     void tabsComeAndGo();
     void closingSelectsTheNext_data();
     void closingSelectsTheNext();
@@ -149,7 +151,8 @@ void SnifferBrowserTest::passesButtonsOn()
     world.manager.stopLoading();
     world.manager.pauseAllMedia();
     QCOMPARE(world.view.log,
-             (QStringList{u"back"_s, u"forward"_s, u"reload"_s, u"stop"_s, mediaPauseScript()}));
+             (QStringList{u"back"_s, u"forward"_s, u"reload"_s, u"stop"_s, u"pause"_s,
+                          mediaPauseScript()}));
 }
 
 void SnifferBrowserTest::followsTheView()
@@ -330,6 +333,50 @@ void SnifferBrowserTest::reportsWhatItSees()
     coordinator.receiveMessage(handler, u"https://h/6.m3u8"_s);
 }
 
+void SnifferBrowserTest::scriptsKnowMoreThanTheBrowser()
+{
+    World world;
+    world.manager.update(QUrl(u"https://site.example/x"_s), false, u"The page"_s);
+    SnifferCoordinator coordinator(world.manager, world.blocker, world.scheduler);
+    const auto name = [](const QString &url) {
+        return QVariantMap{{u"url"_s, url}, {u"title"_s, u"Clicked"_s}, {u"selected"_s, true}};
+    };
+    // Two qualities under one name, which the browser sees first and again.
+    for (const QString &url : {u"https://h/1.m3u8"_s, u"https://h/2.m3u8"_s}) {
+        coordinator.reportData(QUrl(url));
+        coordinator.receiveMessage(handler, name(url));
+        world.scheduler.advance(std::chrono::seconds(1));
+        coordinator.reportData(QUrl(url));
+    }
+    world.scheduler.advance(std::chrono::seconds(1));
+    const auto &streams = world.manager.networkMonitor()->streams();
+    QCOMPARE(streams.size(), 1);
+    QCOMPARE(streams.first().displayName, u"Clicked"_s);
+    // A worker's, of which no script tells.
+    coordinator.reportData(QUrl(u"https://h/worker.m3u8"_s));
+    QCOMPARE(streams.size(), 1);
+    world.scheduler.advance(std::chrono::seconds(1));
+    QCOMPARE(streams.size(), 2);
+}
+
+void SnifferBrowserTest::floodsAreNotListed()
+{
+    World world;
+    SnifferCoordinator coordinator(world.manager, world.blocker, world.scheduler);
+    const auto &streams = world.manager.networkMonitor()->streams();
+    const QStringList refused{u"data:audio/x,a.m3u8"_s, u"blob:https://h/a.m3u8"_s,
+                              u"https://h/"_s + QString(20'000, u'a') + u".m3u8"_s};
+    for (const QString &address : refused)
+        coordinator.report(QUrl(address), u"application/vnd.apple.mpegurl"_s);
+    QCOMPARE(streams.size(), 0);
+    for (int i = 0; i < 50'000; ++i) {
+        coordinator.report(QUrl(u"https://h/a.m3u8?%1"_s.arg(i)), std::nullopt);
+        coordinator.reportData(QUrl(u"https://h/b.m3u8?%1"_s.arg(i)));
+    }
+    world.scheduler.advance(std::chrono::seconds(1));
+    QVERIFY(streams.size() > 10 && streams.size() < 2'000);
+}
+
 void SnifferBrowserTest::tabsComeAndGo()
 {
     World world;
@@ -401,8 +448,9 @@ void SnifferBrowserTest::closedTabsFallSilent()
     tabs.pauseAllTabsMedia();
     tabs.closeRow(0);
     QCOMPARE(views[0].log,
-             (QStringList{mediaPauseScript(), u"stop"_s, mediaStopScript(), u"empty page"_s}));
-    QCOMPARE(views[1].log, QStringList{mediaPauseScript()});
+             (QStringList{u"pause"_s, mediaPauseScript(), u"stop"_s, mediaStopScript(),
+                          u"empty page"_s}));
+    QCOMPARE(views[1].log, (QStringList{u"pause"_s, mediaPauseScript()}));
 }
 
 void SnifferBrowserTest::tabsHaveTitles()

@@ -97,6 +97,9 @@ private Q_SLOTS:
     void asksWhereToSave();
     void closingHides();
     void losingTheKeyboard_data();
+    void savingsWaitForEachOther();
+    void panelsKeepTheWindow();
+    void followsWithinThePage();
     void losingTheKeyboard();
     void framesAreRemembered();
     void framesFitTheScreen_data();
@@ -314,6 +317,7 @@ void SnifferViewTest::asksWhereToSave()
     const int first = world.finder.beginSaving(u"../../evil/a.zip"_s);
     QCOMPARE(world.panels.saveRequests.last().proposedName, u"a.zip"_s);
     QCOMPARE(cancelled.takeFirst(), QVariantList{first});
+    QVERIFY(!world.finder.isSaving(first));
     // What had come in time goes.
     write();
     world.finder.finishSaving(first, part);
@@ -350,7 +354,7 @@ void SnifferViewTest::closingHides()
     world.scheduler.advance({});
     QVERIFY(!world.window.isShown());
     QCOMPARE(world.posted, QStringList{QString::fromUtf16(notification::snifferWindowDidClose)});
-    QCOMPARE(world.view.log, QStringList{mediaPauseScript()});
+    QCOMPARE(world.view.log, (QStringList{u"pause"_s, mediaPauseScript()}));
     QCOMPARE(world.finder.tabs()->count(), 1);
 
     // Who changes their mind at once is not left without the window.
@@ -373,6 +377,64 @@ void SnifferViewTest::losingTheKeyboard_data()
     QTest::newRow("main window and back") << QList{Other, Finder} << true;
     QTest::newRow("main window, then a panel") << QList{Other, OwnPanel} << true;
     QTest::newRow("from another program to the main window") << QList{None, Other} << false;
+}
+
+void SnifferViewTest::savingsWaitForEachOther()
+{
+    World world;
+    QSignalSpy cancelled(&world.finder, &SnifferViewModel::savingCancelled);
+    int second = 0;
+    world.panels.choice = QUrl::fromLocalFile(world.folder.filePath(u"a.zip"_s));
+    world.panels.whileOpen = [&] {
+        second = world.finder.beginSaving(u"b.zip"_s);
+        QCOMPARE(world.panels.saveRequests.size(), 1);
+        QVERIFY(world.finder.isSaving(second) && !world.finder.hasPlace(second));
+    };
+    const int first = world.finder.beginSaving(u"a.zip"_s);
+    QVERIFY(world.finder.hasPlace(first) && world.finder.hasPlace(second));
+    QCOMPARE(world.panels.saveRequests.last().proposedName, u"b.zip"_s);
+
+    // A page may ask on and on; Cancel answers all that waits.
+    world.panels.choice.reset();
+    world.panels.whileOpen = [&] {
+        for (int i = 0; i < 20; ++i)
+            world.finder.beginSaving(u"c.zip"_s);
+    };
+    const int flood = world.finder.beginSaving(u"c.zip"_s);
+    QCOMPARE(world.panels.saveRequests.size(), 3);
+    QCOMPARE(cancelled.size(), 5);
+    for (int saving = flood; saving <= flood + 20; ++saving)
+        QVERIFY(!world.finder.isSaving(saving));
+}
+
+void SnifferViewTest::panelsKeepTheWindow()
+{
+    World world;
+    world.window.show();
+    world.window.setProperty("hasSheet", true);
+    world.window.keyWindowChanged(KeyWindow::Other);
+    world.window.windowShouldClose();
+    world.scheduler.advance({});
+    QVERIFY(world.window.isShown());
+    world.window.setProperty("hasSheet", false);
+    world.window.windowShouldClose();
+    world.scheduler.advance({});
+    QVERIFY(!world.window.isShown());
+}
+
+void SnifferViewTest::followsWithinThePage()
+{
+    World world;
+    world.attach();
+    Q_EMIT world.view.loadStarted();
+    Q_EMIT world.view.loadFinished(u"Watch"_s);
+    world.view.address = u"https://site.example/#2"_s;
+    world.view.mayGoBack = true;
+    Q_EMIT world.view.urlChanged();
+    Q_EMIT world.view.historyChanged();
+    QCOMPARE(world.tab().shownPage(), QUrl(u"https://site.example/#2"_s));
+    QCOMPARE(world.tab().address(), u"https://site.example/#2"_s);
+    QVERIFY(world.tab().canGoBack());
 }
 
 void SnifferViewTest::losingTheKeyboard()

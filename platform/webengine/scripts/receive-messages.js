@@ -14,6 +14,24 @@
             console.debug(secret + ":" + message);
     }, true);
 
+    // Each frame pauses its own media and tells the frames in it.
+    const pausing = "lumaro:pause";
+    window.pauseAllMedia = function (root) {
+        const place = root || document;
+        place.querySelectorAll("video, audio").forEach(function (media) { media.pause(); });
+        place.querySelectorAll("*").forEach(function (element) {
+            if (element.shadowRoot)
+                window.pauseAllMedia(element.shadowRoot);
+        });
+        for (let i = 0; !root && i < window.frames.length; ++i)
+            window.frames[i].postMessage(pausing, "*");
+    };
+    window.addEventListener("message", function (event) {
+        // Whoever else says so can do no more than pause.
+        if (event.data === pausing)
+            window.pauseAllMedia();
+    }, true);
+
     const place = window === window.top ? "!page" : "!frame";
     ["mousedown", "pointerdown", "touchstart", "keydown"].forEach(function (kind) {
         window.addEventListener(kind, function (event) {
