@@ -76,6 +76,11 @@ Item {
                 commands: root.commands.view
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
+            MenuButton {
+                title: "Help"
+                commands: root.commands.help
+                onOpenedChanged: root.openMenus += opened ? 1 : -1
+            }
         }
 
         Text {
