@@ -19,6 +19,7 @@ ListView {
     width: parent ? parent.width + 2 * inset : 0
     clip: true
     activeFocusOnTab: true
+    currentIndex: -1
     keyNavigationEnabled: false
     boundsBehavior: Flickable.StopAtBounds
 
@@ -35,8 +36,8 @@ ListView {
         switch (event.key) {
         case Qt.Key_PageUp: scroll(-height * 0.9); break;
         case Qt.Key_PageDown: scroll(height * 0.9); break;
-        case Qt.Key_Home: positionViewAtBeginning(); break;
-        case Qt.Key_End: positionViewAtEnd(); break;
+        case Qt.Key_Home: scroll(-contentHeight); break;
+        case Qt.Key_End: scroll(contentHeight); break;
         default: event.accepted = false;
         }
     }
