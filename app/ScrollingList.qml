@@ -14,6 +14,12 @@ ListView {
     function scroll(distance: real): void {
         contentY = Math.max(originY, Math.min(contentY + distance, originY + contentHeight - height));
     }
+    // Where it begins and ends is an estimate until the rows there have been laid out.
+    function scrollToEdge(direction: int): void {
+        scroll(direction * contentHeight);
+        forceLayout();
+        scroll(direction * contentHeight);
+    }
 
     x: -inset
     width: parent ? parent.width + 2 * inset : 0
@@ -36,8 +42,8 @@ ListView {
         switch (event.key) {
         case Qt.Key_PageUp: scroll(-height * 0.9); break;
         case Qt.Key_PageDown: scroll(height * 0.9); break;
-        case Qt.Key_Home: scroll(-contentHeight); break;
-        case Qt.Key_End: scroll(contentHeight); break;
+        case Qt.Key_Home: scrollToEdge(-1); break;
+        case Qt.Key_End: scrollToEdge(1); break;
         default: event.accepted = false;
         }
     }
