@@ -39,7 +39,7 @@ RecentItems::RecentItems(const Parts &parts, QObject *parent)
     const QJsonValue stored = m_stored.read();
     if (!stored.isArray())
         m_stored.setAside();
-    for (const QJsonValue &value : stored.toArray()) {
+    for (const QJsonValue value : stored.toArray()) {
         const auto item = itemFrom(value.toObject());
         if (item && m_items.size() < maximum)
             m_items.append(*item);
@@ -68,10 +68,9 @@ QString RecentItems::title(const RecentItem &item) const
     const auto isNamesake = [&name, &item](const RecentItem &other) {
         return other.url.isLocalFile() && other != item && other.url.fileName() == name;
     };
-    const QString shown = name.simplified();
     if (std::ranges::none_of(m_items, isNamesake))
-        return shown;
-    return shown + u" — " + QFileInfo(item.url.toLocalFile()).path().simplified();
+        return name.simplified();
+    return name.simplified() + u" — " + QFileInfo(item.url.toLocalFile()).path().simplified();
 }
 
 void RecentItems::opened(const RecentItem &item)

@@ -27,9 +27,15 @@ MediaCommands::Microseconds microseconds(double seconds)
     return MediaCommands::Microseconds(std::llround(std::clamp(seconds, -most, most) * 1e6));
 }
 
-std::unexpected<QString> refusal(const QString &reason)
+/// Why the file at `path` cannot be opened; empty when it can.
+QString problemWith(const QString &path)
 {
-    return std::unexpected(reason);
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("The file does not exist.");
+    if (!info.isFile())
+        return QStringLiteral("It is not a file.");
+    return info.isReadable() ? QString() : QStringLiteral("The file could not be read.");
 }
 
 } // namespace
@@ -61,6 +67,7 @@ RemoteControl::RemoteControl(PlayerModel &player, MainWindowModel &window, Sched
 
 RemoteControl::~RemoteControl()
 {
+    m_lifetime.request_stop();
     m_controls.setCommands(nullptr);
 }
 
@@ -223,27 +230,31 @@ void RemoteControl::setVolume(double volume)
         m_player.setVolume(volume);
 }
 
-std::expected<void, QString> RemoteControl::openUri(const QString &uri)
+Task<std::expected<void, QString>> RemoteControl::openUri(QString uri)
 {
     if (uri.size() > maximumUriLength)
-        return refusal(QStringLiteral("The address is too long."));
+        co_return std::unexpected(QStringLiteral("The address is too long."));
     const QString address = normalizedRemoteAddress(uri);
     if (remoteUrl(address)) {
         m_player.openRemote(address, std::nullopt);
-        return {};
+        co_return {};
     }
     const QUrl file(uri);
     if (!file.isLocalFile() || !file.host().isEmpty())
-        return refusal(QStringLiteral("Lumaro opens files and HTTP or HTTPS addresses."));
-    const QFileInfo info(file.toLocalFile());
-    if (!info.exists())
-        return refusal(QStringLiteral("The file does not exist."));
-    if (!info.isFile())
-        return refusal(QStringLiteral("It is not a file."));
-    if (!info.isReadable())
-        return refusal(QStringLiteral("The file could not be read."));
+        co_return std::unexpected(
+            QStringLiteral("Lumaro opens files and HTTP or HTTPS addresses."));
+
+    // A folder from elsewhere may take its time, and another program names any it likes.
+    const std::stop_token stop = m_lifetime.get_token();
+    const auto looking =
+        m_scheduler.inBackground([path = file.toLocalFile()] { return problemWith(path); });
+    const QString problem = co_await looking;
+    if (stop.stop_requested())
+        co_return std::unexpected(QStringLiteral("Lumaro has been closed."));
+    if (!problem.isEmpty())
+        co_return std::unexpected(problem);
     m_window.openDropped({file}, QString());
-    return {};
+    co_return {};
 }
 
 } // namespace lumaro

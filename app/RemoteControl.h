@@ -5,6 +5,8 @@
 
 #include <QObject>
 
+#include <stop_token>
+
 namespace lumaro {
 
 class MainWindowModel;
@@ -42,7 +44,7 @@ public:
     void seek(Microseconds offset) override;
     void setPosition(quint64 track, Microseconds position) override;
     void setVolume(double volume) override;
-    std::expected<void, QString> openUri(const QString &uri) override;
+    Task<std::expected<void, QString>> openUri(QString uri) override;
     Microseconds position() const override;
 
 Q_SIGNALS:
@@ -70,6 +72,7 @@ private:
     /// Where playback was, in seconds, and when; from there on it is expected to go on.
     double m_position = 0;
     Scheduler::TimePoint m_positionTime;
+    std::stop_source m_lifetime;
 };
 
 } // namespace lumaro

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Async.h"
+
 #include <QString>
 #include <QUrl>
 
@@ -60,7 +62,7 @@ public:
     virtual void setPosition(quint64 track, Microseconds position) = 0;
     virtual void setVolume(double volume) = 0;
     /// The error is a sentence; nothing has changed then.
-    virtual std::expected<void, QString> openUri(const QString &uri) = 0;
+    virtual Task<std::expected<void, QString>> openUri(QString uri) = 0;
 
     virtual Microseconds position() const = 0;
 };

@@ -26,7 +26,7 @@ ResumePositions::ResumePositions(UserDefaults &defaults, Scheduler &scheduler)
     const QJsonValue stored = m_stored.read();
     if (!stored.isArray())
         m_stored.setAside();
-    for (const QJsonValue &value : stored.toArray()) {
+    for (const QJsonValue value : stored.toArray()) {
         if (const auto entry = entryFrom(value.toObject()))
             m_entries.append(*entry);
     }
@@ -35,10 +35,10 @@ ResumePositions::ResumePositions(UserDefaults &defaults, Scheduler &scheduler)
 
 std::optional<ResumePositions::Entry> ResumePositions::entryFrom(const QJsonObject &stored)
 {
-    const Entry entry{.file = {.path = stored.value(u"path").toString(),
-                               .size = stored.value(u"size").toInteger(-1),
-                               .modified = stored.value(u"modified").toInteger(-1)},
-                      .seconds = stored.value(u"seconds").toDouble()};
+    Entry entry{.file = {.path = stored.value(u"path").toString(),
+                         .size = stored.value(u"size").toInteger(-1),
+                         .modified = stored.value(u"modified").toInteger(-1)},
+                .seconds = stored.value(u"seconds").toDouble()};
     if (entry.file.path.isEmpty() || entry.file.size < 0 || entry.seconds <= 0)
         return std::nullopt;
     return entry;

@@ -118,12 +118,12 @@ void MprisPlayerAdaptor::OpenUri(const QString &Uri, const QDBusMessage &message
 {
     if (!m_player.commands)
         return;
-    const auto opened = m_player.commands->openUri(Uri);
-    if (opened)
-        return;
     message.setDelayedReply(true);
-    QDBusConnection::sessionBus().send(
-        message.createErrorReply(QDBusError::InvalidArgs, opened.error()));
+    m_player.commands->openUri(Uri).then([message](const std::expected<void, QString> &opened) {
+        QDBusConnection::sessionBus().send(
+            opened ? message.createReply()
+                   : message.createErrorReply(QDBusError::InvalidArgs, opened.error()));
+    });
 }
 
 } // namespace lumaro

@@ -164,12 +164,12 @@ public:
         log.append(u"position %1 %2"_s.arg(track).arg(time.count()));
     }
     void setVolume(double volume) override { log.append(u"volume %1"_s.arg(volume)); }
-    std::expected<void, QString> openUri(const QString &uri) override
+    Task<std::expected<void, QString>> openUri(QString uri) override
     {
         log.append(u"open "_s + uri);
         if (uri.startsWith(u"bad"))
-            return std::unexpected(u"It is bad."_s);
-        return {};
+            co_return std::unexpected(u"It is bad."_s);
+        co_return {};
     }
     Microseconds position() const override { return Microseconds(1'500'000); }
 

@@ -70,10 +70,11 @@ void AppWorld::openMenu(const QString &title)
             continue;
         item->forceActiveFocus(Qt::TabFocusReason);
         press(Qt::Key_Return);
-        QTest::qWaitFor([this] { return isPopupOpen(); }, longestWait);
+        if (!becomesTrue([this] { return isPopupOpen(); }))
+            break;
         return;
     }
-    QTest::qFail("There is no such menu.", __FILE__, __LINE__);
+    QTest::qFail("The menu does not open.", __FILE__, __LINE__);
 }
 
 bool AppWorld::isPopupOpen() const
