@@ -5,15 +5,35 @@
 #include "platform/pulse/PulseMonitor.h"
 #include "platform/qt/ThreadQueue.h"
 #include "ui/Style.h"
+#include "ui/Theme.h"
 
 #include <QGuiApplication>
 #include <QLibrary>
 #include <QQmlComponent>
 #include <QQuickWindow>
+#include <QScreen>
 
 #include <clocale>
 
 namespace lumaro {
+
+namespace {
+
+WindowPlacement::State placementState(QWindow::Visibility visibility)
+{
+    switch (visibility) {
+    case QWindow::Windowed:
+        return WindowPlacement::State::Normal;
+    case QWindow::Maximized:
+        return WindowPlacement::State::Maximized;
+    case QWindow::Hidden:
+        return WindowPlacement::State::Hidden;
+    default:
+        return WindowPlacement::State::Passing;
+    }
+}
+
+} // namespace
 
 void Application::prepare()
 {
@@ -40,7 +60,17 @@ Application::Application(const Folders &folders)
                      std::make_shared<DlibFaceDetector>())
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})
+    , m_volumeMemory(m_player, m_defaults, m_scheduler)
+    , m_wakefulPlayback(m_player, m_keepAwake)
+    , m_resumePositions(m_defaults, m_scheduler)
+    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions)
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
+    , m_placement(m_defaults, m_scheduler)
+    , m_recent({m_player, m_mediaPlayer, m_window, m_defaults, m_scheduler})
+    , m_mediaControls(
+          {.uriSchemes = {QStringLiteral("file"), QStringLiteral("http"), QStringLiteral("https")},
+           .mimeTypes = supportedMimeTypes()})
+    , m_remote(m_player, m_window, m_scheduler, m_mediaControls)
     , m_transport(m_player)
     , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_downloads(m_downloadManager, m_player)
@@ -57,11 +87,12 @@ Application::Application(const Folders &folders)
            .surfaces = m_surfaces,
            .moviesFolder = QUrl::fromLocalFile(folders.movies)})
     , m_recording(m_recordingController, m_player, m_workspace, m_scheduler)
-    , m_commands(m_player, m_window, m_downloads)
+    , m_commands(m_player, m_window, m_downloads, m_recent)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
     , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler})
     , m_libraryCommands(m_librarySection)
+    , m_help(m_commands, m_libraryCommands, QStringLiteral(LUMARO_VERSION))
     , m_ruleLists(m_scheduler)
     , m_adBlocker(m_defaults, m_scheduler, m_ruleLists)
     , m_websites(m_defaults, m_scheduler, m_panels)
@@ -85,6 +116,15 @@ Application::Application(const Folders &folders)
                      [this] { m_channels.setCurrentEntry(m_window.currentChannel()); });
     QObject::connect(&m_commands, &MenuCommands::quitRequested, qGuiApp, &QGuiApplication::quit,
                      Qt::QueuedConnection);
+    QObject::connect(&m_remote, &RemoteControl::quitRequested, qGuiApp, &QGuiApplication::quit,
+                     Qt::QueuedConnection);
+    QObject::connect(&m_remote, &RemoteControl::raiseRequested, &m_window,
+                     [this] { bringToFront({}); });
+    QObject::connect(&m_appearance, &DesktopAppearance::colorSchemeChanged, &m_engine,
+                     [this] { followAppearance(); });
+    // Whoever clears the list wants no traces.
+    QObject::connect(&m_recent, &RecentItems::cleared, &m_recent,
+                     [this] { m_resumePositions.clear(); });
     QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController, [this] {
         if (loadFinder())
             m_finderController.show();
@@ -109,7 +149,7 @@ bool Application::show()
     m_engine.setNetworkAccessManagerFactory(&m_pictureAccess);
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     const auto object = [](auto &model) { return QVariant::fromValue(&model); };
-    m_engine.setInitialProperties({
+    QVariantMap properties{
         {QStringLiteral("player"), object(m_player)},
         {QStringLiteral("mediaPlayer"), object(m_mediaPlayer)},
         {QStringLiteral("shell"), object(m_window)},
@@ -124,11 +164,65 @@ bool Application::show()
         {QStringLiteral("notifications"), object(m_notifications)},
         {QStringLiteral("finderController"), object(m_finderController)},
         {QStringLiteral("viewServices"), object(m_viewServices)},
-    });
+        {QStringLiteral("remote"), object(m_remote)},
+        {QStringLiteral("recent"), object(m_recent)},
+        {QStringLiteral("help"), object(m_help)},
+    };
+    properties.insert(windowProperties());
+    m_engine.setInitialProperties(properties);
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/Main.qml")));
-    const auto window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
+    QQuickWindow *const window = mainWindow();
     m_capture.setWindow(window);
-    return window;
+    if (!window)
+        return false;
+    followWindow(*window);
+    followAppearance();
+    m_remote.start();
+    return true;
+}
+
+QVariantMap Application::windowProperties() const
+{
+    QList<QRect> screens;
+    for (const QScreen *screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    QVariantMap properties;
+    if (const auto frame = m_placement.frame(screens)) {
+        properties = {{QStringLiteral("x"), frame->x()},
+                      {QStringLiteral("y"), frame->y()},
+                      {QStringLiteral("width"), frame->width()},
+                      {QStringLiteral("height"), frame->height()}};
+    }
+    if (m_placement.isMaximized())
+        properties.insert(QStringLiteral("visibility"), QVariant::fromValue(QWindow::Maximized));
+    return properties;
+}
+
+void Application::followWindow(const QQuickWindow &window)
+{
+    const auto note = [this, &window] {
+        m_placement.note(window.geometry(), placementState(window.visibility()));
+    };
+    for (const auto moved :
+         {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
+        QObject::connect(&window, moved, &m_window, note);
+    QObject::connect(&window, &QWindow::visibilityChanged, &m_window, note);
+}
+
+void Application::followAppearance()
+{
+    const int id = qmlTypeId("Lumaro.Ui", 1, 0, "Theme");
+    auto *const theme = m_engine.singletonInstance<Theme *>(id);
+    if (!theme)
+        return;
+    switch (m_appearance.colorScheme()) {
+    case DesktopAppearance::ColorScheme::Dark:
+        return theme->setDesktopChoice(ThemeChoice::Dark);
+    case DesktopAppearance::ColorScheme::Light:
+        return theme->setDesktopChoice(ThemeChoice::Light);
+    case DesktopAppearance::ColorScheme::NoPreference:
+        return theme->setDesktopChoice(std::nullopt);
+    }
 }
 
 bool Application::loadFinder()

@@ -2,13 +2,18 @@
 
 #include "app/DownloadsModel.h"
 #include "app/Folders.h"
+#include "app/HelpModel.h"
 #include "app/LocalM3UCommands.h"
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
 #include "app/ProxyRoute.h"
+#include "app/RecentItems.h"
 #include "app/RecordingModel.h"
+#include "app/RemoteControl.h"
+#include "app/ResumingPlayback.h"
 #include "app/TransportModel.h"
+#include "app/WindowPlacement.h"
 #include "display/PlayerHostingView.h"
 #include "finder/SnifferSavedWebsiteStore.h"
 #include "finder/SnifferViewModel.h"
@@ -16,6 +21,9 @@
 #include "platform/NotificationCenter.h"
 #include "platform/contentrules/CompilingRuleListStore.h"
 #include "platform/curl/CurlHttpClient.h"
+#include "platform/dbus/BusKeepAwake.h"
+#include "platform/dbus/MprisControls.h"
+#include "platform/dbus/PortalAppearance.h"
 #include "platform/mpv/MpvMediaPlayer.h"
 #include "platform/qt/BoundedNetworkAccess.h"
 #include "platform/qt/FileUserDefaults.h"
@@ -25,6 +33,8 @@
 #include "platform/qt/QuickFilePanels.h"
 #include "platform/qt/WindowCapture.h"
 #include "player/PlayerModel.h"
+#include "player/VolumeMemory.h"
+#include "player/WakefulPlayback.h"
 #include "playlist/ChannelListModel.h"
 
 #include <QPointer>
@@ -61,6 +71,7 @@ public:
     LocalM3UModel &librarySection() { return m_librarySection; }
     PlayerSurfaceRegistry &surfaces() { return m_surfaces; }
     RecordingModel &recording() { return m_recording; }
+    RecentItems &recent() { return m_recent; }
     QuickFilePanels &panels() { return m_panels; }
     QQmlApplicationEngine &engine() { return m_engine; }
 
@@ -69,6 +80,9 @@ private:
     bool loadFinder();
     SnifferWindowController::KeyWindow classified(const QWindow *window) const;
     void playFound(const QUrl &url, const QString &name);
+    QVariantMap windowProperties() const;
+    void followWindow(const QQuickWindow &window);
+    void followAppearance();
 
     const Folders m_folders;
     // In the order of who needs whom; the engine goes first at the end, and with it every view.
@@ -88,7 +102,16 @@ private:
     PlayerSurfaceRegistry m_surfaces;
     PlayerViewServices m_viewServices;
     PlayerModel m_player;
+    VolumeMemory m_volumeMemory;
+    BusKeepAwake m_keepAwake;
+    WakefulPlayback m_wakefulPlayback;
+    ResumePositions m_resumePositions;
+    ResumingPlayback m_resumingPlayback;
     MainWindowModel m_window;
+    WindowPlacement m_placement;
+    RecentItems m_recent;
+    MprisControls m_mediaControls;
+    RemoteControl m_remote;
     TransportModel m_transport;
     M3U8DownloadManager m_downloadManager;
     DownloadsModel m_downloads;
@@ -100,11 +123,13 @@ private:
     LocalM3UStore m_library;
     LocalM3UModel m_librarySection;
     LocalM3UCommands m_libraryCommands;
+    HelpModel m_help;
     CompilingRuleListStore m_ruleLists;
     SnifferAdBlocker m_adBlocker;
     SnifferSavedWebsiteStore m_websites;
     SnifferViewModel m_finder;
     SnifferWindowController m_finderController;
+    PortalAppearance m_appearance;
     BoundedNetworkAccess m_pictureAccess;
     QQmlApplicationEngine m_engine;
     /// Made when it is first shown; the engine owns it.

@@ -23,6 +23,9 @@ Window {
     required property NotificationCenter notifications
     required property SnifferWindowController finderController
     required property PlayerViewServices viewServices
+    required property RemoteControl remote
+    required property RecentItems recent
+    required property HelpModel help
 
     property bool wasMaximized: false
 
@@ -102,6 +105,13 @@ Window {
             visible: true
         }
     }
+
+    HelpDialogs {
+        commands: window.commands
+        help: window.help
+    }
+    MissingFileDialog { recent: window.recent }
+    MediaKeys { remote: window.remote }
 
     FilePanelHost {
         panels: window.panels

@@ -51,20 +51,49 @@ Item {
         sourceComponent: Menu {
             id: menu
 
-            Repeater {
-                model: root.commands
-
-                MenuItem {
-                    required property MenuCommand modelData
-
-                    text: modelData.title
-                    shortcutText: modelData.shortcut
-                    startsGroup: modelData.startsGroup
-                    enabled: modelData.isEnabled
-                    checkable: modelData.isCheckable
-                    checked: modelData.isChecked
-                    onTriggered: modelData.trigger()
+            // A Repeater's items and menus among them would not keep their order.
+            Component.onCompleted: {
+                for (let i = 0; i < root.commands.length; ++i) {
+                    const command = root.commands[i];
+                    if (!command.opensMenu) {
+                        addItem(itemComponent.createObject(contentItem, {modelData: command}));
+                        continue;
+                    }
+                    addMenu(menuComponent.createObject(menu, {command: command}));
+                    itemAt(count - 1).startsGroup = command.startsGroup;
                 }
+            }
+        }
+    }
+
+    Component {
+        id: itemComponent
+
+        MenuItem {
+            required property MenuCommand modelData
+
+            text: modelData.title
+            shortcutText: modelData.shortcut
+            startsGroup: modelData.startsGroup
+            enabled: modelData.isEnabled
+            checkable: modelData.isCheckable
+            checked: modelData.isChecked
+            onTriggered: modelData.trigger()
+        }
+    }
+    Component {
+        id: menuComponent
+
+        Menu {
+            id: submenu
+
+            required property MenuCommand command
+
+            title: command.title
+
+            Repeater {
+                model: submenu.command.choices
+                delegate: itemComponent
             }
         }
     }

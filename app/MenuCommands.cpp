@@ -2,6 +2,7 @@
 
 #include "app/DownloadsModel.h"
 #include "app/MainWindowModel.h"
+#include "app/RecentMenu.h"
 #include "player/PlayerModel.h"
 
 namespace lumaro {
@@ -31,8 +32,20 @@ void MenuCommand::trigger()
         Q_EMIT isCheckedChanged();
 }
 
+void MenuCommand::setChoices(std::vector<std::unique_ptr<MenuCommand>> choices)
+{
+    const QList<MenuCommand *> before = std::exchange(m_choices, {});
+    for (auto &choice : choices) {
+        choice->setParent(this);
+        m_choices.append(choice.release());
+    }
+    Q_EMIT choicesChanged();
+    for (MenuCommand *const choice : before)
+        choice->deleteLater();
+}
+
 MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, DownloadsModel &downloads,
-                           QObject *parent)
+                           RecentItems &recent, QObject *parent)
     : QObject(parent)
 {
     m_file = {
@@ -43,6 +56,7 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
                   window.revealSidebar(MainWindowModel::PlayerSidebarSection::network);
                   Q_EMIT window.addressFieldRequested();
               }}),
+        makeRecentMenu(recent, this),
         make({always(QStringLiteral("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),
               [&window] { window.importPlaylist(); }}),
         make({.title = always(QStringLiteral("M3U8 Stream Finder")),
@@ -80,6 +94,8 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
                                 player.skip(seconds);
                             }});
     }
+    m_playback << make({always(QStringLiteral("Play from the Beginning")), QStringLiteral("Home"),
+                        [&player] { player.seek(0); }});
     MenuCommand *mute =
         make({.title =
                   [&player] {
@@ -131,6 +147,11 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
         connect(&window, &MainWindowModel::displayModeChanged, pan, &MenuCommand::isEnabledChanged);
         m_view << pan;
     }
+
+    m_help = {
+        make({always(QStringLiteral("Keyboard Shortcuts")), QStringLiteral("F1"),
+              [this] { Q_EMIT shortcutsRequested(); }}),
+        make({always(QStringLiteral("About Lumaro")), {}, [this] { Q_EMIT aboutRequested(); }})};
 }
 
 MenuCommand *MenuCommands::make(MenuCommand::Description description)

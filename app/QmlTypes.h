@@ -1,11 +1,14 @@
 #pragma once
 
 #include "app/DownloadsModel.h"
+#include "app/HelpModel.h"
 #include "app/LocalM3UCommands.h"
 #include "app/LocalM3UModel.h"
 #include "app/MainWindowModel.h"
 #include "app/MenuCommands.h"
+#include "app/RecentItems.h"
 #include "app/RecordingModel.h"
+#include "app/RemoteControl.h"
 #include "app/TransportModel.h"
 #include "display/PlayerHostingView.h"
 #include "platform/NotificationCenter.h"
@@ -22,6 +25,14 @@ struct DownloadsModelForQml
     Q_GADGET
     QML_FOREIGN(lumaro::DownloadsModel)
     QML_NAMED_ELEMENT(DownloadsModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct HelpModelForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::HelpModel)
+    QML_NAMED_ELEMENT(HelpModel)
     QML_UNCREATABLE("Made by the composition root.")
 };
 
@@ -105,11 +116,35 @@ struct PlayerRecordingControllerForQml
     QML_UNCREATABLE("Made by the composition root.")
 };
 
+struct RecentItemsForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::RecentItems)
+    QML_NAMED_ELEMENT(RecentItems)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
 struct RecordingModelForQml
 {
     Q_GADGET
     QML_FOREIGN(lumaro::RecordingModel)
     QML_NAMED_ELEMENT(RecordingModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct RemoteControlForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::RemoteControl)
+    QML_NAMED_ELEMENT(RemoteControl)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct TextRowsForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::TextRows)
+    QML_NAMED_ELEMENT(TextRows)
     QML_UNCREATABLE("Made by the composition root.")
 };
 

@@ -76,6 +76,13 @@ Item {
                 commands: root.commands.view
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
+            MenuButton {
+                // In the narrowest window its keys must do.
+                visible: root.width >= 460
+                title: "Help"
+                commands: root.commands.help
+                onOpenedChanged: root.openMenus += opened ? 1 : -1
+            }
         }
 
         Text {

@@ -1,8 +1,7 @@
 #include "finder/SnifferWindowController.h"
 
 #include "finder/SnifferBrowserTabs.h"
-
-#include <QJsonObject>
+#include "platform/WindowFrame.h"
 
 namespace lumaro {
 
@@ -13,23 +12,7 @@ QString frameKey()
     return QStringLiteral("Lumaro.M3U8SnifferWindow");
 }
 
-QRect frameFrom(const QJsonObject &stored)
-{
-    const auto number = [&stored](QLatin1StringView name) { return stored.value(name).toInt(); };
-    const QRect frame(number(QLatin1StringView("x")), number(QLatin1StringView("y")),
-                      number(QLatin1StringView("width")), number(QLatin1StringView("height")));
-    return frame.isValid() ? frame : QRect();
-}
-
 } // namespace
-
-QRect constrainedFrame(QRect frame, const QRect &screen)
-{
-    frame.setSize(frame.size().boundedTo(screen.size()));
-    frame.moveLeft(qBound(screen.left(), frame.left(), screen.right() - frame.width() + 1));
-    frame.moveTop(qBound(screen.top(), frame.top(), screen.bottom() - frame.height() + 1));
-    return frame;
-}
 
 SnifferWindowController::SnifferWindowController(const Parts &parts, QObject *parent)
     : QObject(parent)
@@ -52,10 +35,7 @@ void SnifferWindowController::setFrame(const QRect &frame)
     if (frame.isEmpty() || m_frame == frame)
         return;
     m_frame = frame;
-    m_storedFrame.write(QJsonObject{{QStringLiteral("x"), frame.x()},
-                                    {QStringLiteral("y"), frame.y()},
-                                    {QStringLiteral("width"), frame.width()},
-                                    {QStringLiteral("height"), frame.height()}});
+    m_storedFrame.write(storedFrame(frame));
     Q_EMIT frameChanged();
 }
 

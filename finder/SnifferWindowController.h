@@ -85,7 +85,4 @@ private:
     std::optional<Scheduler::TimerId> m_hiding;
 };
 
-/// `frame` moved, and made smaller if need be, so that it lies within `screen`.
-QRect constrainedFrame(QRect frame, const QRect &screen);
-
 } // namespace lumaro

@@ -74,7 +74,8 @@ public:
     /// The picture's size as it should be shown, in pixels; empty without a picture.
     virtual QSize presentationSize() const = 0;
 
-    /// Goes exactly to `seconds`, not to the nearest key frame.
+    /// Goes exactly to `seconds`, not to the nearest key frame. An item that has not begun yet
+    /// begins there.
     virtual void seek(double seconds) = 0;
 
     /// A linear gain between 0 and 1.

@@ -127,6 +127,17 @@ const QStringList &supportedMediaExtensions()
     return extensions;
 }
 
+const QStringList &supportedMimeTypes()
+{
+    static const QStringList types =
+        QStringLiteral("video/mp4 video/quicktime video/x-matroska video/x-msvideo video/vnd.avi "
+                       "video/webm video/x-m4v video/mpeg video/mp2t video/3gpp video/3gpp2 "
+                       "audio/mpeg audio/mp4 audio/x-m4a audio/aac audio/x-wav audio/vnd.wave "
+                       "audio/x-aiff audio/x-caf audio/x-mpegurl application/vnd.apple.mpegurl")
+            .split(u' ');
+    return types;
+}
+
 QString normalizedRemoteAddress(const QString &text)
 {
     QString address = text.trimmed();

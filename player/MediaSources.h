@@ -80,6 +80,9 @@ using LastPlayableSource = std::variant<MediaSource, YouTubeSource, OKVideoSourc
 /// File-name extensions of the local files that can be opened, in the order of the open panel.
 const QStringList &supportedMediaExtensions();
 
+/// The MIME types of those and of playlists, as desktops name them.
+const QStringList &supportedMimeTypes();
+
 /// Cleans a typed or pasted address: trims it, and unwraps a Markdown link and angle brackets.
 /// Adds no scheme and encodes nothing.
 QString normalizedRemoteAddress(const QString &text);

@@ -94,9 +94,11 @@ Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayNa
         showWebContent(*m_lastPlayableSource);
     } else if (isIPTVPlaylistURL(*url)) {
         co_await loadM3U(*url, std::move(displayName), requestID);
+        co_return;
     } else {
         play(*url, shownTitle, pathExtension(*url) == u"m3u8");
     }
+    Q_EMIT sourceOpened(*url, displayName.value_or(QString()).trimmed());
 }
 
 void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayName,
@@ -132,6 +134,7 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
 void PlayerModel::playFile(const QUrl &url)
 {
     play(url, url.fileName(), false);
+    Q_EMIT sourceOpened(url, QString());
 }
 
 Task<> PlayerModel::openFile()
@@ -182,6 +185,7 @@ Task<> PlayerModel::loadM3U(QUrl url, std::optional<QString> displayName, QUuid 
         Q_EMIT playlistChanged();
         publish(m_title, trimmedOr(displayName, QStringLiteral("IPTV Playlist")),
                 &PlayerModel::titleChanged);
+        Q_EMIT sourceOpened(url, displayName.value_or(QString()).trimmed());
     } else {
         publish(m_errorMessage, u"Could not open playlist: " + result.error(),
                 &PlayerModel::errorMessageChanged);
@@ -250,6 +254,7 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
     if (result) {
         publish(m_title, trimmedOr(displayName, QFileInfo(file.toLocalFile()).completeBaseName()),
                 &PlayerModel::titleChanged);
+        Q_EMIT sourceOpened(file, displayName.value_or(QString()).trimmed());
     } else {
         result = std::unexpected(u"Could not import playlist: " + result.error());
         publish(m_errorMessage, result.error(), &PlayerModel::errorMessageChanged);

@@ -166,6 +166,9 @@ Q_SIGNALS:
     void okVideoContentChanged();
     void toastMessageChanged();
     void currentURLChanged();
+    /// The user has opened a file, an address or a playlist that could be read, under the name that
+    /// the user gave it, or none. What is picked out of a list is not announced.
+    void sourceOpened(const QUrl &source, const QString &name);
 
 private:
     using ChangeSignal = void (PlayerModel::*)();

@@ -15,7 +15,7 @@ build_packages=(
     libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev libdlib-dev
 )
 test_packages=(
-    clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
+    clang-format-19 clang-tidy-19 dbus-daemon playerctl xvfb xdotool imagemagick nginx-light ffmpeg
     pulseaudio pulseaudio-utils microsocks tinyproxy-bin nodejs opencv-doc openssl procps
 )
 # Some distributions of node bring npm along, and do not get on with the package.

@@ -27,7 +27,16 @@ bool Theme::eventFilter(QObject *watched, QEvent *event)
 
 void Theme::followDesktop()
 {
-    apply(chooseTheme(qEnvironmentVariable("LUMARO_THEME"), QGuiApplication::palette()));
+    apply(chooseTheme(qEnvironmentVariable("LUMARO_THEME"), m_desktopChoice,
+                      QGuiApplication::palette()));
+}
+
+void Theme::setDesktopChoice(std::optional<ThemeChoice> choice)
+{
+    if (m_desktopChoice == choice)
+        return;
+    m_desktopChoice = choice;
+    followDesktop();
 }
 
 void Theme::apply(ThemeChoice choice)

@@ -82,6 +82,8 @@ public:
     explicit Theme(QObject *parent = nullptr);
 
     bool isDark() const { return m_choice == ThemeChoice::Dark; }
+    /// What the desktop asks for beside its palette, if for anything.
+    void setDesktopChoice(std::optional<ThemeChoice> choice);
     void setDark(bool dark) { apply(dark ? ThemeChoice::Dark : ThemeChoice::Light); }
 
     QColor background() const { return m_colors.background; }
@@ -120,6 +122,7 @@ private:
     void followDesktop();
     void apply(ThemeChoice choice);
 
+    std::optional<ThemeChoice> m_desktopChoice;
     ThemeChoice m_choice = ThemeChoice::Dark;
     ThemeColors m_colors = ThemeColors::dark();
 };

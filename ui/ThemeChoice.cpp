@@ -13,12 +13,15 @@ bool isStandIn(const QPalette &palette)
 
 } // namespace
 
-ThemeChoice chooseTheme(QStringView wish, const QPalette &palette)
+ThemeChoice chooseTheme(QStringView wish, std::optional<ThemeChoice> desktop,
+                        const QPalette &palette)
 {
     if (wish.compare(QStringLiteral("dark"), Qt::CaseInsensitive) == 0)
         return ThemeChoice::Dark;
     if (wish.compare(QStringLiteral("light"), Qt::CaseInsensitive) == 0)
         return ThemeChoice::Light;
+    if (desktop)
+        return *desktop;
     if (isStandIn(palette))
         return ThemeChoice::Dark;
     const float window = palette.color(QPalette::Window).lightnessF();

@@ -3,6 +3,8 @@
 #include <QPalette>
 #include <QStringView>
 
+#include <optional>
+
 namespace lumaro {
 
 enum class ThemeChoice {
@@ -10,9 +12,11 @@ enum class ThemeChoice {
     Light,
 };
 
-/// The theme for a desktop whose application palette is `palette`. `wish` ("dark" or "light", any
-/// case) goes before the palette; other wishes are no wish. Where nobody chose a palette, so that
-/// it is Qt's own stand-in, the theme is dark.
-ThemeChoice chooseTheme(QStringView wish, const QPalette &palette);
+/// The theme for a desktop that asks for `desktop`, if for anything, and whose application palette
+/// is `palette`. `wish` ("dark" or "light", any case) goes before both, and the desktop's words
+/// before its palette; other wishes are no wish. Where nobody chose a palette, so that it is Qt's
+/// own stand-in, the theme is dark.
+ThemeChoice chooseTheme(QStringView wish, std::optional<ThemeChoice> desktop,
+                        const QPalette &palette);
 
 } // namespace lumaro

@@ -311,8 +311,15 @@ void MpvMediaPlayer::seek(double seconds)
     if (!m_core || !hasItem())
         return;
     m_state.pendingSeek = seconds;
-    ++m_state.seeksUnderWay;
     m_state.ended = false;
+    // Until then libmpv would refuse.
+    if (m_state.loaded)
+        sendSeek(seconds);
+}
+
+void MpvMediaPlayer::sendSeek(double seconds)
+{
+    ++m_state.seeksUnderWay;
     const QByteArray target = QByteArray::number(seconds, 'f', 6);
     const char *arguments[] = {"seek", target.constData(), "absolute+exact", nullptr};
     mpv_command_async(m_core->handle(), requestId(Topic::Seek, m_itemNumber), arguments);
@@ -446,6 +453,8 @@ void MpvMediaPlayer::handle(const mpv_event &event)
     case MPV_EVENT_FILE_LOADED:
         if (m_playlist.entryId == m_startedEntryId) {
             m_state.loaded = true;
+            if (m_state.pendingSeek)
+                sendSeek(*m_state.pendingSeek);
             requestProperties();
         }
         break;

@@ -119,6 +119,7 @@ private:
     };
 
     void openPendingItem();
+    void sendSeek(double seconds);
     void fail(ItemFailure failure);
     void drainEvents();
     void handle(const mpv_event &event);

@@ -2,6 +2,7 @@
 
 #include "app/DownloadsModel.h"
 #include "app/MainWindowModel.h"
+#include "app/RecentItems.h"
 #include "platform/NotificationCenter.h"
 #include "tests/fakes/FakeFilePanels.h"
 #include "tests/fakes/FakeHttpClient.h"
@@ -35,6 +36,15 @@ struct ShellWorld
     M3U8DownloadManager downloadManager{
         {http, scheduler, defaults, panels, workspace, {saveFolder.path()}}};
     DownloadsModel downloads{downloadManager, player};
+    RecentItems recent{{player, mediaPlayer, shell, defaults, scheduler}};
+
+    /// The player's clock ticks, `seconds` into an item that is `length` seconds long.
+    void playing(double seconds, std::optional<double> length)
+    {
+        mediaPlayer.time = seconds;
+        mediaPlayer.length = length;
+        mediaPlayer.tick();
+    }
 };
 
 } // namespace lumaro

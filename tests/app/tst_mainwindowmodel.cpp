@@ -362,7 +362,8 @@ void MainWindowModelTest::remembersTheDisplayMode()
 
 void MainWindowModelTest::displayModesAreAChoice()
 {
-    const MenuCommands commands(m_world->player, m_world->shell, m_world->downloads);
+    const MenuCommands commands(m_world->player, m_world->shell, m_world->downloads,
+                                m_world->recent);
     QStringList titles;
     for (MenuCommand *choice : commands.displayModes()) {
         titles << choice->title();
@@ -455,7 +456,7 @@ void MainWindowModelTest::saysWhenOpeningTakesLong()
 
 void MainWindowModelTest::menusFollowTheState()
 {
-    MenuCommands commands(m_world->player, m_world->shell, m_world->downloads);
+    MenuCommands commands(m_world->player, m_world->shell, m_world->downloads, m_world->recent);
     const auto titles = [](const QList<MenuCommand *> &menu) {
         QStringList list;
         for (const MenuCommand *command : menu)
@@ -465,15 +466,16 @@ void MainWindowModelTest::menusFollowTheState()
     QCOMPARE(titles(commands.playback()),
              (QStringList{u"Play "_s, u"Stop "_s, u"Back 5 Seconds "_s, u"Forward 5 Seconds "_s,
                           u"Back 20 Seconds "_s, u"Forward 20 Seconds "_s, u"Back 60 Seconds "_s,
-                          u"Forward 60 Seconds "_s, u"Mute Ctrl+M"_s}));
+                          u"Forward 60 Seconds "_s, u"Play from the Beginning Home"_s,
+                          u"Mute Ctrl+M"_s}));
     QCOMPARE(titles(commands.file()).first(), u"Open Media… Ctrl+O"_s);
 
-    commands.file().at(5)->trigger();
+    commands.file().at(6)->trigger();
     QVERIFY(m_world->downloads.panelShown());
-    commands.file().at(5)->trigger();
+    commands.file().at(6)->trigger();
     QVERIFY(!m_world->downloads.panelShown());
     m_world->player.play(QUrl(u"https://h/live.m3u8"_s), u"News"_s, true);
-    commands.file().at(4)->trigger();
+    commands.file().at(5)->trigger();
     QCOMPARE(m_world->downloadManager.jobs().size(), 1);
     m_world->player.stop();
 

@@ -102,8 +102,6 @@ private Q_SLOTS:
     void followsWithinThePage();
     void losingTheKeyboard();
     void framesAreRemembered();
-    void framesFitTheScreen_data();
-    void framesFitTheScreen();
 };
 
 void SnifferViewTest::viewServesItsTab()
@@ -463,23 +461,6 @@ void SnifferViewTest::framesAreRemembered()
         {*world.finder.tabs(), world.notifications, world.defaults, world.scheduler});
     QVERIFY(broken.frame().isEmpty());
     QCOMPARE(broken.placedFrame({0, 0, 1920, 1080}, {1100, 800}), QRect(410, 140, 1100, 800));
-}
-
-void SnifferViewTest::framesFitTheScreen_data()
-{
-    QTest::addColumn<QRect>("frame");
-    QTest::addColumn<QRect>("placed");
-    const QRect screen(100, 0, 1280, 800);
-    QTest::newRow("inside") << QRect(200, 50, 900, 700) << QRect(200, 50, 900, 700);
-    QTest::newRow("left above") << QRect(-500, -500, 900, 700) << QRect(100, 0, 900, 700);
-    QTest::newRow("right below") << QRect(2000, 900, 900, 700) << QRect(480, 100, 900, 700);
-    QTest::newRow("too large") << QRect(0, 0, 3000, 2000) << screen;
-}
-
-void SnifferViewTest::framesFitTheScreen()
-{
-    QFETCH(const QRect, frame);
-    QTEST(constrainedFrame(frame, {100, 0, 1280, 800}), "placed");
 }
 
 QTEST_GUILESS_MAIN(SnifferViewTest)

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void choosesFromWishAndPalette_data();
     void choosesFromWishAndPalette();
     void followsThePaletteOfTheApplication();
+    void followsTheDesktop();
     void announcesOnlyRealChanges();
     void textIsReadable_data();
     void textIsReadable();
@@ -70,20 +71,34 @@ private Q_SLOTS:
 void TestTheme::choosesFromWishAndPalette_data()
 {
     QTest::addColumn<QString>("wish");
+    QTest::addColumn<std::optional<ThemeChoice>>("desktop");
     QTest::addColumn<QPalette>("palette");
     QTest::addColumn<bool>("dark");
     const QPalette light = chosen(QColor(0xef, 0xf0, 0xf1), QColor(0x23, 0x26, 0x29));
     const QPalette dark = chosen(QColor(0x2a, 0x2e, 0x32), QColor(0xfc, 0xfc, 0xfc));
     const QPalette middle = chosen(QColor(0x80, 0x80, 0x80), Qt::white);
 
-    QTest::newRow("nobody chose") << QString() << standIn() << true;
-    QTest::newRow("light desktop") << QString() << light << false;
-    QTest::newRow("dark desktop") << QString() << dark << true;
-    QTest::newRow("middle grey below white text") << QString() << middle << true;
-    QTest::newRow("wish against a dark desktop") << QStringLiteral("light") << dark << false;
-    QTest::newRow("wish against a light desktop") << QStringLiteral("Dark") << light << true;
-    QTest::newRow("wish while nobody chose") << QStringLiteral("LIGHT") << standIn() << false;
-    QTest::newRow("no such theme") << QStringLiteral("sepia") << light << false;
+    const std::optional<ThemeChoice> none;
+    const std::optional wantsDark(ThemeChoice::Dark);
+    const std::optional wantsLight(ThemeChoice::Light);
+
+    QTest::newRow("nobody chose") << QString() << none << standIn() << true;
+    QTest::newRow("light desktop") << QString() << none << light << false;
+    QTest::newRow("dark desktop") << QString() << none << dark << true;
+    QTest::newRow("middle grey below white text") << QString() << none << middle << true;
+    QTest::newRow("wish against a dark desktop")
+        << QStringLiteral("light") << none << dark << false;
+    QTest::newRow("wish against a light desktop")
+        << QStringLiteral("Dark") << none << light << true;
+    QTest::newRow("wish while nobody chose")
+        << QStringLiteral("LIGHT") << none << standIn() << false;
+    QTest::newRow("desktop says dark") << QString() << wantsDark << light << true;
+    QTest::newRow("desktop says light") << QString() << wantsLight << dark << false;
+    QTest::newRow("desktop says light, without a palette")
+        << QString() << wantsLight << standIn() << false;
+    QTest::newRow("wish against the desktop")
+        << QStringLiteral("dark") << wantsLight << light << true;
+    QTest::newRow("no such theme") << QStringLiteral("sepia") << none << light << false;
 }
 
 void TestTheme::choosesFromWishAndPalette()
@@ -91,7 +106,8 @@ void TestTheme::choosesFromWishAndPalette()
     QFETCH(const QString, wish);
     QFETCH(const QPalette, palette);
     QFETCH(const bool, dark);
-    QCOMPARE(chooseTheme(wish, palette) == ThemeChoice::Dark, dark);
+    QFETCH(const std::optional<ThemeChoice>, desktop);
+    QCOMPARE(chooseTheme(wish, desktop, palette) == ThemeChoice::Dark, dark);
 }
 
 void TestTheme::followsThePaletteOfTheApplication()
@@ -105,6 +121,21 @@ void TestTheme::followsThePaletteOfTheApplication()
     QGuiApplication::setPalette(chosen(Qt::black, Qt::white));
     QTRY_VERIFY(theme.isDark());
     QCOMPARE(theme.background(), ThemeColors::dark().background);
+}
+
+void TestTheme::followsTheDesktop()
+{
+    qunsetenv("LUMARO_THEME");
+    QGuiApplication::setPalette(chosen(Qt::black, Qt::white));
+    Theme theme;
+    theme.setDesktopChoice(ThemeChoice::Light);
+    QVERIFY(!theme.isDark());
+    // The palette does not overrule it, but counts again when it is taken back.
+    QGuiApplication::setPalette(chosen(Qt::black, Qt::lightGray));
+    QCoreApplication::processEvents();
+    QVERIFY(!theme.isDark());
+    theme.setDesktopChoice(std::nullopt);
+    QVERIFY(theme.isDark());
 }
 
 void TestTheme::announcesOnlyRealChanges()

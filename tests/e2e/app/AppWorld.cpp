@@ -1,6 +1,9 @@
 #include "tests/e2e/app/AppWorld.h"
 
+#include "tests/e2e/servers/SessionBus.h"
 #include "tests/e2e/servers/VirtualDisplay.h"
+
+#include <QQuickItem>
 
 #include <unistd.h>
 
@@ -57,6 +60,32 @@ void AppWorld::type(const QString &text)
         QTest::keyClick(m_window, c.toLatin1());
 }
 
+void AppWorld::openMenu(const QString &title)
+{
+    const auto isIt = [&title](const QQuickItem *item) {
+        return item->inherits("QQuickAbstractButton") && item->property("text") == title;
+    };
+    for (auto *item : m_window->findChildren<QQuickItem *>()) {
+        if (!isIt(item))
+            continue;
+        item->forceActiveFocus(Qt::TabFocusReason);
+        press(Qt::Key_Return);
+        if (!becomesTrue([this] { return isPopupOpen(); }))
+            break;
+        return;
+    }
+    QTest::qFail("The menu does not open.", __FILE__, __LINE__);
+}
+
+bool AppWorld::isPopupOpen() const
+{
+    for (const QQuickItem *item = m_window->activeFocusItem(); item; item = item->parentItem()) {
+        if (item->inherits("QQuickPopupItem"))
+            return true;
+    }
+    return false;
+}
+
 bool AppWorld::playsTo(double seconds)
 {
     return becomesTrue([&] { return player().isPlaying() && player().currentTime() >= seconds; });
@@ -91,6 +120,9 @@ QStringList channelNames(const PlayerModel &player)
 int runAppTest(int argc, char *argv[], const std::function<int()> &test)
 {
     return runInDisplay([&] {
+        const auto bus = SessionBus::start();
+        if (!bus)
+            qFatal("%s", qPrintable(bus.error()));
         // The browser's sandbox does not work for root.
         if (geteuid() == 0)
             qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");

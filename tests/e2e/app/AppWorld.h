@@ -38,6 +38,7 @@ public:
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
     SnifferProxyManager &proxy() { return m_application->proxy(); }
     PlayerSurfaceRegistry &surfaces() { return m_application->surfaces(); }
+    RecentItems &recent() { return m_application->recent(); }
     RecordingModel &recording() { return m_application->recording(); }
     QQuickWindow &window() { return *m_window; }
     SnifferViewModel &finder() { return m_application->finder(); }
@@ -53,6 +54,11 @@ public:
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     /// Types into whatever has the focus.
     void type(const QString &text);
+
+    /// Opens the menu of this title with the keyboard.
+    void openMenu(const QString &title);
+    /// A menu, a dialog or another popup has the keyboard.
+    bool isPopupOpen() const;
 
     /// Plays at least until `seconds`.
     bool playsTo(double seconds);

@@ -84,6 +84,11 @@ Recipe recipeFor(Fixture fixture)
         return {u"fullhd.mp4"_s,
                 words(testPicture(u"1920x1080"_s, 75) + encoding + u"-b:v 3000k "_s + mp4
                       + u"fullhd.mp4"_s)};
+    case Fixture::LongMovie:
+        return {u"long.mp4"_s,
+                words(u"-f lavfi -i testsrc2=size=320x180:rate=5 -t 900 -c:v libx264 -preset "
+                      "ultrafast -g 25 -threads 2 -flags +bitexact -fflags +bitexact "_s
+                      + mp4 + u"long.mp4"_s)};
     case Fixture::Turned:
         // ffmpeg tells of a turn only where it does not encode.
         return {.file = u"turned.mp4"_s,

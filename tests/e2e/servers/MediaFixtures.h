@@ -22,6 +22,7 @@ enum class Fixture {
     MovingFace, ///< MP4, 40 s, 1280x720: a face goes from left to right in 16 s, then rests; the
                 ///< grey behind it grows lighter to the right
     FullHdMovie, ///< as Movie, but 1920x1080 and 75 s
+    LongMovie, ///< MP4, 15 minutes of a moving test picture, 320x180 at 5 frames a second
 };
 
 /// Test media, made with ffmpeg when first asked for and then kept. The same recipe gives the same

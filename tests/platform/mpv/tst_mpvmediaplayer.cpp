@@ -8,6 +8,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 #include <thread>
 
@@ -61,6 +62,7 @@ private Q_SLOTS:
     void statusFollowsTheData();
     void volumeIsAGain_data();
     void volumeIsAGain();
+    void beginsWhereItIsTold();
     void seeksExactlyWhilePaused();
     void positionNeverFallsBackWhileSeeksFollowEachOther();
     void pausesAtTheEndAndBeginsAnew();
@@ -232,6 +234,28 @@ void MpvMediaPlayerTest::volumeIsAGain()
     player().setVolume(gain);
     player().setMuted(muted);
     QVERIFY(isNear(record(u"changed"_s) / full, expected, 0.01));
+}
+
+void MpvMediaPlayerTest::beginsWhereItIsTold()
+{
+    QList<double> times;
+    player().setPeriodicTimeObserver(50ms, [&] { times << player().currentTime().value_or(-1); });
+    m_world->open(file(Fixture::Movie));
+    player().seek(30);
+    times.clear();
+    QVERIFY(m_world->playsTo(30.3));
+    QVERIFY2(*std::ranges::min_element(times) >= 29.9, "showed another time before");
+    // What comes next knows nothing of it.
+    m_world->open(file(Fixture::Matroska));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(player().currentTime() < 8);
+    // Nor does anything when what should have begun there does not exist.
+    m_world->open(QUrl::fromLocalFile(u"/no/such.mp4"_s));
+    player().seek(30);
+    QVERIFY(becomesTrue([&] { return m_world->failures.size() == 1; }));
+    m_world->open(file(Fixture::Matroska));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(player().currentTime() < 8);
 }
 
 void MpvMediaPlayerTest::seeksExactlyWhilePaused()

@@ -1,0 +1,54 @@
+#include "app/RecentMenu.h"
+
+#include "app/MenuCommands.h"
+#include "app/RecentItems.h"
+
+namespace lumaro {
+
+namespace {
+
+std::vector<std::unique_ptr<MenuCommand>> choicesOf(RecentItems &recent)
+{
+    std::vector<std::unique_ptr<MenuCommand>> choices;
+    const auto add = [&choices](MenuCommand::Description description) {
+        choices.push_back(std::make_unique<MenuCommand>(std::move(description)));
+    };
+    for (const RecentItem &item : recent.items()) {
+        add({.title = [title = recent.title(item)] { return title; },
+             .shortcut = {},
+             .action = [&recent, item] { recent.open(item); }});
+    }
+    if (choices.empty()) {
+        add({.title = [] { return QStringLiteral("Nothing Opened Yet"); },
+             .shortcut = {},
+             .action = [] {},
+             .startsGroup = false,
+             .isEnabled = [] { return false; }});
+    } else {
+        add({.title = [] { return QStringLiteral("Clear Recent"); },
+             .shortcut = {},
+             .action = [&recent] { recent.clear(); },
+             .startsGroup = true});
+    }
+    return choices;
+}
+
+} // namespace
+
+MenuCommand *makeRecentMenu(RecentItems &recent, QObject *parent)
+{
+    auto *const menu = new MenuCommand({.title = [] { return QStringLiteral("Open Recent"); },
+                                        .shortcut = {},
+                                        .action = [] {},
+                                        .startsGroup = false,
+                                        .isEnabled = {},
+                                        .isChecked = {},
+                                        .opensMenu = true},
+                                       parent);
+    const auto update = [menu, &recent] { menu->setChoices(choicesOf(recent)); };
+    QObject::connect(&recent, &RecentItems::changed, menu, update);
+    update();
+    return menu;
+}
+
+} // namespace lumaro
