@@ -27,7 +27,7 @@ void Application::prepare()
     qputenv(flags, others + " --force-webrtc-ip-handling-policy=disable_non_proxied_udp");
 }
 
-Application::Application(const Folders &folders)
+Application::Application(const Folders &folders, const WebServices &services)
     : m_folders(folders)
     , m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
     , m_defaults(folders.settings)
@@ -40,6 +40,8 @@ Application::Application(const Folders &folders)
                      std::make_shared<DlibFaceDetector>())
     , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
                 m_okVideo})
+    , m_webPlayers({m_player, m_scheduler, m_workspace, m_notifications, m_surfaces, services},
+                   m_youTube, m_okVideo, [this] { return loadBrowser(); })
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
     , m_transport(m_player)
     , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
@@ -89,10 +91,12 @@ Application::Application(const Folders &folders)
         if (loadFinder())
             m_finderController.show();
     });
-    // What scripts of the views still hold of a tab's engine goes with the tab.
-    QObject::connect(
-        m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine,
-        [this] { m_engine.collectGarbage(); }, Qt::QueuedConnection);
+    // What scripts of the views still hold of a page's engine goes with the page.
+    const auto collectGarbage = [this] { m_engine.collectGarbage(); };
+    QObject::connect(m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine, collectGarbage,
+                     Qt::QueuedConnection);
+    QObject::connect(&m_player, &PlayerModel::showsWebContentChanged, &m_engine, collectGarbage,
+                     Qt::QueuedConnection);
     QObject::connect(
         qGuiApp, &QGuiApplication::focusWindowChanged, &m_finderController,
         [this](const QWindow *window) { m_finderController.keyWindowChanged(classified(window)); });
@@ -124,6 +128,9 @@ bool Application::show()
         {QStringLiteral("notifications"), object(m_notifications)},
         {QStringLiteral("finderController"), object(m_finderController)},
         {QStringLiteral("viewServices"), object(m_viewServices)},
+        {QStringLiteral("webPlayers"), object(m_webPlayers)},
+        {QStringLiteral("webPlayerFolder"), QString(m_folders.settings + u"/web-player")},
+        {QStringLiteral("webPlayerCacheFolder"), QString(m_folders.cache + u"/web-player")},
     });
     m_engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/Main.qml")));
     const auto window = qobject_cast<QQuickWindow *>(m_engine.rootObjects().value(0));
@@ -131,13 +138,20 @@ bool Application::show()
     return window;
 }
 
+bool Application::loadBrowser()
+{
+    QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
+    if (browser.load())
+        return true;
+    qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
+    return false;
+}
+
 bool Application::loadFinder()
 {
     if (m_finderWindow)
         return true;
-    QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
-    if (!browser.load()) {
-        qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
+    if (!loadBrowser()) {
         m_player.showToast(QStringLiteral("The stream finder could not be loaded."),
                            PlayerModel::toastDuration);
         return false;

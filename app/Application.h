@@ -25,6 +25,7 @@
 #include "platform/qt/QuickFilePanels.h"
 #include "platform/qt/WindowCapture.h"
 #include "player/PlayerModel.h"
+#include "player/WebPlayers.h"
 #include "playlist/ChannelListModel.h"
 
 #include <QPointer>
@@ -41,7 +42,7 @@ public:
     /// To be called before the application object is made.
     static void prepare();
 
-    explicit Application(const Folders &folders);
+    explicit Application(const Folders &folders, const WebServices &services = {});
 
     /// Shows the main window; false when its views cannot be loaded.
     bool show();
@@ -59,6 +60,7 @@ public:
     SnifferViewModel &finder() { return m_finder; }
     SnifferWindowController &finderWindow() { return m_finderController; }
     LocalM3UModel &librarySection() { return m_librarySection; }
+    WebPlayers &webPlayers() { return m_webPlayers; }
     PlayerSurfaceRegistry &surfaces() { return m_surfaces; }
     RecordingModel &recording() { return m_recording; }
     QuickFilePanels &panels() { return m_panels; }
@@ -66,6 +68,8 @@ public:
 
 private:
     QQuickWindow *mainWindow() const;
+    /// What QML shows web pages with, from its own module.
+    bool loadBrowser();
     bool loadFinder();
     SnifferWindowController::KeyWindow classified(const QWindow *window) const;
     void playFound(const QUrl &url, const QString &name);
@@ -88,6 +92,7 @@ private:
     PlayerSurfaceRegistry m_surfaces;
     PlayerViewServices m_viewServices;
     PlayerModel m_player;
+    WebPlayers m_webPlayers;
     MainWindowModel m_window;
     TransportModel m_transport;
     M3U8DownloadManager m_downloadManager;

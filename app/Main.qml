@@ -23,6 +23,9 @@ Window {
     required property NotificationCenter notifications
     required property SnifferWindowController finderController
     required property PlayerViewServices viewServices
+    required property WebPlayers webPlayers
+    required property string webPlayerFolder
+    required property string webPlayerCacheFolder
 
     property bool wasMaximized: false
 
@@ -91,6 +94,9 @@ Window {
         notifications: window.notifications
         mediaPlayer: window.mediaPlayer
         viewServices: window.viewServices
+        webPlayers: window.webPlayers
+        webPlayerFolder: window.webPlayerFolder
+        webPlayerCacheFolder: window.webPlayerCacheFolder
         picture: MpvVideoItem { player: window.mediaPlayer }
     }
 

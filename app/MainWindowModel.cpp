@@ -60,10 +60,6 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
         if (m_player.currentURL().isEmpty())
             forgetItem();
     });
-    connect(&player, &PlayerModel::youtubeContentChanged, this,
-            &MainWindowModel::showWebContentNotice);
-    connect(&player, &PlayerModel::okVideoContentChanged, this,
-            &MainWindowModel::showWebContentNotice);
     connect(&player, &PlayerModel::isPlayingChanged, this,
             &MainWindowModel::showFullScreenControls);
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
@@ -358,13 +354,6 @@ QString MainWindowModel::noticeFor(MediaPlayer::ItemFailure failure) const
         return QStringLiteral("Lumaro does not open addresses of this kind.");
     }
     Q_UNREACHABLE();
-}
-
-void MainWindowModel::showWebContentNotice()
-{
-    const bool shown = m_player.youtubeContent() || m_player.okVideoContent();
-    setPictureNotice(shown ? QStringLiteral("This version cannot show this site's own player yet.")
-                           : QString());
 }
 
 } // namespace lumaro

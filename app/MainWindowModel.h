@@ -139,7 +139,6 @@ private:
     void setIsOpening(bool opening);
     void setCurrentChannel(int index);
     void setPictureNotice(const QString &notice);
-    void showWebContentNotice();
     QString noticeFor(MediaPlayer::ItemFailure failure) const;
 
     PlayerModel &m_player;

@@ -17,6 +17,8 @@ class PlayerLayerView : public QQuickItem
     Q_PROPERTY(lumaro::PortraitDisplayMode displayMode MEMBER m_displayMode NOTIFY changed)
     /// Draws the picture.
     Q_PROPERTY(QQuickItem *picture MEMBER m_picture NOTIFY changed)
+    /// False while something else shows what plays.
+    Q_PROPERTY(bool recordable MEMBER m_recordable NOTIFY changed)
     /// To be set once.
     Q_PROPERTY(lumaro::PlayerViewServices *services MEMBER m_services NOTIFY changed)
 
@@ -40,6 +42,7 @@ private:
 
     QPointer<MediaPlayer> m_player;
     bool m_fillScreen = false;
+    bool m_recordable = true;
     PortraitDisplayMode m_displayMode = PortraitDisplayMode::normal;
     QPointer<QQuickItem> m_picture;
     QPointer<PlayerViewServices> m_services;

@@ -375,6 +375,18 @@ void MainWindowModelTest::displayModesAreAChoice()
     QCOMPARE(titles.size(), 5);
     QCOMPARE(std::ranges::count_if(commands.view(), &MenuCommand::isChecked), 1);
     QVERIFY(!commands.playback().first()->isCheckable());
+
+    // A site's own player knows none of them.
+    MenuCommand *const first = commands.displayModes().first();
+    const QSignalSpy enabling(first, &MenuCommand::isEnabledChanged);
+    const PortraitDisplayMode before = m_world->shell.displayMode();
+    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
+    QVERIFY(!first->isEnabled());
+    first->trigger();
+    QCOMPARE(m_world->shell.displayMode(), before);
+    m_world->player.stop();
+    QVERIFY(first->isEnabled());
+    QCOMPARE(enabling.count(), 2);
 }
 
 void MainWindowModelTest::explainsMissingPictures_data()
@@ -424,9 +436,9 @@ void MainWindowModelTest::noticeGoesWithItsCause()
     m_world->player.stop();
     QCOMPARE(shell.pictureNotice(), QString());
 
-    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
-    QVERIFY(!shell.pictureNotice().isEmpty());
     m_world->player.play(stream, u"x"_s, true);
+    Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
+    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
     QCOMPARE(shell.pictureNotice(), QString());
 }
 

@@ -2,6 +2,8 @@
 
 #include "tests/e2e/servers/VirtualDisplay.h"
 
+#include <QDropEvent>
+
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -9,7 +11,8 @@ using namespace std::chrono_literals;
 
 namespace lumaro {
 
-AppWorld::AppWorld()
+AppWorld::AppWorld(const WebServices &services)
+    : m_services(services)
 {
     start();
 }
@@ -19,7 +22,8 @@ void AppWorld::start()
     m_application = std::make_unique<Application>(Folders{m_folder.filePath(u"settings"_s),
                                                           m_folder.filePath(u"cache"_s),
                                                           {m_folder.path()},
-                                                          m_folder.path()});
+                                                          m_folder.path()},
+                                                  m_services);
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));
@@ -55,6 +59,16 @@ void AppWorld::type(const QString &text)
 {
     for (const QChar c : text)
         QTest::keyClick(m_window, c.toLatin1());
+}
+
+bool AppWorld::drop(const QMimeData &data)
+{
+    const QPoint middle(m_window->width() * 2 / 3, m_window->height() / 2);
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_window, &enter);
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_window, &drop);
+    return enter.isAccepted() && drop.isAccepted();
 }
 
 bool AppWorld::playsTo(double seconds)

@@ -22,7 +22,8 @@ namespace lumaro {
 class AppWorld
 {
 public:
-    AppWorld();
+    /// `services` takes the place of the video sites.
+    explicit AppWorld(const WebServices &services = {});
     ~AppWorld();
     AppWorld(const AppWorld &) = delete;
     AppWorld &operator=(const AppWorld &) = delete;
@@ -37,6 +38,7 @@ public:
     LocalM3UStore &library() { return m_application->library(); }
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
     SnifferProxyManager &proxy() { return m_application->proxy(); }
+    WebPlayers &webPlayers() { return m_application->webPlayers(); }
     PlayerSurfaceRegistry &surfaces() { return m_application->surfaces(); }
     RecordingModel &recording() { return m_application->recording(); }
     QQuickWindow &window() { return *m_window; }
@@ -54,6 +56,9 @@ public:
     /// Types into whatever has the focus.
     void type(const QString &text);
 
+    /// Drops `data` on the middle of the picture; false when nobody takes it.
+    bool drop(const QMimeData &data);
+
     /// Plays at least until `seconds`.
     bool playsTo(double seconds);
     /// The picture moves.
@@ -62,6 +67,7 @@ public:
 private:
     void start();
 
+    const WebServices m_services;
     QTemporaryDir m_folder;
     std::unique_ptr<Application> m_application;
     QQuickWindow *m_window = nullptr;
