@@ -435,10 +435,8 @@ void PlayerModel::setWebContent(const std::optional<YouTubeContent> &youTube,
     if (m_youtubeContent != youTube || m_okVideoContent != okVideo) {
         m_webPlayStateIsOldUntil = {};
         m_webTimeIsOldUntil = {};
-        if (youTube || okVideo) {
-            publish(m_currentTime, 0.0, &PlayerModel::currentTimeChanged);
-            publish(m_duration, 0.0, &PlayerModel::durationChanged);
-        }
+        publish(m_currentTime, 0.0, &PlayerModel::currentTimeChanged);
+        publish(m_duration, 0.0, &PlayerModel::durationChanged);
     }
     // What ends goes first: nobody sees both.
     if (!youTube)

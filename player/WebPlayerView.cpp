@@ -25,6 +25,13 @@ WebPlayerView::~WebPlayerView()
     dismantle();
 }
 
+void WebPlayerView::announce()
+{
+    Q_EMIT changed();
+    if (std::exchange(m_wantedPage, wantsPage()) != m_wantedPage)
+        Q_EMIT wantsPageChanged();
+}
+
 // The page
 
 void WebPlayerView::attach(PlayerPage *page, PlayerRecordingSurface *surface)
@@ -40,7 +47,7 @@ void WebPlayerView::attach(PlayerPage *page, PlayerRecordingSurface *surface)
     connect(m_page, &PlayerPage::loadFinished, this, [this] {
         m_watch.pageIsThere = true;
         m_watch.since = m_platform.scheduler.now();
-        Q_EMIT changed();
+        announce();
     });
     connect(m_page, &PlayerPage::loadFailed, this, &WebPlayerView::fail);
     connect(m_page, &PlayerPage::crashed, this,
@@ -69,7 +76,7 @@ void WebPlayerView::update()
     m_watch.since = m_platform.scheduler.now();
     load(*m_page);
     m_poll.start(pollInterval, [this] { tick(); });
-    Q_EMIT changed();
+    announce();
 }
 
 void WebPlayerView::dismantle()
@@ -96,7 +103,7 @@ void WebPlayerView::contentChanged()
         update();
     else
         dismantle();
-    Q_EMIT changed();
+    announce();
 }
 
 void WebPlayerView::retry()
@@ -105,7 +112,7 @@ void WebPlayerView::retry()
         return;
     m_failure.clear();
     player().webPlaybackRestarted();
-    Q_EMIT changed();
+    announce();
 }
 
 void WebPlayerView::fail(const QString &sentence)
@@ -115,7 +122,7 @@ void WebPlayerView::fail(const QString &sentence)
     dismantle();
     m_failure = sentence;
     player().webPlaybackFailed();
-    Q_EMIT changed();
+    announce();
 }
 
 // What it tells
@@ -166,10 +173,14 @@ void WebPlayerView::hear(const QVariant &answer)
         return;
     }
     if (playback->stage == WebPlayback::Stage::Ready) {
-        if (!std::exchange(m_watch.wasReady, true)) {
+        const bool isFirst = !std::exchange(m_watch.wasReady, true);
+        const bool hasMedia = playback->duration > 0 || playback->isPlaying.value_or(false);
+        const bool hasFirstMedia = hasMedia && !std::exchange(m_watch.wasHeard, true);
+        // Sites that remember a volume may set theirs when the media comes.
+        if (isFirst || hasFirstMedia)
             player().webPlayerBecameReady();
-            Q_EMIT changed();
-        }
+        if (isFirst)
+            announce();
         player().observeWebPlayback(*playback);
     }
     hearError(playback->error);

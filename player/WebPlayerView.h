@@ -34,7 +34,7 @@ class WebPlayerView : public QObject
 {
     Q_OBJECT
     /// There is content, and no failure: a page is to be attached.
-    Q_PROPERTY(bool wantsPage READ wantsPage NOTIFY changed)
+    Q_PROPERTY(bool wantsPage READ wantsPage NOTIFY wantsPageChanged)
     /// Nothing of the site's is there to be seen yet.
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     /// Why there is no picture, as a sentence; empty while there is no reason.
@@ -76,6 +76,7 @@ public:
 
 Q_SIGNALS:
     void changed();
+    void wantsPageChanged();
 
 protected:
     WebPlayerView(const WebPlayerPlatform &platform, WebPlayerRegistry &registry, QObject *parent);
@@ -105,10 +106,13 @@ private:
         Scheduler::TimePoint since;
         bool pageIsThere = false;
         bool wasReady = false;
+        /// It has media.
+        bool wasHeard = false;
         std::optional<Scheduler::TimePoint> askedAt;
         std::optional<Scheduler::TimePoint> errorSince;
     };
 
+    void announce();
     void update();
     void dismantle();
     void tick();
@@ -126,6 +130,7 @@ private:
     PlayerRecordingSurface *m_surface = nullptr;
     QString m_loadedContentID;
     QString m_failure;
+    bool m_wantedPage = false;
     Watch m_watch;
     /// Answers to questions before the last load are stale.
     quint64 m_loadNumber = 0;

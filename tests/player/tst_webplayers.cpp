@@ -326,9 +326,13 @@ void WebPlayersTest::volumeHoldsForTheNextPage()
     world.show(address);
     QVERIFY(world.tell(QVariantList{1, 0, 0, -1, 0}));
     QCOMPARE(world.page.scripts, QStringList());
+    // Once when there is a player, and again when it has media.
+    for (const QVariantList &answer : {QVariantList{2, 0, 0, -1, 0}, playing}) {
+        QVERIFY(world.tell(answer));
+        QTEST(std::exchange(world.page.scripts, {}), "scripts");
+    }
     QVERIFY(world.tell(playing));
-    QVERIFY(world.tell(playing));
-    QTEST(world.page.scripts, "scripts");
+    QCOMPARE(world.page.scripts, QStringList());
 }
 
 void WebPlayersTest::seeksWithinTheLength()

@@ -48,7 +48,9 @@ std::unique_ptr<VideoSites> VideoSites::start()
 WebServices VideoSites::services() const
 {
     const QUrl url = m_server->url({});
-    return {.youTube = url, .okVideo = url};
+    // An origin without protection, like the server: to such, those with it do not tell who they
+    // are.
+    return {.youTube = url, .okVideo = url, .product = QUrl(u"http://player.example"_s)};
 }
 
 bool VideoSites::wasTold(const QString &what) const

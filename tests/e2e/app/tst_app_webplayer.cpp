@@ -134,6 +134,8 @@ void AppWebPlayerTest::cleanupTestCase()
 {
     QDesktopServices::unsetUrlHandler(u"http"_s);
     m_world.reset();
+    if (QTest::currentTestFailed() || qEnvironmentVariableIsSet("LUMARO_LOG"))
+        qInfo().noquote() << m_sites->server().accessLog().join(u'\n');
 }
 
 QQuickItem *AppWebPlayerTest::page()
@@ -242,7 +244,7 @@ void AppWebPlayerTest::switchesVideos()
     QVERIFY(plays(1.5));
     QCOMPARE(m_sites->beats(u"youtube/"_s), silent);
     m_world->open(okVideo(u"67890"_s));
-    QVERIFY(wasTold(u"ok/67890/play"_s));
+    QVERIFY(becomesTrue([&] { return m_sites->beats(u"ok/67890"_s) > 0; }));
     QVERIFY(plays());
 }
 
