@@ -122,7 +122,6 @@ FocusScope {
                 id: displayModeButton
 
                 objectName: "displayModeButton"
-
                 choices: root.commands.displayModes
                 obstacle: root.player.showsWebContent ? "Display modes are for files and streams." : ""
             }

@@ -57,7 +57,7 @@ Window {
     }
 
     onVisibilityChanged: state => {
-        shell.isFullScreen = state === Window.FullScreen;
+        shell.windowFillsScreen(state === Window.FullScreen);
         // A pointer that lies still says nothing of itself.
         shell.scheduleCursorHideIfNeeded(window);
     }

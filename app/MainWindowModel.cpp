@@ -35,6 +35,7 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     , m_player(player)
     , m_defaults(defaults)
     , m_autoOpenTask(scheduler)
+    , m_fullScreenTask(scheduler)
     , m_controlsHideTask(scheduler)
     , m_cursorHideTask(scheduler)
     , m_openingTask(scheduler)
@@ -131,6 +132,21 @@ void MainWindowModel::setDisplayMode(PortraitDisplayMode mode)
 }
 
 void MainWindowModel::setIsFullScreen(bool fullScreen)
+{
+    if (m_isFullScreen == fullScreen)
+        return;
+    m_fullScreenTask.start(fullScreenPatience, [this] { applyFullScreen(m_windowFillsScreen); });
+    applyFullScreen(fullScreen);
+}
+
+void MainWindowModel::windowFillsScreen(bool fills)
+{
+    m_windowFillsScreen = fills;
+    if (!m_fullScreenTask.isPending())
+        applyFullScreen(fills);
+}
+
+void MainWindowModel::applyFullScreen(bool fullScreen)
 {
     if (m_isFullScreen == fullScreen)
         return;

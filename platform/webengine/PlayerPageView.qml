@@ -31,8 +31,8 @@ WebEngineView {
     onNewWindowRequested: request => bridge.decideNewWindow(request)
     onRenderProcessTerminated: bridge.crashed()
     onFullScreenRequested: request => {
-        request.accept();
         root.pageFullScreenRequested(request.toggleOn);
+        request.accept();
     }
     // Of the page itself, the engine then tells that it failed.
     onCertificateError: error => error.rejectCertificate()

@@ -344,9 +344,11 @@ void AppWebPlayerTest::pageMayFillTheScreen()
     };
     click();
     QVERIFY(becomesTrue([&] { return m_world->window().visibility() == QWindow::FullScreen; }));
+    QVERIFY(wasTold(u"full/on"_s));
     m_world->press(Qt::Key_Escape);
     QVERIFY(becomesTrue([&] { return m_world->window().visibility() == QWindow::Windowed; }));
-    QTest::qWait(500);
+    QVERIFY(wasTold(u"full/off"_s));
+    QVERIFY(!m_world->shell().isFullScreen());
     click();
     QVERIFY(becomesTrue([&] { return m_world->shell().isFullScreen(); }));
     // Whoever opens something else is back in the window.
