@@ -150,7 +150,7 @@ QString WebPlayerView::reasonToGiveUp() const
     const Scheduler::TimePoint now = m_platform.scheduler.now();
     if (m_watch.askedAt && now - *m_watch.askedAt > answerPatience)
         return QStringLiteral("The page with the player does not answer.");
-    if (m_watch.wasReady)
+    if (m_watch.isReady || m_watch.wasHeard)
         return {};
     if (!m_watch.pageIsThere)
         return now - m_watch.since > loadPatience ? doesNotAnswer() : QString();
@@ -172,7 +172,8 @@ void WebPlayerView::hear(const QVariant &answer)
         fail(doesNotAnswer());
         return;
     }
-    if (playback->stage == WebPlayback::Stage::Ready) {
+    m_watch.isReady = playback->stage == WebPlayback::Stage::Ready;
+    if (m_watch.isReady) {
         const bool isFirst = !std::exchange(m_watch.wasReady, true);
         const bool hasMedia = playback->duration > 0 || playback->isPlaying.value_or(false);
         const bool hasFirstMedia = hasMedia && !std::exchange(m_watch.wasHeard, true);

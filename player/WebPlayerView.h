@@ -105,8 +105,9 @@ private:
         /// Since when the user waits.
         Scheduler::TimePoint since;
         bool pageIsThere = false;
+        /// There is a player now; there has been one; it has had media.
+        bool isReady = false;
         bool wasReady = false;
-        /// It has media.
         bool wasHeard = false;
         std::optional<Scheduler::TimePoint> askedAt;
         std::optional<Scheduler::TimePoint> errorSince;

@@ -108,6 +108,7 @@ private Q_SLOTS:
     void saysWhyItDoesNotPlay_data();
     void saysWhyItDoesNotPlay();
     void waitsWhileTheUserClicks();
+    void waitsForTheUserToPlay();
     void passingErrorsPass();
     void triesAgain_data();
     void triesAgain();
@@ -388,6 +389,11 @@ void WebPlayersTest::saysWhyItDoesNotPlay_data()
         loaded(w);
         goOn(w, preparing, 21s);
     }) << u"OK.ru shows no video at this address."_s;
+    QTest::newRow("page that takes its video away") << okVideo << Event([=](World &w) {
+        w.tell(QVariantList{2, 0, 0, 2, 0});
+        loaded(w);
+        goOn(w, preparing, 21s);
+    }) << u"OK.ru shows no video at this address."_s;
     QTest::newRow("broken video") << okVideo << Event([=](World &w) {
         goOn(w, QVariantList{2, 0, 0, 2, 4}, 3s);
     }) << u"OK.ru's player cannot play this video."_s;
@@ -430,6 +436,21 @@ void WebPlayersTest::waitsWhileTheUserClicks()
         QCOMPARE(view.failure(), QString());
         view.surfaceClicked(nullptr);
     }
+}
+
+void WebPlayersTest::waitsForTheUserToPlay()
+{
+    World &world = *m_world;
+    WebPlayerView &view = world.show(okVideo);
+    Q_EMIT world.page.loadFinished();
+    for (auto passed = 0ms; passed < 1min; passed += WebPlayerView::pollInterval)
+        world.tell(QVariantList{2, 0, 0, 2, 0});
+    QCOMPARE(view.failure(), QString());
+    // Between two videos there may be none for a while.
+    world.tell(playing);
+    for (auto passed = 0ms; passed < 1min; passed += WebPlayerView::pollInterval)
+        world.tell(QVariantList{1, 0, 0, -1, 0});
+    QCOMPARE(view.failure(), QString());
 }
 
 void WebPlayersTest::passingErrorsPass()

@@ -2,6 +2,7 @@
 
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/ValueOrFail.h"
+#include "tests/e2e/servers/Waiting.h"
 
 #include <QFile>
 
@@ -63,6 +64,15 @@ qsizetype VideoSites::beats(const QString &site) const
     const QStringList log = m_server->accessLog();
     return std::ranges::count_if(log, [&](const QString &line) {
         return line.startsWith(u"GET /told/"_s + site) && line.contains(u"/beat "_s);
+    });
+}
+
+bool VideoSites::fallSilent(const QString &site) const
+{
+    return becomesTrue([&] {
+        const qsizetype before = beats(site);
+        QTest::qWait(1000);
+        return beats(site) == before;
     });
 }
 

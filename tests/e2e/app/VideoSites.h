@@ -25,6 +25,9 @@ public:
     bool wasTold(const QString &what) const;
     /// How often a page whose name begins so has told that it plays.
     qsizetype beats(const QString &site) const;
+    /// Waits for the pages whose names begin so to end, which takes their processes a moment, and
+    /// for another second.
+    bool fallSilent(const QString &site) const;
     bool wasAsked(const QString &path) const;
     /// Takes YouTube's player away, or gives it back.
     bool setYouTubeReachable(bool reachable) const;

@@ -19,6 +19,7 @@ namespace lumaro {
 /// /slow/RATE/PATH            the file PATH at RATE bytes a second
 /// /whole/RATE/PATH           the same without byte ranges; RATE 0 for no limit
 /// /videoembed/NAME           the file videoembed/NAME as HTML
+/// /iframe_api                the file iframe_api, not to be kept in caches
 ///
 /// Needs an application object.
 class NginxServer
