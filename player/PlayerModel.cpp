@@ -431,18 +431,18 @@ void PlayerModel::showWebContent(const LastPlayableSource &source)
 void PlayerModel::setWebContent(const std::optional<YouTubeContent> &youTube,
                                 const std::optional<OKVideoContent> &okVideo)
 {
+    if (m_youtubeContent == youTube && m_okVideoContent == okVideo)
+        return;
     const bool wasShown = showsWebContent();
-    if (m_youtubeContent != youTube || m_okVideoContent != okVideo) {
-        m_webPlayStateIsOldUntil = {};
-        m_webTimeIsOldUntil = {};
-        publish(m_currentTime, 0.0, &PlayerModel::currentTimeChanged);
-        publish(m_duration, 0.0, &PlayerModel::durationChanged);
-    }
+    m_webPlayStateIsOldUntil = {};
+    m_webTimeIsOldUntil = {};
     // What ends goes first: nobody sees both.
     if (!youTube)
         publish(m_youtubeContent, youTube, &PlayerModel::youtubeContentChanged);
     publish(m_okVideoContent, okVideo, &PlayerModel::okVideoContentChanged);
     publish(m_youtubeContent, youTube, &PlayerModel::youtubeContentChanged);
+    publish(m_currentTime, 0.0, &PlayerModel::currentTimeChanged);
+    publish(m_duration, 0.0, &PlayerModel::durationChanged);
     if (showsWebContent() != wasShown)
         Q_EMIT showsWebContentChanged();
 }
