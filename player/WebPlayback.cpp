@@ -13,14 +13,18 @@ namespace {
 constexpr double longestTime = 1e9;
 constexpr double largestError = 1e6;
 
-// The numbers that YouTube's player has for its states; the other script uses them too.
-enum PlayerState { Ended = 0, Playing = 1, Paused = 2, Buffering = 3, Cued = 5 };
-
+/// `state` is one of the numbers that YouTube's player has for its states (YT.PlayerState); the
+/// other script uses them too.
 std::optional<bool> isPlaying(double state)
 {
-    if (state == Playing || state == Buffering)
+    constexpr double ended = 0;
+    constexpr double playing = 1;
+    constexpr double paused = 2;
+    constexpr double buffering = 3;
+    constexpr double cued = 5;
+    if (state == playing || state == buffering)
         return true;
-    if (state == Ended || state == Paused || state == Cued)
+    if (state == ended || state == paused || state == cued)
         return false;
     return std::nullopt;
 }

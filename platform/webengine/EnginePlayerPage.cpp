@@ -23,7 +23,7 @@ void EnginePlayerPage::loadHtml(const QString &html, const QUrl &base)
 
 void EnginePlayerPage::ask(const QString &script, World world, Answer answer)
 {
-    m_answers.insert(++m_lastQuestion, std::move(answer));
+    m_answers[++m_lastQuestion] = std::move(answer);
     Q_EMIT asked(m_lastQuestion, script, world == World::Isolated);
 }
 
