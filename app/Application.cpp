@@ -47,7 +47,7 @@ void Application::prepare()
     qputenv(flags, others + " --force-webrtc-ip-handling-policy=disable_non_proxied_udp");
 }
 
-Application::Application(const Folders &folders)
+Application::Application(const Folders &folders, const WebServices &services)
     : m_folders(folders)
     , m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
     , m_defaults(folders.settings)
@@ -64,6 +64,8 @@ Application::Application(const Folders &folders)
     , m_wakefulPlayback(m_player, m_keepAwake)
     , m_resumePositions(m_defaults, m_scheduler)
     , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions)
+    , m_webPlayers({m_player, m_scheduler, m_workspace, m_notifications, m_surfaces, services},
+                   m_youTube, m_okVideo, [this] { return loadBrowser(); })
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
     , m_placement(m_defaults, m_scheduler)
     , m_recent({m_player, m_mediaPlayer, m_window, m_defaults, m_scheduler})
@@ -129,10 +131,12 @@ Application::Application(const Folders &folders)
         if (loadFinder())
             m_finderController.show();
     });
-    // What scripts of the views still hold of a tab's engine goes with the tab.
-    QObject::connect(
-        m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine,
-        [this] { m_engine.collectGarbage(); }, Qt::QueuedConnection);
+    // What scripts of the views still hold of a page's engine goes with the page.
+    const auto collectGarbage = [this] { m_engine.collectGarbage(); };
+    QObject::connect(m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine, collectGarbage,
+                     Qt::QueuedConnection);
+    QObject::connect(&m_player, &PlayerModel::showsWebContentChanged, &m_engine, collectGarbage,
+                     Qt::QueuedConnection);
     QObject::connect(
         qGuiApp, &QGuiApplication::focusWindowChanged, &m_finderController,
         [this](const QWindow *window) { m_finderController.keyWindowChanged(classified(window)); });
@@ -167,6 +171,9 @@ bool Application::show()
         {QStringLiteral("remote"), object(m_remote)},
         {QStringLiteral("recent"), object(m_recent)},
         {QStringLiteral("help"), object(m_help)},
+        {QStringLiteral("webPlayers"), object(m_webPlayers)},
+        {QStringLiteral("webPlayerFolder"), QString(m_folders.settings + u"/web-player")},
+        {QStringLiteral("webPlayerCacheFolder"), QString(m_folders.cache + u"/web-player")},
     };
     properties.insert(windowProperties());
     m_engine.setInitialProperties(properties);
@@ -225,13 +232,20 @@ void Application::followAppearance()
     }
 }
 
+bool Application::loadBrowser()
+{
+    QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
+    if (browser.load())
+        return true;
+    qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
+    return false;
+}
+
 bool Application::loadFinder()
 {
     if (m_finderWindow)
         return true;
-    QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
-    if (!browser.load()) {
-        qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
+    if (!loadBrowser()) {
         m_player.showToast(QStringLiteral("The stream finder could not be loaded."),
                            PlayerModel::toastDuration);
         return false;

@@ -35,6 +35,7 @@
 #include "player/PlayerModel.h"
 #include "player/VolumeMemory.h"
 #include "player/WakefulPlayback.h"
+#include "player/WebPlayers.h"
 #include "playlist/ChannelListModel.h"
 
 #include <QPointer>
@@ -51,7 +52,7 @@ public:
     /// To be called before the application object is made.
     static void prepare();
 
-    explicit Application(const Folders &folders);
+    explicit Application(const Folders &folders, const WebServices &services = {});
 
     /// Shows the main window; false when its views cannot be loaded.
     bool show();
@@ -69,6 +70,7 @@ public:
     SnifferViewModel &finder() { return m_finder; }
     SnifferWindowController &finderWindow() { return m_finderController; }
     LocalM3UModel &librarySection() { return m_librarySection; }
+    WebPlayers &webPlayers() { return m_webPlayers; }
     PlayerSurfaceRegistry &surfaces() { return m_surfaces; }
     RecordingModel &recording() { return m_recording; }
     RecentItems &recent() { return m_recent; }
@@ -77,6 +79,8 @@ public:
 
 private:
     QQuickWindow *mainWindow() const;
+    /// What QML shows web pages with, from its own module.
+    bool loadBrowser();
     bool loadFinder();
     SnifferWindowController::KeyWindow classified(const QWindow *window) const;
     void playFound(const QUrl &url, const QString &name);
@@ -107,6 +111,7 @@ private:
     WakefulPlayback m_wakefulPlayback;
     ResumePositions m_resumePositions;
     ResumingPlayback m_resumingPlayback;
+    WebPlayers m_webPlayers;
     MainWindowModel m_window;
     WindowPlacement m_placement;
     RecentItems m_recent;

@@ -23,6 +23,9 @@ FocusScope {
     required property MpvMediaPlayer mediaPlayer
     required property PlayerViewServices viewServices
     required property Item picture
+    required property WebPlayers webPlayers
+    required property string webPlayerFolder
+    required property string webPlayerCacheFolder
 
     function holdsFocus(part: Item): bool {
         let item = Window.activeFocusItem;
@@ -69,13 +72,30 @@ FocusScope {
                     surface.panBy(amount);
                 }
             }
+            recordable: !root.webPlayers.wantsPage
             onFullScreenToggleRequested: root.shell.isFullScreen = !root.shell.isFullScreen
+        }
+
+        // In place of the picture. It needs the browser's engine, so it is made when that is there.
+        Loader {
+            id: webPlayer
+
+            readonly property bool canBeMade: root.webPlayers.hasEngine
+
+            anchors.fill: parent
+            onCanBeMadeChanged: setSource("WebPlayer.qml", {
+                webPlayers: root.webPlayers,
+                shell: root.shell,
+                folder: root.webPlayerFolder,
+                cacheFolder: root.webPlayerCacheFolder
+            })
         }
 
         PictureStatus {
             anchors.fill: parent
             player: root.player
             shell: root.shell
+            webPlayers: root.webPlayers
         }
 
         TopBar {
@@ -95,7 +115,8 @@ FocusScope {
 
             anchors {
                 bottom: parent.bottom
-                bottomMargin: Theme.spacing * 4
+                // Above the controls that a site's own player has at its edge.
+                bottomMargin: Theme.spacing * (root.webPlayers.wantsPage ? 16 : 4)
                 horizontalCenter: parent.horizontalCenter
             }
             width: Math.min(parent.width - Theme.spacing * 8, 760)
@@ -112,13 +133,16 @@ FocusScope {
             DisplayModeButton {
                 id: displayModeButton
 
+                objectName: "displayModeButton"
                 choices: root.commands.displayModes
+                obstacle: root.player.showsWebContent ? "Display modes are for files and streams." : ""
             }
             IconButton {
                 onOverlay: true
                 iconName: "star"
                 checked: root.library.isCurrentSaved
-                enabled: root.library.canSaveCurrent
+                enabled: root.library.canSaveCurrent || obstacle !== ""
+                obstacle: root.player.showsWebContent ? "Local M3U is for files and streams." : ""
                 text: root.library.isCurrentSaved ? "Show in Local M3U" : "Save to Local M3U"
                 shortcutText: "Ctrl+D"
                 onClicked: root.library.saveCurrent()
@@ -165,6 +189,16 @@ FocusScope {
         target: root.shell
         property: "controlsInUse"
         value: controlBar.inUse || displayModeButton.opened || recordButton.opened || topBar.inUse || root.holdsFocus(controlBar) || root.holdsFocus(topBar)
+    }
+
+    // Keys must not go to a page that is gone.
+    Connections {
+        target: root.webPlayers
+
+        function onChanged() {
+            if (!root.webPlayers.wantsPage && root.holdsFocus(webPlayer))
+                surface.forceActiveFocus();
+        }
     }
 
     // A click on the picture ends typing, so that the keys are the player's again.

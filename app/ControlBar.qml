@@ -64,6 +64,23 @@ Rectangle {
                 previewText: root.transport.previewText(hoverValue)
                 onCommitted: value => root.player.seek(value)
                 Accessible.name: "Position"
+                Accessible.description: root.transport.obstacle
+            }
+            // A bar that is disabled sees no pointer.
+            Item {
+                id: seekObstacle
+
+                anchors.fill: seekSlider
+                visible: root.transport.obstacle !== ""
+
+                HoverHandler {
+                    onHoveredChanged: {
+                        if (hovered)
+                            ToolTips.show(seekObstacle, root.transport.obstacle, "");
+                        else
+                            ToolTips.hide(seekObstacle);
+                    }
+                }
             }
             TimeText {
                 id: endText

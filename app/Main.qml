@@ -26,6 +26,9 @@ Window {
     required property RemoteControl remote
     required property RecentItems recent
     required property HelpModel help
+    required property WebPlayers webPlayers
+    required property string webPlayerFolder
+    required property string webPlayerCacheFolder
 
     property bool wasMaximized: false
 
@@ -57,7 +60,7 @@ Window {
     }
 
     onVisibilityChanged: state => {
-        shell.isFullScreen = state === Window.FullScreen;
+        shell.windowFillsScreen(state === Window.FullScreen);
         // A pointer that lies still says nothing of itself.
         shell.scheduleCursorHideIfNeeded(window);
     }
@@ -94,6 +97,9 @@ Window {
         notifications: window.notifications
         mediaPlayer: window.mediaPlayer
         viewServices: window.viewServices
+        webPlayers: window.webPlayers
+        webPlayerFolder: window.webPlayerFolder
+        webPlayerCacheFolder: window.webPlayerCacheFolder
         picture: MpvVideoItem { player: window.mediaPlayer }
     }
 

@@ -35,6 +35,7 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     , m_player(player)
     , m_defaults(defaults)
     , m_autoOpenTask(scheduler)
+    , m_fullScreenTask(scheduler)
     , m_controlsHideTask(scheduler)
     , m_cursorHideTask(scheduler)
     , m_openingTask(scheduler)
@@ -60,10 +61,6 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
         if (m_player.currentURL().isEmpty())
             forgetItem();
     });
-    connect(&player, &PlayerModel::youtubeContentChanged, this,
-            &MainWindowModel::showWebContentNotice);
-    connect(&player, &PlayerModel::okVideoContentChanged, this,
-            &MainWindowModel::showWebContentNotice);
     connect(&player, &PlayerModel::isPlayingChanged, this,
             &MainWindowModel::showFullScreenControls);
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
@@ -135,6 +132,21 @@ void MainWindowModel::setDisplayMode(PortraitDisplayMode mode)
 }
 
 void MainWindowModel::setIsFullScreen(bool fullScreen)
+{
+    if (m_isFullScreen == fullScreen)
+        return;
+    m_fullScreenTask.start(fullScreenPatience, [this] { applyFullScreen(m_windowFillsScreen); });
+    applyFullScreen(fullScreen);
+}
+
+void MainWindowModel::windowFillsScreen(bool fills)
+{
+    m_windowFillsScreen = fills;
+    if (!m_fullScreenTask.isPending())
+        applyFullScreen(fills);
+}
+
+void MainWindowModel::applyFullScreen(bool fullScreen)
 {
     if (m_isFullScreen == fullScreen)
         return;
@@ -358,13 +370,6 @@ QString MainWindowModel::noticeFor(MediaPlayer::ItemFailure failure) const
         return QStringLiteral("Lumaro does not open addresses of this kind.");
     }
     Q_UNREACHABLE();
-}
-
-void MainWindowModel::showWebContentNotice()
-{
-    const bool shown = m_player.youtubeContent() || m_player.okVideoContent();
-    setPictureNotice(shown ? QStringLiteral("This version cannot show this site's own player yet.")
-                           : QString());
 }
 
 } // namespace lumaro

@@ -54,6 +54,8 @@ public:
     static constexpr std::chrono::milliseconds openingDelay{450};
     static constexpr std::chrono::milliseconds controlsHideDelay{2500};
     static constexpr std::chrono::milliseconds cursorHideDelay{2000};
+    /// How long the desktop may take to make the window fill the screen, or not any more.
+    static constexpr std::chrono::milliseconds fullScreenPatience{1000};
 
     /// All arguments outlive the model.
     MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer, Scheduler &scheduler,
@@ -96,6 +98,10 @@ public:
     /// Forgets the typed address and everything that came from the network.
     Q_INVOKABLE void clearNetwork();
 
+    /// The desktop tells whether the window fills the screen. What it tells of an older wish counts
+    /// only if it does not come to the newest.
+    Q_INVOKABLE void windowFillsScreen(bool fills);
+
     Q_INVOKABLE void showFullScreenControls();
     /// Hides the pointer after a pause in `window` if that is still the key window then.
     Q_INVOKABLE void scheduleCursorHideIfNeeded(QObject *window);
@@ -136,13 +142,13 @@ private:
     void observe(const QString &notification, QObject *object);
     void openFile(const QUrl &file);
     void openAddress(const QString &address);
+    void applyFullScreen(bool fullScreen);
     void updateControlsVisible();
     void setCursorHidden(bool hidden);
     void forgetItem();
     void setIsOpening(bool opening);
     void setCurrentChannel(int index);
     void setPictureNotice(const QString &notice);
-    void showWebContentNotice();
     QString noticeFor(MediaPlayer::ItemFailure failure) const;
 
     PlayerModel &m_player;
@@ -155,6 +161,7 @@ private:
     bool m_displayNameShown = false;
     PortraitDisplayMode m_displayMode = PortraitDisplayMode::normal;
     bool m_isFullScreen = false;
+    bool m_windowFillsScreen = false;
     bool m_controlsShown = true;
     bool m_controlsInUse = false;
     bool m_controlsVisible = true;
@@ -163,6 +170,7 @@ private:
     int m_currentChannel = -1;
     QString m_pictureNotice;
     DelayedTask m_autoOpenTask;
+    DelayedTask m_fullScreenTask;
     DelayedTask m_controlsHideTask;
     DelayedTask m_cursorHideTask;
     DelayedTask m_openingTask;

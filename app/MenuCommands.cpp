@@ -128,9 +128,13 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
                   .shortcut = QStringLiteral("Ctrl+%1").arg(int(mode) + 1),
                   .action = [&window, mode] { window.setDisplayMode(mode); },
                   .startsGroup = mode == PortraitDisplayMode::normal,
+                  // A site's own player shows its picture itself.
+                  .isEnabled = [&player] { return !player.showsWebContent(); },
                   .isChecked = [&window, mode] { return window.displayMode() == mode; }});
         connect(&window, &MainWindowModel::displayModeChanged, choice,
                 &MenuCommand::isCheckedChanged);
+        connect(&player, &PlayerModel::showsWebContentChanged, choice,
+                &MenuCommand::isEnabledChanged);
         m_displayModes.append(choice);
     }
     m_view = QList{sidebar, fullScreen} + m_displayModes;

@@ -9,8 +9,10 @@ Item {
 
     required property PlayerModel player
     required property MainWindowModel shell
+    required property WebPlayers webPlayers
 
-    readonly property bool isIdle: player.currentURL.toString() === "" && shell.pictureNotice === ""
+    readonly property bool isIdle: player.currentURL.toString() === "" && shell.pictureNotice === "" && !player.showsWebContent
+    readonly property bool isOpening: shell.isOpening || webPlayers.isLoading
 
     Loader {
         anchors.centerIn: parent
@@ -40,7 +42,22 @@ Item {
 
     Loader {
         anchors.centerIn: parent
-        active: root.player.isBuffering || root.shell.isOpening || (root.player.isLoading && root.isIdle)
+        width: Math.min(parent.width - Theme.spacing * 12, 420)
+        active: root.webPlayers.failure !== ""
+        sourceComponent: EmptyState {
+            objectName: "webPlayerFailure"
+            onOverlay: true
+            iconName: "alert"
+            title: root.player.title
+            text: root.webPlayers.failure
+            buttonText: "Retry"
+            onButtonClicked: root.webPlayers.retry()
+        }
+    }
+
+    Loader {
+        anchors.centerIn: parent
+        active: root.player.isBuffering || root.isOpening || (root.player.isLoading && root.isIdle)
         sourceComponent: Column {
             spacing: Theme.spacing * 3
 
@@ -51,7 +68,7 @@ Item {
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: root.player.isBuffering ? "Buffering…" : root.shell.isOpening ? "Opening…" : "Loading playlist…"
+                text: root.player.isBuffering ? "Buffering…" : root.isOpening ? "Opening…" : "Loading playlist…"
                 color: Theme.textOnOverlay
                 font.pixelSize: Theme.fontBody
             }

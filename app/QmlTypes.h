@@ -14,6 +14,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/qt/QuickFilePanels.h"
 #include "player/PlayerModel.h"
+#include "player/WebPlayers.h"
 
 #include <QtQml/qqml.h>
 
@@ -153,6 +154,22 @@ struct TransportModelForQml
     Q_GADGET
     QML_FOREIGN(lumaro::TransportModel)
     QML_NAMED_ELEMENT(TransportModel)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct WebPlayersForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::WebPlayers)
+    QML_NAMED_ELEMENT(WebPlayers)
+    QML_UNCREATABLE("Made by the composition root.")
+};
+
+struct WebPlayerViewForQml
+{
+    Q_GADGET
+    QML_FOREIGN(lumaro::WebPlayerView)
+    QML_NAMED_ELEMENT(WebPlayerView)
     QML_UNCREATABLE("Made by the composition root.")
 };
 

@@ -30,7 +30,8 @@ TransportModel::TransportModel(PlayerModel &player, QObject *parent)
     , m_player(player)
 {
     for (const auto signal : {&PlayerModel::currentTimeChanged, &PlayerModel::durationChanged,
-                              &PlayerModel::isLiveStreamChanged, &PlayerModel::currentURLChanged})
+                              &PlayerModel::isLiveStreamChanged, &PlayerModel::currentURLChanged,
+                              &PlayerModel::showsWebContentChanged})
         connect(&player, signal, this, &TransportModel::update);
 }
 
@@ -66,6 +67,13 @@ QString TransportModel::endText() const
     if (isLive())
         return QStringLiteral("LIVE");
     return m_player.duration() > 0 ? formatTime(m_player.duration()) : QString();
+}
+
+QString TransportModel::obstacle() const
+{
+    return m_player.showsWebContent() && !canSeek()
+        ? QStringLiteral("The site does not tell how long this is.")
+        : QString();
 }
 
 QString TransportModel::previewText(double seconds) const

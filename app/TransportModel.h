@@ -25,6 +25,8 @@ class TransportModel : public QObject
     Q_PROPERTY(double position READ position NOTIFY changed)
     Q_PROPERTY(QString positionText READ positionText NOTIFY changed)
     Q_PROPERTY(QString endText READ endText NOTIFY changed)
+    /// Why there is nowhere to go, where that needs to be said; else empty.
+    Q_PROPERTY(QString obstacle READ obstacle NOTIFY changed)
 
 public:
     /// `player` outlives the model.
@@ -38,6 +40,7 @@ public:
     double position() const;
     QString positionText() const;
     QString endText() const;
+    QString obstacle() const;
 
     /// What the preview over the bar says for `seconds` on it.
     Q_INVOKABLE QString previewText(double seconds) const;

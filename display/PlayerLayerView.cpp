@@ -32,7 +32,10 @@ void PlayerLayerView::update()
 {
     if (!m_view)
         return;
-    m_services->surfaces.setCurrentSurface(m_view);
+    if (m_recordable)
+        m_services->surfaces.setCurrentSurface(m_view);
+    else
+        m_services->surfaces.clear(m_view);
     m_view->setPicture(m_picture);
     m_view->setPlayer(m_player);
     m_view->setDisplayMode(m_displayMode);

@@ -21,6 +21,8 @@ class PlayerLayerView : public QQuickItem
     Q_PROPERTY(bool pannable READ isPannable NOTIFY changed)
     /// The user moves the picture behind its column.
     Q_PROPERTY(bool dragging READ isDragging NOTIFY draggingChanged)
+    /// False while something else shows what plays.
+    Q_PROPERTY(bool recordable MEMBER m_recordable NOTIFY changed)
     /// To be set once.
     Q_PROPERTY(lumaro::PlayerViewServices *services MEMBER m_services NOTIFY changed)
 
@@ -49,6 +51,7 @@ private:
 
     QPointer<MediaPlayer> m_player;
     bool m_fillScreen = false;
+    bool m_recordable = true;
     PortraitDisplayMode m_displayMode = PortraitDisplayMode::normal;
     QPointer<QQuickItem> m_picture;
     QPointer<PlayerViewServices> m_services;

@@ -1,28 +1,11 @@
 #pragma once
 
+#include "platform/NavigationAction.h"
 #include "platform/WebView.h"
 
 #include <QVariant>
 
-#include <functional>
-
 namespace lumaro {
-
-/// A page, or a frame in it, is about to go somewhere.
-struct NavigationAction
-{
-    enum class Target {
-        MainFrame,
-        SubFrame,
-        NewWindow,
-    };
-
-    QUrl url;
-    Target target = Target::MainFrame;
-    bool isLinkClick = false;
-    /// The page itself asks rather than a frame in it.
-    bool sourceIsMainFrame = true;
-};
 
 /// A web view as a browser drives it. Main thread; nothing blocks.
 class PageView : public WebView
@@ -30,9 +13,6 @@ class PageView : public WebView
     Q_OBJECT
 
 public:
-    /// Whether the view may do so. It never goes to other schemes than a page of the web needs.
-    using NavigationPolicy = std::function<bool(const NavigationAction &action)>;
-
     using WebView::WebView;
 
     virtual void load(const QUrl &url) = 0;
@@ -49,7 +29,8 @@ public:
 
     /// For every frame that is loaded from now on, before the page's own scripts.
     virtual void setUserScripts(const QStringList &scripts) = 0;
-    /// Called for whatever a page asks for; without one, pages go where they like.
+    /// Called for whatever a page asks for; without one, pages go where they like, though never to
+    /// other schemes than a page of the web needs.
     virtual void setNavigationPolicy(NavigationPolicy policy) = 0;
 
 Q_SIGNALS:

@@ -18,6 +18,9 @@ public:
     /// their folder open.
     virtual void activateFileViewer(const QList<QUrl> &files) = 0;
 
+    /// Opens a page of the web in the browser that the user has chosen.
+    virtual void openInBrowser(const QUrl &page) = 0;
+
     /// Shows where the user allows programs to capture the screen.
     virtual void openScreenCaptureSettings() = 0;
 };

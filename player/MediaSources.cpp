@@ -106,11 +106,9 @@ std::optional<OKVideoContent> OKVideoContent::fromUrl(const QUrl &url)
     return OKVideoContent{*videoID};
 }
 
-QUrl OKVideoContent::embedURL() const
+QUrl OKVideoContent::embedURL(const WebServices &services) const
 {
-    QUrl url;
-    url.setScheme(QStringLiteral("https"));
-    url.setHost(QString::fromUtf16(service::okDomain));
+    QUrl url = services.okVideo;
     url.setPath(u"/videoembed/" + videoID);
     QUrlQuery query;
     query.addQueryItem(QStringLiteral("autoplay"), QStringLiteral("1"));

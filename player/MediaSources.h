@@ -1,23 +1,15 @@
 #pragma once
 
+#include "player/WebServices.h"
 #include "playlist/UrlPath.h"
 
 #include <QString>
 #include <QStringList>
-#include <QUrl>
 
 #include <optional>
 #include <variant>
 
 namespace lumaro {
-
-/// The hosts of the two video sites that have embedded players.
-namespace service {
-inline constexpr char16_t youTubeShortLinkHost[] = u"youtu.be";
-inline constexpr char16_t youTubeDomain[] = u"youtube.com";
-inline constexpr char16_t youTubeNoCookieDomain[] = u"youtube-nocookie.com";
-inline constexpr char16_t okDomain[] = u"ok.ru";
-} // namespace service
 
 /// A reference into YouTube: a video, a playlist, or a video inside a playlist.
 struct YouTubeContent
@@ -47,7 +39,7 @@ struct OKVideoContent
 
     QString id() const { return videoID; }
     /// The page of the service's own player, starting by itself, without its chat.
-    QUrl embedURL() const;
+    QUrl embedURL(const WebServices &services = {}) const;
 
     bool operator==(const OKVideoContent &) const = default;
 };

@@ -69,6 +69,8 @@ PlayerModel::~PlayerModel()
 
 std::optional<MediaPlayer::TimeRange> PlayerModel::seekableRange() const
 {
+    if (showsWebContent())
+        return m_duration > 0 ? std::optional(MediaPlayer::TimeRange{0, m_duration}) : std::nullopt;
     return m_platform.player.hasItem() ? m_platform.player.seekableRange() : std::nullopt;
 }
 
@@ -109,8 +111,7 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_mediaLoadID, QUuid::createUuid(), &PlayerModel::mediaLoadIDChanged);
 
-    publish(m_youtubeContent, std::nullopt, &PlayerModel::youtubeContentChanged);
-    publish(m_okVideoContent, std::nullopt, &PlayerModel::okVideoContentChanged);
+    setWebContent(std::nullopt, std::nullopt);
     publish(m_errorMessage, QString(), &PlayerModel::errorMessageChanged);
 
     QString shownTitle = displayName.value_or(lastPathComponent(url));
@@ -294,6 +295,7 @@ void PlayerModel::togglePlayback()
 {
     if (const WebPlayerRegistry *web = activeWebPlayer()) {
         web->togglePlayback();
+        m_webPlayStateIsOldUntil = m_platform.scheduler.now() + webCommandDuration;
         publish(m_isPlaying, !m_isPlaying, &PlayerModel::isPlayingChanged);
         return;
     }
@@ -327,8 +329,7 @@ void PlayerModel::stop()
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_isPlaying, false, &PlayerModel::isPlayingChanged);
     publish(m_title, productName(), &PlayerModel::titleChanged);
-    publish(m_youtubeContent, std::nullopt, &PlayerModel::youtubeContentChanged);
-    publish(m_okVideoContent, std::nullopt, &PlayerModel::okVideoContentChanged);
+    setWebContent(std::nullopt, std::nullopt);
 }
 
 void PlayerModel::skip(double seconds)
@@ -352,7 +353,12 @@ void PlayerModel::seek(double seconds)
             return;
     }
     target = std::max(reachable->start, std::min(target, reachable->end));
-    m_platform.player.seek(target);
+    if (const WebPlayerRegistry *web = activeWebPlayer()) {
+        web->seek(target);
+        m_webTimeIsOldUntil = m_platform.scheduler.now() + webCommandDuration;
+    } else {
+        m_platform.player.seek(target);
+    }
     publish(m_currentTime, target, &PlayerModel::currentTimeChanged);
 }
 
@@ -421,12 +427,29 @@ void PlayerModel::showWebContent(const LastPlayableSource &source)
     const auto *okVideo = std::get_if<OKVideoSource>(&source);
     removePlatformItem();
     publish(m_currentURL, QUrl(), &PlayerModel::currentURLChanged);
-    publish(m_youtubeContent, youTube ? std::optional(youTube->content) : std::nullopt,
-            &PlayerModel::youtubeContentChanged);
-    publish(m_okVideoContent, okVideo ? std::optional(okVideo->content) : std::nullopt,
-            &PlayerModel::okVideoContentChanged);
+    setWebContent(youTube ? std::optional(youTube->content) : std::nullopt,
+                  okVideo ? std::optional(okVideo->content) : std::nullopt);
     publish(m_title, youTube ? youTube->title : okVideo->title, &PlayerModel::titleChanged);
     publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
+}
+
+void PlayerModel::setWebContent(const std::optional<YouTubeContent> &youTube,
+                                const std::optional<OKVideoContent> &okVideo)
+{
+    if (m_youtubeContent == youTube && m_okVideoContent == okVideo)
+        return;
+    const bool wasShown = showsWebContent();
+    m_webPlayStateIsOldUntil = {};
+    m_webTimeIsOldUntil = {};
+    // What ends goes first: nobody sees both.
+    if (!youTube)
+        publish(m_youtubeContent, youTube, &PlayerModel::youtubeContentChanged);
+    publish(m_okVideoContent, okVideo, &PlayerModel::okVideoContentChanged);
+    publish(m_youtubeContent, youTube, &PlayerModel::youtubeContentChanged);
+    publish(m_currentTime, 0.0, &PlayerModel::currentTimeChanged);
+    publish(m_duration, 0.0, &PlayerModel::durationChanged);
+    if (showsWebContent() != wasShown)
+        Q_EMIT showsWebContentChanged();
 }
 
 void PlayerModel::discardLastRemoteSource()
@@ -442,6 +465,45 @@ void PlayerModel::updateStreamTitle(const QString &name)
 {
     if (m_isLiveStream)
         publish(m_title, trimmedOr(name, productName()), &PlayerModel::titleChanged);
+}
+
+// Observing a web player
+
+void PlayerModel::webPlayerBecameReady()
+{
+    const WebPlayerRegistry *web = activeWebPlayer();
+    if (!web)
+        return;
+    web->setVolume(m_volume);
+    if (m_isMuted)
+        web->setMuted(true);
+}
+
+void PlayerModel::observeWebPlayback(const WebPlayback &playback)
+{
+    if (!showsWebContent())
+        return;
+    const Scheduler::TimePoint now = m_platform.scheduler.now();
+    if (now >= m_webTimeIsOldUntil)
+        publish(m_currentTime, playback.time, &PlayerModel::currentTimeChanged);
+    publish(m_duration, playback.duration, &PlayerModel::durationChanged);
+    if (playback.isPlaying && now >= m_webPlayStateIsOldUntil)
+        publish(m_isPlaying, *playback.isPlaying, &PlayerModel::isPlayingChanged);
+}
+
+void PlayerModel::webPlaybackFailed()
+{
+    if (!showsWebContent())
+        return;
+    publish(m_currentTime, 0.0, &PlayerModel::currentTimeChanged);
+    publish(m_duration, 0.0, &PlayerModel::durationChanged);
+    publish(m_isPlaying, false, &PlayerModel::isPlayingChanged);
+}
+
+void PlayerModel::webPlaybackRestarted()
+{
+    if (showsWebContent())
+        publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
 }
 
 // Observing the platform player

@@ -4,6 +4,7 @@
 #include "platform/InputMonitor.h"
 #include "platform/MediaPlayer.h"
 #include "player/MediaSources.h"
+#include "player/WebPlayback.h"
 #include "player/WebPlayerRegistry.h"
 #include "playlist/PlaylistEntries.h"
 
@@ -70,6 +71,8 @@ class PlayerModel : public QObject
                    youtubeContentChanged)
     Q_PROPERTY(std::optional<lumaro::OKVideoContent> okVideoContent READ okVideoContent NOTIFY
                    okVideoContentChanged)
+    /// One of the two is active.
+    Q_PROPERTY(bool showsWebContent READ showsWebContent NOTIFY showsWebContentChanged)
 
 public:
     /// The error is a sentence.
@@ -79,6 +82,8 @@ public:
     static constexpr qint64 maximumPlaylistSize = 256 * 1024 * 1024;
     static constexpr std::chrono::milliseconds volumeToastDuration{1200};
     static constexpr std::chrono::milliseconds toastDuration{2800};
+    /// How long a web player may take to do what it was told; until then, what it tells is old.
+    static constexpr std::chrono::milliseconds webCommandDuration{1000};
 
     explicit PlayerModel(const PlayerPlatform &platform, QObject *parent = nullptr);
     ~PlayerModel() override;
@@ -101,13 +106,14 @@ public:
     bool isBuffering() const { return m_isBuffering; }
     const std::optional<YouTubeContent> &youtubeContent() const { return m_youtubeContent; }
     const std::optional<OKVideoContent> &okVideoContent() const { return m_okVideoContent; }
+    bool showsWebContent() const { return m_youtubeContent || m_okVideoContent; }
     const QString &toastMessage() const { return m_toastMessage; }
     const QUrl &currentURL() const { return m_currentURL; }
     const std::optional<LastPlayableSource> &lastPlayableSource() const
     {
         return m_lastPlayableSource;
     }
-    /// Seconds; where the platform player can seek in the current item.
+    /// Seconds; where the current source can be sought in.
     std::optional<MediaPlayer::TimeRange> seekableRange() const;
 
     /// Opens a typed or pasted address. Ends when the playlist behind it, if it is one, has been
@@ -144,6 +150,15 @@ public:
     Q_INVOKABLE void clearNetworkStream();
     void updateStreamTitle(const QString &name);
 
+    /// A web player takes commands from now on; what has been told to the one before holds for it.
+    void webPlayerBecameReady();
+    /// What the web player tells of itself, again and again.
+    void observeWebPlayback(const WebPlayback &playback);
+    /// There is nothing to be seen or heard of the web player any more.
+    void webPlaybackFailed();
+    /// It is being loaded again.
+    void webPlaybackRestarted();
+
     /// Installs the key-down and the mouse monitor; called once.
     void installKeyboardShortcuts();
 
@@ -164,6 +179,7 @@ Q_SIGNALS:
     void isBufferingChanged();
     void youtubeContentChanged();
     void okVideoContentChanged();
+    void showsWebContentChanged();
     void toastMessageChanged();
     void currentURLChanged();
     /// The user has opened a file, an address or a playlist that could be read, under the name that
@@ -188,6 +204,8 @@ private:
     void updateIsLoading();
 
     void showWebContent(const LastPlayableSource &source);
+    void setWebContent(const std::optional<YouTubeContent> &youTube,
+                       const std::optional<OKVideoContent> &okVideo);
     void removePlatformItem();
     const WebPlayerRegistry *activeWebPlayer() const;
 
@@ -222,6 +240,9 @@ private:
     bool m_isBuffering = false;
     std::optional<YouTubeContent> m_youtubeContent;
     std::optional<OKVideoContent> m_okVideoContent;
+    /// Until then, the web player's play state and its position may be from before a command.
+    Scheduler::TimePoint m_webPlayStateIsOldUntil;
+    Scheduler::TimePoint m_webTimeIsOldUntil;
     QString m_toastMessage;
     QUrl m_currentURL;
 

@@ -2,15 +2,23 @@
 
 #include <QLocale>
 
+#include <cmath>
+
 namespace lumaro {
 
 namespace {
 
-/// The shortest decimal text that names the double, always with a fractional part or an exponent.
+/// The shortest decimal text that names the double, always with a fractional part unless it needs
+/// an exponent.
 QString decimalText(double value)
 {
-    const QString text = QString::number(value, 'g', QLocale::FloatingPointShortest);
-    return text.contains(u'.') || text.contains(u'e') ? text : text + u".0";
+    constexpr double smallest = 1e-4;
+    constexpr double largest = 0x1p54;
+    const double size = std::abs(value);
+    const bool needsExponent = size != 0 && (size < smallest || size >= largest);
+    const QString text =
+        QString::number(value, needsExponent ? 'e' : 'f', QLocale::FloatingPointShortest);
+    return needsExponent || text.contains(u'.') ? text : text + u".0";
 }
 
 QString boolText(bool value)
@@ -26,6 +34,12 @@ QString withVideoElement(const QString &action)
 
 } // namespace
 
+void WebPlayerRegistry::clear(const ScriptRunner *view)
+{
+    if (m_view == view)
+        m_view = nullptr;
+}
+
 void WebPlayerRegistry::evaluate(const QString &script) const
 {
     if (m_view)
@@ -40,6 +54,11 @@ QString YouTubePlayerRegistry::toggleScript() const
 QString YouTubePlayerRegistry::skipScript(double seconds) const
 {
     return u"varnSkip(" + decimalText(seconds) + u");";
+}
+
+QString YouTubePlayerRegistry::seekScript(double seconds) const
+{
+    return u"if(player&&player.seekTo){player.seekTo(" + decimalText(seconds) + u",true);}";
 }
 
 QString YouTubePlayerRegistry::volumeScript(double volume) const
@@ -61,6 +80,11 @@ QString OKVideoPlayerRegistry::skipScript(double seconds) const
 {
     return withVideoElement(u"v.currentTime=Math.max(0,v.currentTime+(" + decimalText(seconds)
                             + u"));");
+}
+
+QString OKVideoPlayerRegistry::seekScript(double seconds) const
+{
+    return withVideoElement(u"v.currentTime=" + decimalText(seconds) + u';');
 }
 
 QString OKVideoPlayerRegistry::volumeScript(double volume) const

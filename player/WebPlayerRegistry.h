@@ -16,8 +16,12 @@ public:
     WebPlayerRegistry &operator=(const WebPlayerRegistry &) = delete;
     virtual ~WebPlayerRegistry() = default;
 
-    /// Makes `view` the one that receives the commands; null for none.
+    /// Makes `view` the one that receives the commands. To be called by whoever shows it, whenever
+    /// what it shows may have changed.
     void setCurrentView(ScriptRunner *view) { m_view = view; }
+    /// To be called when `view` goes; another that has taken its place stays.
+    void clear(const ScriptRunner *view);
+    /// Null when none shows the service's player.
     ScriptRunner *currentView() const { return m_view; }
 
     /// Runs `script` in the current view; does nothing without one.
@@ -25,6 +29,8 @@ public:
 
     void togglePlayback() const { evaluate(toggleScript()); }
     void skip(double seconds) const { evaluate(skipScript(seconds)); }
+    /// `seconds` is not negative.
+    void seek(double seconds) const { evaluate(seekScript(seconds)); }
     /// `volume` is between 0 and 1.
     void setVolume(double volume) const { evaluate(volumeScript(volume)); }
     void setMuted(bool muted) const { evaluate(muteScript(muted)); }
@@ -32,6 +38,7 @@ public:
 private:
     virtual QString toggleScript() const = 0;
     virtual QString skipScript(double seconds) const = 0;
+    virtual QString seekScript(double seconds) const = 0;
     virtual QString volumeScript(double volume) const = 0;
     virtual QString muteScript(bool muted) const = 0;
 
@@ -43,6 +50,7 @@ class YouTubePlayerRegistry final : public WebPlayerRegistry
 {
     QString toggleScript() const override;
     QString skipScript(double seconds) const override;
+    QString seekScript(double seconds) const override;
     QString volumeScript(double volume) const override;
     QString muteScript(bool muted) const override;
 };
@@ -52,6 +60,7 @@ class OKVideoPlayerRegistry final : public WebPlayerRegistry
 {
     QString toggleScript() const override;
     QString skipScript(double seconds) const override;
+    QString seekScript(double seconds) const override;
     QString volumeScript(double volume) const override;
     QString muteScript(bool muted) const override;
 };

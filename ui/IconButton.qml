@@ -8,6 +8,7 @@ import Lumaro.Ui
 //   shortcutText  its keys, shown in the tool tip
 //   checked       the state it stands for is on
 //   urgent        what it stands for must not be forgotten
+//   obstacle      why it can do nothing now; unlike a disabled one it says so in its tool tip
 //   onOverlay     lies over the picture
 //   prominent     the one main action: larger, filled and round
 //   iconSize      edge length of the icon
@@ -17,26 +18,29 @@ T.AbstractButton {
     property string iconName
     property string shortcutText
     property bool urgent: false
+    property string obstacle
     property bool onOverlay: false
     property bool prominent: false
     property int iconSize: prominent ? 24 : Theme.iconSize
-    readonly property string toolTipText: text
+    readonly property string toolTipText: obstacle === "" ? text : obstacle
+    readonly property string toolTipKeys: obstacle === "" ? shortcutText : ""
 
     implicitWidth: prominent ? 48 : Theme.controlHeight
     implicitHeight: implicitWidth
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
-    opacity: enabled ? 1 : 0.38
+    opacity: enabled && obstacle === "" ? 1 : 0.38
 
     Accessible.name: text
-    Accessible.description: shortcutText
+    Accessible.description: obstacle === "" ? shortcutText : obstacle
 
-    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
-    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat && obstacle === "") control.clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat && obstacle === "") control.clicked(); }
+    Keys.onSpacePressed: event => event.accepted = obstacle !== ""
 
-    onHoveredChanged: hovered ? ToolTips.show(control, text, shortcutText) : ToolTips.hide(control)
-    onVisualFocusChanged: visualFocus ? ToolTips.show(control, text, shortcutText) : ToolTips.hide(control)
-    onTextChanged: ToolTips.update(control, text, shortcutText)
+    onHoveredChanged: hovered ? ToolTips.show(control, toolTipText, toolTipKeys) : ToolTips.hide(control)
+    onVisualFocusChanged: visualFocus ? ToolTips.show(control, toolTipText, toolTipKeys) : ToolTips.hide(control)
+    onToolTipTextChanged: ToolTips.update(control, toolTipText, toolTipKeys)
     onPressed: ToolTips.hide(control)
 
     contentItem: Icon {
@@ -63,5 +67,11 @@ T.AbstractButton {
             onOverlay: control.onOverlay
             around: parent.radius
         }
+    }
+
+    // Takes the clicks for which there is an obstacle.
+    MouseArea {
+        anchors.fill: parent
+        visible: control.obstacle !== ""
     }
 }

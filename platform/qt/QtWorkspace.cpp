@@ -44,6 +44,11 @@ void QtWorkspace::activateFileViewer(const QList<QUrl> &files)
             });
 }
 
+void QtWorkspace::openInBrowser(const QUrl &page)
+{
+    QDesktopServices::openUrl(page);
+}
+
 void QtWorkspace::openScreenCaptureSettings()
 {
     // Desktops here have no address for one page of their settings.

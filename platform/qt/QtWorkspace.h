@@ -16,6 +16,7 @@ public:
     explicit QtWorkspace(QObject *parent = nullptr);
 
     void activateFileViewer(const QList<QUrl> &files) override;
+    void openInBrowser(const QUrl &page) override;
     void openScreenCaptureSettings() override;
 };
 

@@ -58,6 +58,8 @@ private Q_SLOTS:
     void remembersTheSidebar();
     void remembersTheDisplayMode();
     void displayModesAreAChoice();
+    void olderWishesDoNotComeBack();
+    void desktopHasTheLastWord();
     void explainsMissingPictures_data();
     void explainsMissingPictures();
     void noticeGoesWithItsCause();
@@ -193,6 +195,7 @@ void MainWindowModelTest::pointerHidesInFullScreen()
     QVERIFY2(!m_world->shell.cursorHidden(), "hidden outside full screen");
 
     m_world->shell.setIsFullScreen(true);
+    m_world->shell.windowFillsScreen(true);
     post(notification::playerMouseMoved, &window);
     m_world->scheduler.advance(1999ms);
     post(notification::playerMouseMoved, &window);
@@ -376,6 +379,47 @@ void MainWindowModelTest::displayModesAreAChoice()
     QCOMPARE(titles.size(), 5);
     QCOMPARE(std::ranges::count_if(commands.view(), &MenuCommand::isChecked), 1);
     QVERIFY(!commands.playback().first()->isCheckable());
+
+    // A site's own player knows none of them.
+    MenuCommand *const first = commands.displayModes().first();
+    const QSignalSpy enabling(first, &MenuCommand::isEnabledChanged);
+    const PortraitDisplayMode before = m_world->shell.displayMode();
+    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
+    QVERIFY(!first->isEnabled());
+    first->trigger();
+    QCOMPARE(m_world->shell.displayMode(), before);
+    m_world->player.stop();
+    QVERIFY(first->isEnabled());
+    QCOMPARE(enabling.count(), 2);
+}
+
+void MainWindowModelTest::olderWishesDoNotComeBack()
+{
+    MainWindowModel &shell = m_world->shell;
+    shell.setIsFullScreen(true);
+    shell.setIsFullScreen(false);
+    const QSignalSpy changes(&shell, &MainWindowModel::isFullScreenChanged);
+    // The desktop tells of the one, then of the other.
+    m_world->scheduler.advance(100ms);
+    shell.windowFillsScreen(true);
+    m_world->scheduler.advance(100ms);
+    shell.windowFillsScreen(false);
+    m_world->scheduler.advance(10s);
+    QCOMPARE(changes.count(), 0);
+    QVERIFY(!shell.isFullScreen());
+}
+
+void MainWindowModelTest::desktopHasTheLastWord()
+{
+    MainWindowModel &shell = m_world->shell;
+    shell.windowFillsScreen(true);
+    QVERIFY(shell.isFullScreen());
+    shell.windowFillsScreen(false);
+    QVERIFY(!shell.isFullScreen());
+    // One that never fills the screen.
+    shell.setIsFullScreen(true);
+    m_world->scheduler.advance(MainWindowModel::fullScreenPatience);
+    QVERIFY(!shell.isFullScreen());
 }
 
 void MainWindowModelTest::explainsMissingPictures_data()
@@ -425,9 +469,9 @@ void MainWindowModelTest::noticeGoesWithItsCause()
     m_world->player.stop();
     QCOMPARE(shell.pictureNotice(), QString());
 
-    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
-    QVERIFY(!shell.pictureNotice().isEmpty());
     m_world->player.play(stream, u"x"_s, true);
+    Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
+    m_world->player.openRemote(u"https://youtu.be/v"_s, {});
     QCOMPARE(shell.pictureNotice(), QString());
 }
 

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void formatsTimes();
     void describesTheItem_data();
     void describesTheItem();
+    void describesAWebPlayer();
 };
 
 void TransportModelTest::formatsTimes_data()
@@ -77,6 +78,24 @@ void TransportModelTest::describesTheItem()
     const QString texts = transport.positionText() + u" / "_s + transport.endText() + u" / "_s
         + transport.previewText(65);
     QTEST(texts, "texts");
+}
+
+void TransportModelTest::describesAWebPlayer()
+{
+    ShellWorld world;
+    const TransportModel transport(world.player);
+    QCOMPARE(transport.obstacle(), QString());
+    world.player.openRemote(u"https://youtu.be/v"_s, {});
+    QVERIFY(!transport.canSeek());
+    QVERIFY(!transport.obstacle().isEmpty());
+    world.player.observeWebPlayback(
+        {.stage = WebPlayback::Stage::Ready, .time = 61, .duration = 3700, .isPlaying = true});
+    QVERIFY(transport.canSeek());
+    QCOMPARE(transport.obstacle(), QString());
+    QCOMPARE(transport.positionText() + u" / "_s + transport.endText(), u"1:01 / 1:01:40"_s);
+    // A file that does not tell its length is nothing new.
+    world.player.play(QUrl(u"http://h/a"_s), u"x"_s, false);
+    QCOMPARE(transport.obstacle(), QString());
 }
 
 QTEST_GUILESS_MAIN(TransportModelTest)

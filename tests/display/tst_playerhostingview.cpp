@@ -266,6 +266,12 @@ void PlayerHostingViewTest::layerViewRegistersItsSurface()
     QCOMPARE(surfaces.currentSurface(), first->hostingView());
     second.reset();
     QCOMPARE(surfaces.currentSurface(), first->hostingView());
+    // While something else shows what plays.
+    first->setProperty("recordable", false);
+    first->setProperty("fillScreen", false);
+    QCOMPARE(surfaces.currentSurface(), nullptr);
+    first->setProperty("recordable", true);
+    QCOMPARE(surfaces.currentSurface(), first->hostingView());
     first.reset();
     QCOMPARE(surfaces.currentSurface(), nullptr);
 }

@@ -108,6 +108,8 @@ private Q_SLOTS:
     void webContentReplacesTheItemAndBack();
     void commandsGoToTheWebPlayer_data();
     void commandsGoToTheWebPlayer();
+    void writesNumbersForScripts_data();
+    void writesNumbersForScripts();
 
     void skips_data();
     void skips();
@@ -456,6 +458,15 @@ void PlayerModelTest::clearForgetsRemoteSourcesOnly()
 void PlayerModelTest::webContentReplacesTheItemAndBack()
 {
     PlayerModel &model = *m_world->model;
+    bool sawBoth = false;
+    const auto look = [&] {
+        sawBoth = sawBoth || (model.youtubeContent() && model.okVideoContent())
+            || (model.showsWebContent() && m_world->player.hasItem());
+    };
+    connect(&model, &PlayerModel::youtubeContentChanged, &model, look);
+    connect(&model, &PlayerModel::okVideoContentChanged, &model, look);
+    connect(&m_world->player, &MediaPlayer::currentItemChanged, &model, look);
+    const QSignalSpy shows(&model, &PlayerModel::showsWebContentChanged);
     m_world->open(liveStream);
     m_world->playing(3, 60);
     model.openRemote(u"https://youtu.be/v"_s, u"Clip"_s);
@@ -468,6 +479,9 @@ void PlayerModelTest::webContentReplacesTheItemAndBack()
     model.openRemote(u"https://ok.ru/video/1"_s, {});
     QVERIFY(!model.youtubeContent());
     QVERIFY(model.okVideoContent());
+    model.openRemote(u"https://youtu.be/v"_s, {});
+    model.openRemote(u"https://ok.ru/video/1"_s, {});
+    QCOMPARE(shows.count(), 1);
 
     model.stop();
     QVERIFY(!model.okVideoContent());
@@ -480,6 +494,33 @@ void PlayerModelTest::webContentReplacesTheItemAndBack()
     m_world->open(liveStream);
     QVERIFY(!model.okVideoContent());
     QVERIFY(m_world->player.log.contains(u"volume 0.5"_s));
+    QVERIFY(!sawBoth);
+}
+
+void PlayerModelTest::writesNumbersForScripts_data()
+{
+    QTest::addColumn<double>("number");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("whole") << 5.0 << u"5.0"_s;
+    QTest::newRow("hundreds") << 300.0 << u"300.0"_s;
+    QTest::newRow("a day") << 100000.0 << u"100000.0"_s;
+    QTest::newRow("negative") << -20.0 << u"-20.0"_s;
+    QTest::newRow("zero") << 0.0 << u"0.0"_s;
+    QTest::newRow("shortest that is exact") << 0.1 << u"0.1"_s;
+    QTest::newRow("not exact") << 0.1 + 0.2 << u"0.30000000000000004"_s;
+    QTest::newRow("small") << 0.0001 << u"0.0001"_s;
+    QTest::newRow("very small") << 0.00001 << u"1e-05"_s;
+    QTest::newRow("very large") << 1e20 << u"1e+20"_s;
+}
+
+void PlayerModelTest::writesNumbersForScripts()
+{
+    QFETCH(const double, number);
+    QFETCH(const QString, text);
+    FakeScriptRunner page;
+    m_world->youTube.setCurrentView(&page);
+    m_world->youTube.skip(number);
+    QCOMPARE(page.scripts, QStringList{u"varnSkip("_s + text + u");"});
 }
 
 void PlayerModelTest::commandsGoToTheWebPlayer_data()

@@ -3,6 +3,7 @@
 #include "tests/e2e/servers/SessionBus.h"
 #include "tests/e2e/servers/VirtualDisplay.h"
 
+#include <QDropEvent>
 #include <QQuickItem>
 
 #include <unistd.h>
@@ -12,7 +13,8 @@ using namespace std::chrono_literals;
 
 namespace lumaro {
 
-AppWorld::AppWorld()
+AppWorld::AppWorld(const WebServices &services)
+    : m_services(services)
 {
     start();
 }
@@ -22,7 +24,8 @@ void AppWorld::start()
     m_application = std::make_unique<Application>(Folders{m_folder.filePath(u"settings"_s),
                                                           m_folder.filePath(u"cache"_s),
                                                           {m_folder.path()},
-                                                          m_folder.path()});
+                                                          m_folder.path()},
+                                                  m_services);
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));
@@ -84,6 +87,16 @@ bool AppWorld::isPopupOpen() const
             return true;
     }
     return false;
+}
+
+bool AppWorld::drop(const QMimeData &data)
+{
+    const QPoint middle(m_window->width() * 2 / 3, m_window->height() / 2);
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_window, &enter);
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_window, &drop);
+    return enter.isAccepted() && drop.isAccepted();
 }
 
 bool AppWorld::playsTo(double seconds)

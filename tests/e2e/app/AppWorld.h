@@ -22,7 +22,8 @@ namespace lumaro {
 class AppWorld
 {
 public:
-    AppWorld();
+    /// `services` takes the place of the video sites.
+    explicit AppWorld(const WebServices &services = {});
     ~AppWorld();
     AppWorld(const AppWorld &) = delete;
     AppWorld &operator=(const AppWorld &) = delete;
@@ -37,6 +38,7 @@ public:
     LocalM3UStore &library() { return m_application->library(); }
     LocalM3UModel &librarySection() { return m_application->librarySection(); }
     SnifferProxyManager &proxy() { return m_application->proxy(); }
+    WebPlayers &webPlayers() { return m_application->webPlayers(); }
     PlayerSurfaceRegistry &surfaces() { return m_application->surfaces(); }
     RecentItems &recent() { return m_application->recent(); }
     RecordingModel &recording() { return m_application->recording(); }
@@ -59,6 +61,8 @@ public:
     void openMenu(const QString &title);
     /// A menu, a dialog or another popup has the keyboard.
     bool isPopupOpen() const;
+    /// Drops `data` on the middle of the picture; false when nobody takes it.
+    bool drop(const QMimeData &data);
 
     /// Plays at least until `seconds`.
     bool playsTo(double seconds);
@@ -68,6 +72,7 @@ public:
 private:
     void start();
 
+    const WebServices m_services;
     QTemporaryDir m_folder;
     std::unique_ptr<Application> m_application;
     QQuickWindow *m_window = nullptr;

@@ -1,6 +1,5 @@
 #include "tests/e2e/app/AppWorld.h"
 
-#include <QDropEvent>
 #include <QMimeData>
 
 using namespace Qt::Literals::StringLiterals;
@@ -170,12 +169,7 @@ void AppWindowTest::dropsPlay()
         data.setUrls(urls);
     if (!text.isEmpty())
         data.setText(text);
-    QDragEnterEvent enter(pictureCentre(), Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&m_world->window(), &enter);
-    QVERIFY(enter.isAccepted());
-    QDropEvent drop(pictureCentre(), Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&m_world->window(), &drop);
-    QVERIFY(drop.isAccepted());
+    QVERIFY(m_world->drop(data));
     if (isList)
         QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
     else

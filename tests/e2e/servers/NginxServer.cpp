@@ -51,6 +51,8 @@ http {
         listen 127.0.0.1:%PORT%;
         root root;
         location = /server-folder { default_type text/plain; return 200 "%FOLDER%"; }
+        location /videoembed/ { default_type text/html; }
+        location = /iframe_api { expires -1; }
         location = /redirect { return 302 $arg_to; }
         location = /redirect-loop/a { return 302 /redirect-loop/b; }
         location = /redirect-loop/b { return 302 /redirect-loop/a; }

@@ -18,6 +18,8 @@ namespace lumaro {
 /// /redirect-loop/a, …/b      302 to each other
 /// /slow/RATE/PATH            the file PATH at RATE bytes a second
 /// /whole/RATE/PATH           the same without byte ranges; RATE 0 for no limit
+/// /videoembed/NAME           the file videoembed/NAME as HTML
+/// /iframe_api                the file iframe_api, not to be kept in caches
 ///
 /// Needs an application object.
 class NginxServer

@@ -1,0 +1,236 @@
+#include "player/WebPlayerView.h"
+
+#include "platform/NotificationCenter.h"
+#include "platform/Workspace.h"
+#include "player/PlayerModel.h"
+
+namespace lumaro {
+
+WebPlayerView::WebPlayerView(const WebPlayerPlatform &platform, WebPlayerRegistry &registry,
+                             QObject *parent)
+    : QObject(parent)
+    , m_platform(platform)
+    , m_registry(registry)
+    , m_poll(platform.scheduler)
+{
+    connect(&player(), &PlayerModel::isPlayingChanged, this, [this] {
+        // Whoever presses Play on a failure wants it tried again.
+        if (!m_failure.isEmpty() && player().isPlaying())
+            retry();
+    });
+}
+
+WebPlayerView::~WebPlayerView()
+{
+    dismantle();
+}
+
+void WebPlayerView::announce()
+{
+    Q_EMIT changed();
+    if (std::exchange(m_wantedPage, wantsPage()) != m_wantedPage)
+        Q_EMIT wantsPageChanged();
+}
+
+// The page
+
+void WebPlayerView::attach(PlayerPage *page, PlayerRecordingSurface *surface)
+{
+    dismantle();
+    m_page = page;
+    m_surface = surface;
+    if (!m_page)
+        return;
+    m_page->setNavigationPolicy([this, guard = QPointer(this)](const NavigationAction &action) {
+        return guard && mayGo(action);
+    });
+    connect(m_page, &PlayerPage::loadFinished, this, [this] {
+        m_watch.pageIsThere = true;
+        m_watch.since = m_platform.scheduler.now();
+        announce();
+    });
+    connect(m_page, &PlayerPage::loadFailed, this, &WebPlayerView::fail);
+    connect(m_page, &PlayerPage::crashed, this,
+            [this] { fail(QStringLiteral("The page with the player has crashed.")); });
+    update();
+}
+
+void WebPlayerView::detach(const PlayerPage *page)
+{
+    if (m_page == page)
+        dismantle();
+}
+
+void WebPlayerView::update()
+{
+    if (!m_page || !wantsPage())
+        return;
+    m_registry.setCurrentView(m_page);
+    m_platform.surfaces.setCurrentSurface(m_surface);
+    const QString id = contentID();
+    if (m_loadedContentID == id)
+        return;
+    m_loadedContentID = id;
+    ++m_loadNumber;
+    m_watch = {};
+    m_watch.since = m_platform.scheduler.now();
+    load(*m_page);
+    m_poll.start(pollInterval, [this] { tick(); });
+    announce();
+}
+
+void WebPlayerView::dismantle()
+{
+    m_poll.cancel();
+    ++m_loadNumber;
+    m_loadedContentID.clear();
+    m_clickedAt.reset();
+    m_watch = {};
+    if (m_page) {
+        m_page->disconnect(this);
+        m_page->setNavigationPolicy({});
+    }
+    m_registry.clear(m_page);
+    m_platform.surfaces.clear(m_surface);
+    m_page = nullptr;
+    m_surface = nullptr;
+}
+
+void WebPlayerView::contentChanged()
+{
+    m_failure.clear();
+    if (isShown())
+        update();
+    else
+        dismantle();
+    announce();
+}
+
+void WebPlayerView::retry()
+{
+    if (m_failure.isEmpty())
+        return;
+    m_failure.clear();
+    player().webPlaybackRestarted();
+    announce();
+}
+
+void WebPlayerView::fail(const QString &sentence)
+{
+    if (!isShown())
+        return;
+    dismantle();
+    m_failure = sentence;
+    player().webPlaybackFailed();
+    announce();
+}
+
+// What it tells
+
+void WebPlayerView::tick()
+{
+    if (!m_page)
+        return;
+    if (const QString reason = reasonToGiveUp(); !reason.isEmpty()) {
+        fail(reason);
+        return;
+    }
+    m_poll.start(pollInterval, [this] { tick(); });
+    if (m_watch.askedAt)
+        return;
+    m_watch.askedAt = m_platform.scheduler.now();
+    ask(*m_page, [this, guard = QPointer(this), load = m_loadNumber](const QVariant &answer) {
+        if (guard && load == m_loadNumber)
+            hear(answer);
+    });
+}
+
+QString WebPlayerView::reasonToGiveUp() const
+{
+    const Scheduler::TimePoint now = m_platform.scheduler.now();
+    if (m_watch.askedAt && now - *m_watch.askedAt > answerPatience)
+        return QStringLiteral("The page with the player does not answer.");
+    if (m_watch.isReady || m_watch.wasHeard)
+        return {};
+    if (!m_watch.pageIsThere)
+        return now - m_watch.since > loadPatience ? doesNotAnswer() : QString();
+    return now - m_watch.since > playerPatience ? noPlayerText() : QString();
+}
+
+QString WebPlayerView::doesNotAnswer() const
+{
+    return siteName() + QStringLiteral(" does not answer. The connection may be gone.");
+}
+
+void WebPlayerView::hear(const QVariant &answer)
+{
+    m_watch.askedAt.reset();
+    const std::optional<WebPlayback> playback = readWebPlayback(answer);
+    if (!playback)
+        return;
+    if (playback->stage == WebPlayback::Stage::NoPlayer && m_watch.pageIsThere) {
+        fail(doesNotAnswer());
+        return;
+    }
+    m_watch.isReady = playback->stage == WebPlayback::Stage::Ready;
+    if (m_watch.isReady) {
+        const bool isFirst = !std::exchange(m_watch.wasReady, true);
+        const bool hasMedia = playback->duration > 0 || playback->isPlaying.value_or(false);
+        const bool hasFirstMedia = hasMedia && !std::exchange(m_watch.wasHeard, true);
+        // Sites that remember a volume may set theirs when the media comes.
+        if (isFirst || hasFirstMedia)
+            player().webPlayerBecameReady();
+        if (isFirst)
+            announce();
+        player().observeWebPlayback(*playback);
+    }
+    hearError(playback->error);
+}
+
+void WebPlayerView::hearError(int error)
+{
+    if (error == 0) {
+        m_watch.errorSince.reset();
+        return;
+    }
+    const Scheduler::TimePoint now = m_platform.scheduler.now();
+    if (!m_watch.errorSince)
+        m_watch.errorSince = now;
+    else if (now - *m_watch.errorSince >= errorPatience)
+        fail(errorText(error));
+}
+
+// The user
+
+void WebPlayerView::surfaceClicked(QObject *window)
+{
+    const Scheduler::TimePoint now = m_platform.scheduler.now();
+    m_clickedAt = now;
+    // There may be something to be agreed to before a player comes.
+    m_watch.since = now;
+    m_platform.notifications.post(QString::fromUtf16(notification::playerSurfaceClicked), window);
+}
+
+bool WebPlayerView::mayGo(const NavigationAction &action)
+{
+    using Target = NavigationAction::Target;
+    if (action.target == Target::SubFrame)
+        return true;
+    if (action.target == Target::MainFrame && isPlayerPage(action.url))
+        return true;
+    openOutside(action);
+    return false;
+}
+
+void WebPlayerView::openOutside(const NavigationAction &action)
+{
+    const bool isOfTheWeb = action.url.scheme() == u"https" || action.url.scheme() == u"http";
+    if (!action.isLinkClick || !isOfTheWeb || !m_clickedAt)
+        return;
+    // One click opens one page.
+    const Scheduler::TimePoint clickedAt = *std::exchange(m_clickedAt, std::nullopt);
+    if (m_platform.scheduler.now() - clickedAt <= clickFreshness)
+        m_platform.workspace.openInBrowser(action.url);
+}
+
+} // namespace lumaro
