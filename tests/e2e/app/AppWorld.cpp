@@ -38,6 +38,12 @@ AppWorld::~AppWorld() = default;
 
 QQuickWindow *AppWorld::openFinder()
 {
+    // Without a window manager nobody gives the keyboard to another window when one is hidden.
+    const QWindow *const focused = QGuiApplication::focusWindow();
+    if (!focused || !focused->isVisible()) {
+        m_window->requestActivate();
+        (void)QTest::qWaitForWindowActive(m_window);
+    }
     press(Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier);
     for (QWindow *const window : QGuiApplication::topLevelWindows()) {
         if (window->title() == finderController().title && QTest::qWaitForWindowActive(window))
