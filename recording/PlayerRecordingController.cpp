@@ -31,6 +31,11 @@ SavePanelAccessory stopAfterField(const QUrl &folder)
             .folder = folder};
 }
 
+QString unknownError()
+{
+    return QStringLiteral("Unknown recording error.");
+}
+
 /// Window numbers of the system's capture have 32 bits.
 quint32 checkedWindowNumber(quint64 number)
 {
@@ -78,8 +83,11 @@ PlayerRecordingController::~PlayerRecordingController()
 {
     m_lifetime.request_stop();
     m_stream.reset();
-    if (m_writer && m_state == PlayerRecordingState::recording)
-        m_captureQueue->post([writer = m_writer] { writer->finish([](const auto &) { }); });
+    if (m_writer) {
+        m_writer->hurry();
+        if (!m_isFinishing)
+            m_captureQueue->post([writer = m_writer] { writer->finish([](const auto &) { }); });
+    }
     // A stream's last samples may still hold the queue; the file shall be complete all the same.
     m_captureQueue->drain();
 }
@@ -115,9 +123,10 @@ Task<> PlayerRecordingController::start(PlayerRecordingQuality quality)
                                        "leave the field blank for manual Stop."));
         co_return;
     }
-    // The panel was open for a while.
+    // The panel was open for a while, and may have the keyboard still.
     const auto rect = surfaceRect();
-    if (!rect) {
+    const auto now = m_platform.capture.keyWindow();
+    if (!rect || !now) {
         setErrorMessage(noSurface);
         co_return;
     }
@@ -130,7 +139,7 @@ Task<> PlayerRecordingController::start(PlayerRecordingQuality quality)
     auto starting = startCapture({.file = choice->file,
                                   .window = m_window,
                                   .rect = *rect,
-                                  .scale = window->backingScaleFactor,
+                                  .scale = now->backingScaleFactor,
                                   .quality = quality},
                                  stop);
     const auto started = co_await starting;
@@ -324,15 +333,12 @@ void PlayerRecordingController::stop()
 Task<> PlayerRecordingController::finish(std::unique_ptr<CaptureStream> stream)
 {
     const std::stop_token stop = m_lifetime.get_token();
-    const auto writer = std::exchange(m_writer, nullptr);
     auto stopping = stream->stopCapture();
     co_await stopping;
-    // The file is completed even when nobody is left to hear of it.
-    if (stop.stop_requested()) {
-        writer->finish([](const auto &) { });
+    if (stop.stop_requested())
         co_return;
-    }
-    m_captureQueue->post([self = QPointer(this), writer] {
+    m_isFinishing = true;
+    m_captureQueue->post([self = QPointer(this), writer = m_writer] {
         writer->finish([self, writer](const PlayerCaptureWriter::Outcome &outcome) {
             QMetaObject::invokeMethod(
                 qApp,
@@ -347,14 +353,15 @@ Task<> PlayerRecordingController::finish(std::unique_ptr<CaptureStream> stream)
 
 void PlayerRecordingController::finished(const PlayerCaptureWriter::Outcome &outcome)
 {
+    m_writer.reset();
+    m_isFinishing = false;
+    if (outcome && std::exchange(m_lastSavedURL, *outcome) != *outcome)
+        Q_EMIT lastSavedURLChanged();
     setState(PlayerRecordingState::idle);
-    if (!outcome) {
+    if (outcome)
+        Q_EMIT saved();
+    else
         present(outcome.error());
-        return;
-    }
-    m_lastSavedURL = *outcome;
-    Q_EMIT lastSavedURLChanged();
-    Q_EMIT saved();
 }
 
 void PlayerRecordingController::streamDidStop(const QString &error)
@@ -367,7 +374,7 @@ void PlayerRecordingController::streamDidStop(const QString &error)
     m_stream.reset();
     // What has been written stays as it is; the writer goes where it is used.
     m_captureQueue->post([writer = std::exchange(m_writer, nullptr)] { });
-    setErrorMessage(error);
+    setErrorMessage(error.isEmpty() ? unknownError() : error);
     setState(PlayerRecordingState::idle);
 }
 
@@ -382,7 +389,8 @@ void PlayerRecordingController::present(const QString &error)
     setErrorMessage(refused ? QStringLiteral("macOS has blocked screen recording permission for "
                                              "Lumaro. Enable Screen & System Audio Recording in "
                                              "System Settings, then quit and reopen the app.")
-                            : error);
+                        : error.isEmpty() ? unknownError()
+                                          : error);
 }
 
 void PlayerRecordingController::setState(PlayerRecordingState state)

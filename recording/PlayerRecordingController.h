@@ -130,6 +130,8 @@ private:
     std::shared_ptr<SerialQueue> m_captureQueue;
     /// Shared with the work on the queue.
     std::shared_ptr<PlayerCaptureWriter> m_writer;
+    /// Its finishing has been posted.
+    bool m_isFinishing = false;
     std::unique_ptr<CaptureStream> m_stream;
     DelayedTask m_durationTimer;
     Scheduler::TimePoint m_startedAt;

@@ -42,7 +42,8 @@ public:
         Task<> stopCapture() override
         {
             ++owner.stops;
-            co_return;
+            if (owner.stopping)
+                co_await *owner.stopping;
         }
         FakeScreenCapture &owner;
     };
@@ -84,6 +85,8 @@ public:
     std::optional<CaptureOutput> output;
     QList<QRectF> sourceRects;
     int stops = 0;
+    /// Streams that are stopped wait for it.
+    std::optional<OneShot<bool>> stopping;
     int destroyedStreams = 0;
 };
 
