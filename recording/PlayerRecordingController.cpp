@@ -48,9 +48,8 @@ quint32 checkedWindowNumber(quint64 number)
 CaptureConfiguration captureConfiguration(const CaptureArea &area, quint32 window,
                                           const QSize &outputSize)
 {
-    return {.display = area.display,
+    return {.source = area,
             .window = window,
-            .sourceRect = area.rect,
             .outputSize = outputSize,
             .minimumFrameInterval =
                 MediaTime(std::chrono::seconds(1)) / PlayerCaptureWriter::frameRate,
@@ -217,7 +216,7 @@ auto PlayerRecordingController::startCapture(Request request, std::stop_token st
     if (!writer)
         co_return std::unexpected(writer.error());
     m_writer = std::move(*writer);
-    m_sourceRect = area->rect;
+    m_source = *area;
     auto stream =
         m_platform.capture.makeStream(captureConfiguration(*area, request.window, size), output());
     auto starting = stream->startCapture(stop);
@@ -257,6 +256,11 @@ CaptureOutput PlayerRecordingController::output()
                                 Q_EMIT self->audioBecameUnavailable();
                         },
                         Qt::QueuedConnection);
+                },
+            .pictureIsDue =
+                [self = QPointer(this)] {
+                    if (self)
+                        self->followSurface();
                 }};
 }
 
@@ -285,7 +289,9 @@ void PlayerRecordingController::tick()
         followSurface();
 }
 
-/// The window is moved, made larger, or the picture shown in another mode.
+/// The window is moved, made larger, or the picture shown in another mode. With each picture that
+/// is drawn, so that none is taken from the wrong place, and now and then for a window that only
+/// moves.
 Task<> PlayerRecordingController::followSurface()
 {
     const auto rect = surfaceRect();
@@ -294,10 +300,10 @@ Task<> PlayerRecordingController::followSurface()
     const std::stop_token stop = m_lifetime.get_token();
     auto finding = findArea(m_window, *rect, stop);
     const auto area = co_await finding;
-    if (stop.stop_requested() || !area || !m_stream || area->rect == m_sourceRect)
+    if (stop.stop_requested() || !area || !m_stream || *area == m_source)
         co_return;
-    m_sourceRect = area->rect;
-    m_stream->setSourceRect(area->rect);
+    m_source = *area;
+    m_stream->setSource(*area);
 }
 
 void PlayerRecordingController::updateDurationLabel()

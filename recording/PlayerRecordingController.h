@@ -137,7 +137,7 @@ private:
     Scheduler::TimePoint m_startedAt;
     std::optional<double> m_automaticStopAfter;
     quint32 m_window = 0;
-    QRectF m_sourceRect;
+    CaptureArea m_source;
     int m_panelWidth = 0;
     QString m_durationLabel;
 };

@@ -240,9 +240,8 @@ void RecordingControllerTest::configuresTheStream()
     world.surface->rect = {0, 0, 451, 253};
     world.capture.viewOrigin = {20, 30};
     world.start();
-    const CaptureConfiguration expected{.display = 1,
+    const CaptureConfiguration expected{.source = {1, {120, 127, 451, 253}},
                                         .window = 7,
-                                        .sourceRect = {120, 127, 451, 253},
                                         .outputSize = {902, 506},
                                         .minimumFrameInterval = 33'333'333ns,
                                         .queueDepth = 6,
@@ -470,17 +469,29 @@ void RecordingControllerTest::recognisesARefusal()
 void RecordingControllerTest::followsTheSurface()
 {
     World world;
+    world.capture.content->displays.append({.identifier = 2, .frame = {1000, 0, 1000, 800}});
+    QRectF &window = world.capture.content->windows[0].frame;
     world.start();
     world.scheduler.advance(1s);
-    QVERIFY(world.capture.sourceRects.isEmpty());
-    world.capture.content->windows[0].frame.translate(10, 20);
+    QVERIFY(world.capture.sources.isEmpty());
+    window.translate(10, 20);
     world.scheduler.advance(250ms);
-    QCOMPARE(world.capture.sourceRects, QList{QRectF(110, 70, 640, 360)});
+    QCOMPARE(world.capture.sources.takeFirst(), (CaptureArea{1, {110, 70, 640, 360}}));
+    // The same place on another display is another source.
+    window.translate(1000, 0);
+    world.scheduler.advance(250ms);
+    QCOMPARE(world.capture.sources.takeFirst(), (CaptureArea{2, {110, 70, 640, 360}}));
+    // What is drawn is taken from where it is.
+    world.surface->rect = {0, 0, 320, 180};
+    world.capture.output->pictureIsDue();
+    QCOMPARE(world.capture.sources.takeFirst(), (CaptureArea{2, {110, 250, 320, 180}}));
     // A window that goes off screen leaves the last part.
-    world.capture.content->windows[0].frame.translate(5000, 0);
+    window.translate(5000, 0);
     world.scheduler.advance(1s);
-    QCOMPARE(world.capture.sourceRects.size(), 1);
+    QVERIFY(world.capture.sources.isEmpty());
     QCOMPARE(world.controller->state(), State::recording);
+    world.controller->stop();
+    world.capture.output->pictureIsDue();
 }
 
 void RecordingControllerTest::completesTheFileAtTheEnd_data()
