@@ -10,6 +10,7 @@
 #include <QLibrary>
 #include <QQmlComponent>
 #include <QQuickWindow>
+#include <QScreen>
 
 #include <clocale>
 
@@ -56,7 +57,13 @@ Application::Application(const Folders &folders)
            .clock = systemClock(),
            .surfaces = m_surfaces,
            .moviesFolder = QUrl::fromLocalFile(folders.movies)})
-    , m_recording(m_recordingController, m_player, m_workspace, m_scheduler)
+    , m_recording(m_recordingController, m_workspace, m_scheduler,
+                  [this] {
+                      const QWindow *const window = mainWindow();
+                      const QScreen *const screen =
+                          window ? window->screen() : QGuiApplication::primaryScreen();
+                      return screen ? screen->availableGeometry() : QRect();
+                  })
     , m_commands(m_player, m_window, m_downloads)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
