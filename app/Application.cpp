@@ -88,7 +88,13 @@ Application::Application(const Folders &folders, const WebServices &services)
            .clock = systemClock(),
            .surfaces = m_surfaces,
            .moviesFolder = QUrl::fromLocalFile(folders.movies)})
-    , m_recording(m_recordingController, m_player, m_workspace, m_scheduler)
+    , m_recording(m_recordingController, m_workspace, m_scheduler,
+                  [this] {
+                      const QWindow *const window = mainWindow();
+                      const QScreen *const screen =
+                          window ? window->screen() : QGuiApplication::primaryScreen();
+                      return screen ? screen->availableGeometry() : QRect();
+                  })
     , m_commands(m_player, m_window, m_downloads, m_recent)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
@@ -132,7 +138,10 @@ Application::Application(const Folders &folders, const WebServices &services)
             m_finderController.show();
     });
     // What scripts of the views still hold of a page's engine goes with the page.
-    const auto collectGarbage = [this] { m_engine.collectGarbage(); };
+    // It is deleted by the event loop, and what it held some time after that.
+    const auto collectGarbage = [this] {
+        m_garbage.start(std::chrono::seconds(1), [this] { m_engine.collectGarbage(); });
+    };
     QObject::connect(m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine, collectGarbage,
                      Qt::QueuedConnection);
     QObject::connect(&m_player, &PlayerModel::showsWebContentChanged, &m_engine, collectGarbage,

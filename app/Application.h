@@ -18,6 +18,7 @@
 #include "finder/SnifferSavedWebsiteStore.h"
 #include "finder/SnifferViewModel.h"
 #include "finder/SnifferWindowController.h"
+#include "platform/DelayedTask.h"
 #include "platform/NotificationCenter.h"
 #include "platform/contentrules/CompilingRuleListStore.h"
 #include "platform/curl/CurlHttpClient.h"
@@ -136,6 +137,7 @@ private:
     SnifferWindowController m_finderController;
     PortalAppearance m_appearance;
     BoundedNetworkAccess m_pictureAccess;
+    DelayedTask m_garbage{m_scheduler};
     QQmlApplicationEngine m_engine;
     /// Made when it is first shown; the engine owns it.
     QPointer<QQuickWindow> m_finderWindow;

@@ -6,15 +6,30 @@
 
 namespace lumaro {
 
-RecordingModel::RecordingModel(PlayerRecordingController &controller, PlayerModel &player,
-                               Workspace &workspace, Scheduler &scheduler, QObject *parent)
+namespace {
+
+/// Points, between the panel and the edges of the display.
+constexpr int panelGap = 18;
+
+} // namespace
+
+RecordingModel::RecordingModel(PlayerRecordingController &controller, Workspace &workspace,
+                               Scheduler &scheduler, VisibleArea visibleArea, QObject *parent)
     : QObject(parent)
     , m_controller(controller)
     , m_workspace(workspace)
+    , m_visibleArea(std::move(visibleArea))
     , m_hiding(scheduler)
 {
     connect(&controller, &PlayerRecordingController::stateChanged, this,
             &RecordingModel::stateChanged);
+    // The end of the last recording has no place in the next one.
+    connect(&controller, &PlayerRecordingController::stateChanged, this, [this] {
+        if (m_controller.state() != PlayerRecordingState::preparing)
+            return;
+        setWithoutSound(false);
+        dismissNotice();
+    });
     connect(&controller, &PlayerRecordingController::errorMessageChanged, this,
             &RecordingModel::showError);
     connect(&controller, &PlayerRecordingController::requiresScreenRecordingPermissionChanged, this,
@@ -23,10 +38,8 @@ RecordingModel::RecordingModel(PlayerRecordingController &controller, PlayerMode
         showNotice(QStringLiteral("The MP4 recording was saved."), false);
         m_hiding.start(noticeDuration, [this] { dismissNotice(); });
     });
-    connect(&controller, &PlayerRecordingController::audioBecameUnavailable, this, [&player] {
-        player.showToast(QStringLiteral("Recording without sound: there is no audio output."),
-                         PlayerModel::toastDuration);
-    });
+    connect(&controller, &PlayerRecordingController::audioBecameUnavailable, this,
+            [this] { setWithoutSound(true); });
 }
 
 bool RecordingModel::isReady() const
@@ -59,6 +72,13 @@ QString RecordingModel::savedPath() const
 bool RecordingModel::offersSettings() const
 {
     return m_noticeIsError && m_controller.requiresScreenRecordingPermission();
+}
+
+QPoint RecordingModel::panelPosition() const
+{
+    const QRect area = m_visibleArea();
+    return {area.x() + area.width() - panelGap - m_controller.recordingPanelWidth(),
+            area.y() + panelGap};
 }
 
 void RecordingModel::startNormal()
@@ -99,6 +119,12 @@ void RecordingModel::showError()
 {
     const QString &error = m_controller.errorMessage();
     showNotice(error, !error.isEmpty());
+}
+
+void RecordingModel::setWithoutSound(bool isWithout)
+{
+    if (std::exchange(m_isWithoutSound, isWithout) != isWithout)
+        Q_EMIT isWithoutSoundChanged();
 }
 
 void RecordingModel::showNotice(const QString &text, bool isError)

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "player/PlayerModel.h"
 #include "recording/PlayerRecordingController.h"
+
+#include <QRect>
 
 namespace lumaro {
 
@@ -24,15 +25,21 @@ class RecordingModel : public QObject
     Q_PROPERTY(bool noticeIsError READ noticeIsError NOTIFY noticeChanged)
     /// Where the file of the notice is, as the user's desktop writes it.
     Q_PROPERTY(QString savedPath READ savedPath NOTIFY noticeChanged)
+    /// There is no sound to record. The main window does not tell of it: it would be in the
+    /// picture.
+    Q_PROPERTY(bool isWithoutSound READ isWithoutSound NOTIFY isWithoutSoundChanged)
     /// The user can allow in the system's settings what was refused.
     Q_PROPERTY(bool offersSettings READ offersSettings NOTIFY noticeChanged)
 
 public:
     static constexpr std::chrono::seconds noticeDuration{10};
 
+    /// What of the main window's display is free for windows, in the space of all displays.
+    using VisibleArea = std::function<QRect()>;
+
     /// All arguments outlive the model.
-    RecordingModel(PlayerRecordingController &controller, PlayerModel &player, Workspace &workspace,
-                   Scheduler &scheduler, QObject *parent = nullptr);
+    RecordingModel(PlayerRecordingController &controller, Workspace &workspace,
+                   Scheduler &scheduler, VisibleArea visibleArea, QObject *parent = nullptr);
 
     PlayerRecordingController *controller() { return &m_controller; }
     bool isRecording() const { return m_controller.isRecording(); }
@@ -43,8 +50,11 @@ public:
     const QString &notice() const { return m_notice; }
     bool noticeIsError() const { return m_noticeIsError; }
     QString savedPath() const;
+    bool isWithoutSound() const { return m_isWithoutSound; }
     bool offersSettings() const;
 
+    /// Where the panel appears: its top left, in the space of all displays.
+    Q_INVOKABLE QPoint panelPosition() const;
     Q_INVOKABLE void startNormal();
     Q_INVOKABLE void startHd();
     Q_INVOKABLE void stop() { m_controller.stop(); }
@@ -57,13 +67,17 @@ public:
 Q_SIGNALS:
     void stateChanged();
     void noticeChanged();
+    void isWithoutSoundChanged();
 
 private:
     void showNotice(const QString &text, bool isError);
     void showError();
+    void setWithoutSound(bool isWithout);
 
     PlayerRecordingController &m_controller;
     Workspace &m_workspace;
+    VisibleArea m_visibleArea;
+    bool m_isWithoutSound = false;
     QString m_notice;
     bool m_noticeIsError = false;
     DelayedTask m_hiding;

@@ -9,12 +9,13 @@ Window {
     id: panel
 
     required property RecordingModel recording
-    readonly property int gap: 18
+    // Once: the user may move it.
+    readonly property point place: recording.panelPosition()
 
     width: recording.controller.recordingPanelWidth
     height: 48
-    x: Screen.virtualX + Screen.desktopAvailableWidth - width - gap
-    y: Screen.virtualY + gap
+    x: place.x
+    y: place.y
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.WindowDoesNotAcceptFocus
     color: "transparent"
     title: "Recording"
@@ -30,21 +31,40 @@ Window {
             onActiveChanged: if (active) panel.startSystemMove()
         }
 
-        Text {
-            anchors { left: parent.left; leftMargin: 13; verticalCenter: parent.verticalCenter }
-            text: panel.recording.controller.durationLabel
-            textFormat: Text.PlainText
-            color: "white"
-            font { pixelSize: 12; weight: Font.DemiBold }
+        Column {
+            anchors {
+                left: parent.left; right: stop.left; verticalCenter: parent.verticalCenter
+                leftMargin: 13; rightMargin: 6
+            }
+
+            SteadyText {
+                width: parent.width
+                text: panel.recording.controller.durationLabel
+            }
+            Text {
+                width: parent.width
+                visible: panel.recording.isWithoutSound
+                text: "No sound"
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+                color: Theme.dangerOnOverlay
+                font.pixelSize: Theme.fontSmall
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: "Recording without sound: there is no audio output."
+            }
         }
         Button {
+            id: stop
+
             anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
             implicitHeight: 28
-            leftPadding: 8
-            rightPadding: 8
+            leftPadding: 6
+            rightPadding: 6
+            textSize: Theme.fontSmall
             destructive: true
             onOverlay: true
             text: "Stop Recording"
+            shortcutText: "Ctrl+Shift+R"
             onClicked: panel.recording.controller.stopFromPanel()
         }
     }

@@ -34,8 +34,8 @@ struct AudioInputSettings
 };
 
 /// Writes one MPEG-4 file with one video and one audio input. Made and set up on one thread, then
-/// used on one other; status() and error() on any. Nothing is lost by a process that dies: what
-/// has been written up to then plays, but for the last two seconds.
+/// used on one other; status(), error() and hurry() on any. Nothing is lost by a process that dies:
+/// what has been written up to then plays, but for the last two seconds.
 class AssetWriter
 {
 public:
@@ -63,6 +63,9 @@ public:
     virtual void markVideoAsFinished() = 0;
     virtual void markAudioAsFinished() = 0;
 
+    /// From now on finishing takes no longer than it must to have a file that plays, even if that
+    /// costs the file's final form. On any thread.
+    virtual void hurry() = 0;
     /// Calls `done`, on whatever thread, when the file is complete or has failed.
     virtual void finishWriting(std::function<void()> done) = 0;
     /// Removes the file.

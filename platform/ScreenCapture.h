@@ -36,14 +36,21 @@ struct ShareableContent
     QList<ShareableItem> windows;
 };
 
+/// A part of a display.
+struct CaptureArea
+{
+    quint32 display = 0;
+    /// In the display's points, with the origin at its top left.
+    QRectF rect;
+    bool operator==(const CaptureArea &) const = default;
+};
+
 /// What a stream captures, and how.
 struct CaptureConfiguration
 {
-    quint32 display = 0;
+    CaptureArea source;
     /// The only window whose picture is captured.
     quint32 window = 0;
-    /// In the display's points, with the origin at its top left.
-    QRectF sourceRect;
     /// In pixels.
     QSize outputSize;
     MediaTime minimumFrameInterval{};
@@ -68,6 +75,9 @@ struct CaptureOutput
     std::function<void(const QString &error)> didStopWithError;
     /// There is no sound to capture, or no more of it; pictures go on. On any thread.
     std::function<void()> audioBecameUnavailable;
+    /// A picture is about to be drawn: the last moment to say from where to take it. On the main
+    /// thread.
+    std::function<void()> pictureIsDue;
 };
 
 /// One capture. Main thread; errors are English sentences. Destroying it ends the capture at once.
@@ -81,9 +91,9 @@ public:
 
     /// Ends when the capture has started, or cannot.
     virtual Task<std::expected<void, QString>> startCapture(std::stop_token stop) = 0;
-    /// Captures another part of the display from now on. The output's size stays; a part of
-    /// another shape is fitted into it on black.
-    virtual void setSourceRect(const QRectF &rect) = 0;
+    /// Captures another part of a display, or of another one, from the next picture on. The
+    /// output's size stays; a part of another shape is fitted into it on black.
+    virtual void setSource(const CaptureArea &source) = 0;
     /// Ends the capture. Every sample has been posted to the queue when the task ends, the last
     /// picture with the time of the call.
     virtual Task<> stopCapture() = 0;

@@ -13,18 +13,9 @@ enum class PlayerRecordingQuality {
 /// In pixels, both even; `size` is in points.
 QSize outputDimensions(const QSizeF &size, double scale, PlayerRecordingQuality quality);
 
-/// Where a rectangle of a window lies on its display.
-struct CaptureArea
-{
-    quint32 display = 0;
-    /// In the display's points, with the origin at its top left.
-    QRectF rect;
-    bool operator==(const CaptureArea &) const = default;
-};
-
-/// Chooses the display that holds the larger part of the window numbered `window`, the first one
-/// on a tie, and clips to it `rect`, which is in the window's points with the origin at its lower
-/// left.
+/// Where a rectangle of a window lies: chooses the display that holds the larger part of the window
+/// numbered `window`, the first one on a tie, and clips to it `rect`, which is in the window's
+/// points with the origin at its lower left.
 std::expected<CaptureArea, RecorderError> captureArea(const ShareableContent &content,
                                                       quint32 window, const QRectF &rect);
 

@@ -6,7 +6,7 @@ namespace lumaro {
 
 /// Turns the samples of one recording into one MP4 file, whose zero is the first picture. A sample
 /// that cannot be written right away is dropped. Made on the main thread, then used on the capture
-/// queue alone, but for hasFailed().
+/// queue alone, but for hasFailed() and hurry().
 class PlayerCaptureWriter
 {
 public:
@@ -25,6 +25,8 @@ public:
     void append(const AudioSample &sample);
 
     void finish(const std::function<void(const Outcome &)> &completion);
+    /// What is being finished, or will be, shall take no time. On any thread.
+    void hurry() { m_writer->hurry(); }
     /// Leaves no file.
     void cancel();
 

@@ -31,6 +31,11 @@ SavePanelAccessory stopAfterField(const QUrl &folder)
             .folder = folder};
 }
 
+QString unknownError()
+{
+    return QStringLiteral("Unknown recording error.");
+}
+
 /// Window numbers of the system's capture have 32 bits.
 quint32 checkedWindowNumber(quint64 number)
 {
@@ -43,9 +48,8 @@ quint32 checkedWindowNumber(quint64 number)
 CaptureConfiguration captureConfiguration(const CaptureArea &area, quint32 window,
                                           const QSize &outputSize)
 {
-    return {.display = area.display,
+    return {.source = area,
             .window = window,
-            .sourceRect = area.rect,
             .outputSize = outputSize,
             .minimumFrameInterval =
                 MediaTime(std::chrono::seconds(1)) / PlayerCaptureWriter::frameRate,
@@ -78,8 +82,11 @@ PlayerRecordingController::~PlayerRecordingController()
 {
     m_lifetime.request_stop();
     m_stream.reset();
-    if (m_writer && m_state == PlayerRecordingState::recording)
-        m_captureQueue->post([writer = m_writer] { writer->finish([](const auto &) { }); });
+    if (m_writer) {
+        m_writer->hurry();
+        if (!m_isFinishing)
+            m_captureQueue->post([writer = m_writer] { writer->finish([](const auto &) { }); });
+    }
     // A stream's last samples may still hold the queue; the file shall be complete all the same.
     m_captureQueue->drain();
 }
@@ -115,9 +122,10 @@ Task<> PlayerRecordingController::start(PlayerRecordingQuality quality)
                                        "leave the field blank for manual Stop."));
         co_return;
     }
-    // The panel was open for a while.
+    // The panel was open for a while, and may have the keyboard still.
     const auto rect = surfaceRect();
-    if (!rect) {
+    const auto now = m_platform.capture.keyWindow();
+    if (!rect || !now) {
         setErrorMessage(noSurface);
         co_return;
     }
@@ -130,7 +138,7 @@ Task<> PlayerRecordingController::start(PlayerRecordingQuality quality)
     auto starting = startCapture({.file = choice->file,
                                   .window = m_window,
                                   .rect = *rect,
-                                  .scale = window->backingScaleFactor,
+                                  .scale = now->backingScaleFactor,
                                   .quality = quality},
                                  stop);
     const auto started = co_await starting;
@@ -208,7 +216,7 @@ auto PlayerRecordingController::startCapture(Request request, std::stop_token st
     if (!writer)
         co_return std::unexpected(writer.error());
     m_writer = std::move(*writer);
-    m_sourceRect = area->rect;
+    m_source = *area;
     auto stream =
         m_platform.capture.makeStream(captureConfiguration(*area, request.window, size), output());
     auto starting = stream->startCapture(stop);
@@ -248,6 +256,11 @@ CaptureOutput PlayerRecordingController::output()
                                 Q_EMIT self->audioBecameUnavailable();
                         },
                         Qt::QueuedConnection);
+                },
+            .pictureIsDue =
+                [self = QPointer(this)] {
+                    if (self)
+                        self->followSurface();
                 }};
 }
 
@@ -276,7 +289,9 @@ void PlayerRecordingController::tick()
         followSurface();
 }
 
-/// The window is moved, made larger, or the picture shown in another mode.
+/// The window is moved, made larger, or the picture shown in another mode. With each picture that
+/// is drawn, so that none is taken from the wrong place, and now and then for a window that only
+/// moves.
 Task<> PlayerRecordingController::followSurface()
 {
     const auto rect = surfaceRect();
@@ -285,10 +300,10 @@ Task<> PlayerRecordingController::followSurface()
     const std::stop_token stop = m_lifetime.get_token();
     auto finding = findArea(m_window, *rect, stop);
     const auto area = co_await finding;
-    if (stop.stop_requested() || !area || !m_stream || area->rect == m_sourceRect)
+    if (stop.stop_requested() || !area || !m_stream || *area == m_source)
         co_return;
-    m_sourceRect = area->rect;
-    m_stream->setSourceRect(area->rect);
+    m_source = *area;
+    m_stream->setSource(*area);
 }
 
 void PlayerRecordingController::updateDurationLabel()
@@ -324,15 +339,12 @@ void PlayerRecordingController::stop()
 Task<> PlayerRecordingController::finish(std::unique_ptr<CaptureStream> stream)
 {
     const std::stop_token stop = m_lifetime.get_token();
-    const auto writer = std::exchange(m_writer, nullptr);
     auto stopping = stream->stopCapture();
     co_await stopping;
-    // The file is completed even when nobody is left to hear of it.
-    if (stop.stop_requested()) {
-        writer->finish([](const auto &) { });
+    if (stop.stop_requested())
         co_return;
-    }
-    m_captureQueue->post([self = QPointer(this), writer] {
+    m_isFinishing = true;
+    m_captureQueue->post([self = QPointer(this), writer = m_writer] {
         writer->finish([self, writer](const PlayerCaptureWriter::Outcome &outcome) {
             QMetaObject::invokeMethod(
                 qApp,
@@ -347,14 +359,15 @@ Task<> PlayerRecordingController::finish(std::unique_ptr<CaptureStream> stream)
 
 void PlayerRecordingController::finished(const PlayerCaptureWriter::Outcome &outcome)
 {
+    m_writer.reset();
+    m_isFinishing = false;
+    if (outcome && std::exchange(m_lastSavedURL, *outcome) != *outcome)
+        Q_EMIT lastSavedURLChanged();
     setState(PlayerRecordingState::idle);
-    if (!outcome) {
+    if (outcome)
+        Q_EMIT saved();
+    else
         present(outcome.error());
-        return;
-    }
-    m_lastSavedURL = *outcome;
-    Q_EMIT lastSavedURLChanged();
-    Q_EMIT saved();
 }
 
 void PlayerRecordingController::streamDidStop(const QString &error)
@@ -367,7 +380,7 @@ void PlayerRecordingController::streamDidStop(const QString &error)
     m_stream.reset();
     // What has been written stays as it is; the writer goes where it is used.
     m_captureQueue->post([writer = std::exchange(m_writer, nullptr)] { });
-    setErrorMessage(error);
+    setErrorMessage(error.isEmpty() ? unknownError() : error);
     setState(PlayerRecordingState::idle);
 }
 
@@ -382,7 +395,8 @@ void PlayerRecordingController::present(const QString &error)
     setErrorMessage(refused ? QStringLiteral("macOS has blocked screen recording permission for "
                                              "Lumaro. Enable Screen & System Audio Recording in "
                                              "System Settings, then quit and reopen the app.")
-                            : error);
+                        : error.isEmpty() ? unknownError()
+                                          : error);
 }
 
 void PlayerRecordingController::setState(PlayerRecordingState state)

@@ -130,12 +130,14 @@ private:
     std::shared_ptr<SerialQueue> m_captureQueue;
     /// Shared with the work on the queue.
     std::shared_ptr<PlayerCaptureWriter> m_writer;
+    /// Its finishing has been posted.
+    bool m_isFinishing = false;
     std::unique_ptr<CaptureStream> m_stream;
     DelayedTask m_durationTimer;
     Scheduler::TimePoint m_startedAt;
     std::optional<double> m_automaticStopAfter;
     quint32 m_window = 0;
-    QRectF m_sourceRect;
+    CaptureArea m_source;
     int m_panelWidth = 0;
     QString m_durationLabel;
 };

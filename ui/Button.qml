@@ -9,6 +9,7 @@ import Lumaro.Ui
 //   primary       the main action of its place
 //   destructive   what it does loses something
 //   onOverlay     lies over the picture
+//   textSize      of the text, in pixels
 T.AbstractButton {
     id: control
 
@@ -17,6 +18,7 @@ T.AbstractButton {
     property bool primary: false
     property bool destructive: false
     property bool onOverlay: false
+    property int textSize: Theme.fontBody
 
     readonly property bool isFilled: enabled && (primary || destructive)
     readonly property color foreground: isFilled ? (destructive ? Theme.onDanger : Theme.onAccent)
@@ -65,7 +67,7 @@ T.AbstractButton {
             textFormat: Text.PlainText
             elide: Text.ElideRight
             color: control.foreground
-            font { pixelSize: Theme.fontBody; weight: Font.Medium }
+            font { pixelSize: control.textSize; weight: Font.Medium }
         }
     }
     background: Rectangle {

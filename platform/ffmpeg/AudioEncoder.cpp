@@ -9,8 +9,11 @@ using namespace ffmpeg;
 
 namespace {
 
-/// Seconds. Beyond it something was lost; below it the clocks differ, or a time was imprecise.
-constexpr double gap = 0.1;
+/// Seconds. Sound that is later than this has lost something before it; below it the clocks differ,
+/// or a time was imprecise.
+constexpr double gap = 0.04;
+/// Sound that is earlier than this was there already.
+constexpr double overlap = 0.1;
 constexpr double tolerance = 0.005;
 /// Of each new time in the estimated drift.
 constexpr double weight = 0.02;
@@ -62,7 +65,7 @@ int AudioEncoder::encode(const AudioSample &sample, MediaTime time, const Packet
     const double lateness = at - double(m_position);
     qint64 skipped = 0;
     int result = 0;
-    if (!m_begun || std::abs(lateness) > gap * rate) {
+    if (!m_begun || lateness > gap * rate || lateness < -overlap * rate) {
         if (lateness > 0)
             result = addSilence(std::llround(lateness));
         else

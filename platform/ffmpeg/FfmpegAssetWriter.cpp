@@ -2,7 +2,7 @@
 
 #include "platform/ffmpeg/Mp4Remuxer.h"
 
-#include <QFile>
+#include <QFileInfo>
 
 #include <array>
 
@@ -17,6 +17,10 @@ QString sentence(int error)
     if (error == AVERROR(ENOSPC) || error == AVERROR(EDQUOT))
         return QStringLiteral(
             "The disk is full. The recording was stopped, and what was recorded is kept.");
+    // In words that are not taken for the system's refusal to let the screen be captured.
+    if (error == AVERROR(EACCES) || error == AVERROR(EPERM))
+        return QStringLiteral("The recording could not be written: this folder is protected. "
+                              "Choose another one.");
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(error, text.data(), text.size());
     return u"The recording could not be written: " + QString::fromLocal8Bit(text.data()) + u'.';
@@ -34,6 +38,7 @@ std::expected<std::unique_ptr<AssetWriter>, QString> FfmpegAssetWriter::create(c
         return std::unexpected(sentence(result));
     Output output(context);
     const QString path = file.toLocalFile();
+    removeAbandonedCopies(QFileInfo(path).absolutePath());
     const QByteArray url = "file:" + QFile::encodeName(path);
     if (const int result = avio_open(&output->pb, url.constData(), AVIO_FLAG_WRITE); result < 0)
         return std::unexpected(sentence(result));
@@ -164,19 +169,29 @@ void FfmpegAssetWriter::finishWriting(std::function<void()> done)
         int result = av_write_trailer(m_output.get());
         avio_flush(m_output->pb);
         result = std::min(result, m_output->pb->error);
-        if (result < 0) {
+        if (result < 0)
             fail(result);
-        } else {
-            m_output.reset();
-            // What cannot be made ordinary plays as it is.
-            (void)makeOrdinary({.path = m_path,
-                                .packets = m_videoPackets + m_audioPackets,
-                                .pictureRate = m_video->codec().framerate.num,
-                                .hasAudio = m_audioPackets > 0});
-            m_status = Status::Completed;
-        }
+        else
+            complete();
     }
     done();
+}
+
+void FfmpegAssetWriter::complete()
+{
+    if (const int result = avio_closep(&m_output->pb); result < 0)
+        return fail(result);
+    m_output.reset();
+    // What cannot be made ordinary plays as it is.
+    makeOrdinary({.path = m_path,
+                  .packets = m_videoPackets + m_audioPackets,
+                  .pictureRate = m_video->codec().framerate.num,
+                  .hasAudio = m_audioPackets > 0},
+                 m_hurries);
+    // Somebody may have taken it away meanwhile.
+    if (!QFile::exists(m_path))
+        return fail(AVERROR(ENOENT));
+    m_status = Status::Completed;
 }
 
 void FfmpegAssetWriter::cancelWriting()

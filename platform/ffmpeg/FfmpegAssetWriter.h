@@ -11,7 +11,8 @@ namespace lumaro {
 
 /// An MP4 file by FFmpeg. While it is written it consists of fragments of a second (ISO/IEC
 /// 14496-12, movie fragments), each of which plays as soon as it is on disk; at the end it becomes
-/// an ordinary file with the index in front. Where there is no room for that, the fragments stay.
+/// an ordinary file with the index in front. Where there is no room or no time for that, the
+/// fragments stay.
 class FfmpegAssetWriter final : public AssetWriter
 {
 public:
@@ -31,6 +32,7 @@ public:
     void append(const AudioSample &sample) override;
     void markVideoAsFinished() override;
     void markAudioAsFinished() override;
+    void hurry() override { m_hurries = true; }
     void finishWriting(std::function<void()> done) override;
     void cancelWriting() override;
     Status status() const override { return m_status; }
@@ -41,6 +43,7 @@ private:
 
     AVStream *addStream(const AVCodecContext &codec);
     ffmpeg::PacketSink sink(const AVCodecContext &codec, AVStream *stream, qint64 &packets);
+    void complete();
     void fail(int error);
 
     const QString m_path;
@@ -54,6 +57,7 @@ private:
     MediaTime m_zero{};
     /// Up to where the file surely consists of whole fragments, in bytes.
     qint64 m_wholeSize = 0;
+    std::atomic<bool> m_hurries = false;
     std::atomic<Status> m_status = Status::Unknown;
     mutable std::mutex m_errorMutex;
     QString m_error;

@@ -2,11 +2,15 @@
 
 #include "platform/ffmpeg/Handles.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QDateTime>
+#include <QDir>
 #include <QMap>
 
+#include <chrono>
 #include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace lumaro {
 
@@ -17,6 +21,10 @@ namespace {
 /// What the index takes at most, in bytes: duration, size, position, and being a key frame.
 constexpr qint64 indexPerPacket = 48;
 constexpr qint64 indexBase = 16 * 1024;
+
+const QString copySuffix = QStringLiteral(".lumaro-part");
+/// No copy takes as long.
+constexpr std::chrono::hours longestCopy{24};
 
 QByteArray urlOf(const QString &path)
 {
@@ -33,7 +41,8 @@ Output openOutput(const QString &path)
                                                                                 : std::move(output);
 }
 
-bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &file)
+bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &file,
+          const std::atomic<bool> &abandoned)
 {
     QMap<int, AVStream *> streams;
     for (unsigned i = 0; i < input.nb_streams; ++i) {
@@ -56,7 +65,7 @@ bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &
 
     const Packet packet(av_packet_alloc());
     int result = 0;
-    while (result >= 0 && (result = av_read_frame(&input, packet.get())) >= 0) {
+    while (!abandoned && result >= 0 && (result = av_read_frame(&input, packet.get())) >= 0) {
         if (AVStream *to = streams.value(packet->stream_index)) {
             av_packet_rescale_ts(packet.get(), input.streams[packet->stream_index]->time_base,
                                  to->time_base);
@@ -71,33 +80,50 @@ bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &
     }
     if (result != AVERROR_EOF || av_write_trailer(&output) < 0)
         return false;
-    avio_flush(output.pb);
-    return output.pb->error >= 0;
+    return avio_closep(&output.pb) >= 0;
+}
+
+bool reachesTheDisk(const QString &path)
+{
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    const bool synced = descriptor >= 0 && fsync(descriptor) == 0;
+    return descriptor >= 0 && close(descriptor) == 0 && synced;
 }
 
 } // namespace
 
-bool makeOrdinary(const FragmentedMp4 &file)
+void makeOrdinary(const FragmentedMp4 &file, const std::atomic<bool> &abandoned)
 {
     const QFileInfo info(file.path);
-    const QString beside = info.absolutePath() + u"/." + info.fileName() + u".part";
+    const QString beside = info.absolutePath() + u"/." + info.fileName() + copySuffix;
     bool copied = false;
     {
         AVFormatContext *opened = nullptr;
         if (avformat_open_input(&opened, urlOf(file.path).constData(), nullptr, nullptr) < 0)
-            return false;
+            return;
         const Input input(opened);
         const Output output = openOutput(beside);
         copied = output && avformat_find_stream_info(input.get(), nullptr) >= 0
-            && copy(*input, *output, file);
+            && copy(*input, *output, file, abandoned);
     }
-    const bool replaced = copied
+    const bool replaced = copied && !abandoned && reachesTheDisk(beside)
         && std::rename(QFile::encodeName(beside).constData(),
                        QFile::encodeName(file.path).constData())
             == 0;
     if (!replaced)
         QFile::remove(beside);
-    return replaced;
+}
+
+void removeAbandonedCopies(const QString &folder)
+{
+    const QDateTime oldest = QDateTime::currentDateTime().addSecs(
+        -std::chrono::duration_cast<std::chrono::seconds>(longestCopy).count());
+    const QFileInfoList copies =
+        QDir(folder).entryInfoList({u".*" + copySuffix}, QDir::Files | QDir::Hidden);
+    for (const QFileInfo &copy : copies) {
+        if (copy.lastModified() < oldest)
+            QFile::remove(copy.filePath());
+    }
 }
 
 } // namespace lumaro

@@ -45,6 +45,8 @@ bool VideoEncoder::open(const Kind &kind, const VideoInputSettings &settings)
     m_codec->color_trc = AVCOL_TRC_BT709;
     m_codec->color_range = AVCOL_RANGE_MPEG;
     m_codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    // Threads that each take a picture would hold some back, for seconds where few come.
+    m_codec->thread_type = FF_THREAD_SLICE;
     if (kind.preset)
         av_opt_set(m_codec->priv_data, "preset", kind.preset, 0);
     if (kind.device != AV_HWDEVICE_TYPE_NONE && !useDevice(kind, settings))

@@ -9,6 +9,13 @@ namespace {
 /// A piece of sound, in seconds.
 constexpr double pieceLength = 0.02;
 
+/// Its callback tells all there is to know.
+void forget(pa_operation *operation)
+{
+    if (operation)
+        pa_operation_unref(operation);
+}
+
 } // namespace
 
 PulseMonitor::PulseMonitor(AudioCaptureRequest request)
@@ -31,10 +38,7 @@ PulseMonitor::~PulseMonitor()
 {
     pa_threaded_mainloop_lock(m_loop);
     m_gaveUp = true;
-    if (m_stream) {
-        pa_stream_disconnect(m_stream);
-        pa_stream_unref(m_stream);
-    }
+    closeStream();
     pa_context_disconnect(m_context);
     pa_context_unref(m_context);
     pa_threaded_mainloop_unlock(m_loop);
@@ -51,14 +55,47 @@ void PulseMonitor::giveUp()
 void PulseMonitor::contextChanged()
 {
     const pa_context_state_t state = pa_context_get_state(m_context);
-    if (state == PA_CONTEXT_READY)
-        openStream();
-    else if (!PA_CONTEXT_IS_GOOD(state))
-        giveUp();
+    if (!PA_CONTEXT_IS_GOOD(state))
+        return giveUp();
+    if (state != PA_CONTEXT_READY)
+        return;
+    pa_context_set_subscribe_callback(
+        m_context,
+        [](pa_context *, pa_subscription_event_type_t, uint32_t, void *self) {
+            static_cast<PulseMonitor *>(self)->lookForOutput();
+        },
+        this);
+    forget(pa_context_subscribe(m_context, PA_SUBSCRIPTION_MASK_SERVER, nullptr, nullptr));
+    lookForOutput();
 }
 
-void PulseMonitor::openStream()
+void PulseMonitor::lookForOutput()
 {
+    forget(pa_context_get_server_info(
+        m_context,
+        [](pa_context *, const pa_server_info *info, void *self) {
+            static_cast<PulseMonitor *>(self)->openStream(info ? info->default_sink_name : nullptr);
+        },
+        this));
+}
+
+void PulseMonitor::closeStream()
+{
+    if (!m_stream)
+        return;
+    pa_stream_set_state_callback(m_stream, nullptr, nullptr);
+    pa_stream_set_read_callback(m_stream, nullptr, nullptr);
+    pa_stream_disconnect(m_stream);
+    pa_stream_unref(std::exchange(m_stream, nullptr));
+}
+
+void PulseMonitor::openStream(const char *output)
+{
+    if (m_gaveUp || (m_stream && output && m_output == output))
+        return;
+    closeStream();
+    m_isStreamGood = false;
+    m_output = output ? output : "";
     const pa_sample_spec format{.format = PA_SAMPLE_FLOAT32NE,
                                 .rate = uint32_t(m_request.sampleRate),
                                 .channels = uint8_t(m_request.channels)};
@@ -81,15 +118,24 @@ void PulseMonitor::openStream()
                                 .fragsize = piece};
     // Flags are made to be combined. NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange)
     const auto flags = pa_stream_flags_t(PA_STREAM_ADJUST_LATENCY | PA_STREAM_INTERPOLATE_TIMING
-                                         | PA_STREAM_AUTO_TIMING_UPDATE);
+                                         | PA_STREAM_AUTO_TIMING_UPDATE
+                                         // The server would choose a microphone.
+                                         | PA_STREAM_DONT_MOVE);
     if (pa_stream_connect_record(m_stream, "@DEFAULT_MONITOR@", &buffer, flags) < 0)
         giveUp();
 }
 
 void PulseMonitor::streamChanged()
 {
-    if (!PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream)))
-        giveUp();
+    const pa_stream_state_t state = pa_stream_get_state(m_stream);
+    m_isStreamGood = m_isStreamGood || state == PA_STREAM_READY;
+    if (PA_STREAM_IS_GOOD(state))
+        return;
+    if (!m_isStreamGood)
+        return giveUp();
+    // Its output is gone; there may be another.
+    closeStream();
+    lookForOutput();
 }
 
 void PulseMonitor::read()

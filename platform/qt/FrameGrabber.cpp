@@ -3,7 +3,6 @@
 #include <QOpenGLContext>
 #include <QOpenGLExtraFunctions>
 
-#include <atomic>
 #include <thread>
 
 #ifndef GL_BGRA
@@ -60,10 +59,10 @@ FrameGrabber::FrameGrabber(Settings settings)
 
 FrameGrabber::~FrameGrabber() = default;
 
-void FrameGrabber::setSource(const QRect &source)
+void FrameGrabber::setFrame(const QSize &size, const QRect &source)
 {
-    const std::scoped_lock lock(m_mutex);
-    m_source = source;
+    m_source = source.intersected(QRect({0, 0}, size));
+    m_source.moveTop(size.height() - m_source.top() - m_source.height());
 }
 
 bool FrameGrabber::isReading() const
@@ -78,25 +77,18 @@ FrameGrabber::Statistics FrameGrabber::statistics() const
     return m_statistics;
 }
 
-void FrameGrabber::frameRendered(int frameHeight)
+void FrameGrabber::frameRendered()
 {
     QOpenGLExtraFunctions *gl = currentGl();
     if (!gl)
         return;
     const MediaTime begin = mediaTimeNow();
     collect(false);
-    QRect source;
-    {
-        const std::scoped_lock lock(m_mutex);
-        source = m_source;
-    }
-    // OpenGL counts from the bottom.
-    source.moveTop(frameHeight - source.top() - source.height());
-    const bool takes = !source.isEmpty() && m_pacer.takes(begin);
+    const bool takes = !m_source.isEmpty() && m_pacer.takes(begin);
     Slot *slot = takes ? freeSlot(*gl) : nullptr;
     if (slot) {
         slot->time = begin;
-        read(*gl, *slot, source);
+        read(*gl, *slot, m_source);
     }
     const std::scoped_lock lock(m_mutex);
     ++m_statistics.rendered;
@@ -122,6 +114,7 @@ FrameGrabber::Slot *FrameGrabber::freeSlot(QOpenGLExtraFunctions &gl)
 
 void FrameGrabber::read(QOpenGLExtraFunctions &gl, Slot &slot, const QRect &source)
 {
+    m_isReleased = false;
     const QSize size = m_settings.outputSize;
     const GLuint window = QOpenGLContext::currentContext()->defaultFramebufferObject();
     // Half a pair of pixels more or less is cut off rather than scaled away.
@@ -228,18 +221,21 @@ void FrameGrabber::deliver(QOpenGLExtraFunctions &gl, Slot &slot)
                             pixels, [shared](const void *) { shared->isInUse = false; })});
 }
 
-void FrameGrabber::release()
+void FrameGrabber::release(bool waits)
 {
     QOpenGLExtraFunctions *gl = currentGl();
     if (!gl)
         return;
+    bool isReleased = true;
     for (const auto &slot : m_slots) {
         const auto deadline = mediaTimeNow() + longestWait;
-        while (slot->isInUse && mediaTimeNow() < deadline)
+        while (waits && slot->isInUse && mediaTimeNow() < deadline)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         // Better lost than taken away.
-        if (slot->isInUse)
+        if (slot->isInUse) {
+            isReleased = waits;
             continue;
+        }
         if (slot->fence)
             gl->glDeleteSync(std::exchange(slot->fence, nullptr));
         if (slot->buffer != 0)
@@ -252,6 +248,7 @@ void FrameGrabber::release()
         gl->glDeleteTextures(1, &m_texture);
     }
     m_framebuffer = m_texture = 0;
+    m_isReleased = isReleased;
     const std::scoped_lock lock(m_mutex);
     m_reading = 0;
 }

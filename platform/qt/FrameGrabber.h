@@ -4,6 +4,7 @@
 
 #include <QRectF>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -14,8 +15,8 @@ class QOpenGLExtraFunctions;
 namespace lumaro {
 
 /// Takes pictures out of a window's rendered frames: scaled by the graphics card, and read back
-/// while the next frames are drawn, so that drawing never waits for them. Everything but
-/// setSource() and isReading() happens on the render thread with its OpenGL context.
+/// while the next frames are drawn, so that drawing never waits for them. Everything but what is
+/// said to be for any thread happens on the render thread with its OpenGL context.
 class FrameGrabber
 {
 public:
@@ -42,18 +43,23 @@ public:
     FrameGrabber &operator=(const FrameGrabber &) = delete;
     ~FrameGrabber();
 
-    /// In the frame's pixels, with the origin at its top left.
-    void setSource(const QRect &source);
+    /// Of the frame that is drawn next, in pixels: its size, and what to take of it, with the
+    /// origin at the top left. What lies outside the frame is left out.
+    void setFrame(const QSize &size, const QRect &source);
     /// A picture is on its way. On any thread.
     bool isReading() const;
 
-    /// To be called when a frame of this size has been drawn, before it is shown.
-    void frameRendered(int frameHeight);
+    /// To be called when a frame has been drawn, before it is shown.
+    void frameRendered();
     /// Delivers what has arrived; waits for the rest if `waits`.
     void collect(bool waits);
-    /// Gives back what belongs to the context. Waits a moment for pictures still in use.
-    void release();
+    /// Gives back what belongs to the context, but for pictures still in use, for which it waits
+    /// a moment if `waits`.
+    void release(bool waits);
+    /// Nothing belongs to the context any more. On any thread.
+    bool isReleased() const { return m_isReleased; }
 
+    /// On any thread.
     Statistics statistics() const;
 
 private:
@@ -69,8 +75,10 @@ private:
     std::vector<std::shared_ptr<Slot>> m_slots;
     unsigned m_framebuffer = 0;
     unsigned m_texture = 0;
-    mutable std::mutex m_mutex;
+    /// With the origin at the bottom left, as OpenGL counts.
     QRect m_source;
+    std::atomic<bool> m_isReleased = true;
+    mutable std::mutex m_mutex;
     Statistics m_statistics;
     int m_reading = 0;
 };

@@ -10,7 +10,7 @@ namespace lumaro {
 
 /// Screen capture of the application's own window, taken from the frames that it draws: without
 /// the pointer, and without whatever lies above it. Needs nobody's permission. A picture that does
-/// not change is repeated twice a second, so that a file that is cut off misses little.
+/// not change is repeated at least twice a second, so that a file that is cut off misses little.
 class WindowCapture final : public ScreenCapture
 {
 public:

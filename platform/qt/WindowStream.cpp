@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 constexpr auto pulse = 100ms;
 /// After as long without a new picture, the last one is repeated.
-constexpr auto longestStill = 450ms;
+constexpr auto longestStill = 400ms;
 /// A window that is not shown does no work for anybody.
 constexpr auto longestStop = 1s;
 
@@ -47,6 +47,24 @@ private:
     std::function<void()> m_work;
     std::function<void()> m_done;
 };
+
+/// Has the grabber give back what is the context's: now if the window is shown, else when it is
+/// drawn again; what is still in use then, a little later.
+void releaseInTime(const QPointer<QQuickWindow> &window,
+                   const std::shared_ptr<FrameGrabber> &grabber)
+{
+    if (!window || grabber->isReleased())
+        return;
+    window->scheduleRenderJob(
+        // Qt takes it over. Without memory the program ends anyway.
+        // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
+        new RenderJob([grabber] { grabber->release(false); },
+                      [window, grabber] {
+                          QTimer::singleShot(pulse, qApp,
+                                             [window, grabber] { releaseInTime(window, grabber); });
+                      }),
+        window->isExposed() ? QQuickWindow::NoStage : QQuickWindow::AfterRenderingStage);
+}
 
 VideoSample deepCopy(const VideoSample &sample)
 {
@@ -160,12 +178,7 @@ WindowStream::~WindowStream()
     m_feed->end();
     detach();
     m_feed->detachLast();
-    if (m_window)
-        m_window->scheduleRenderJob(
-            // Qt takes it over. Without memory the program ends anyway.
-            // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
-            new RenderJob([grabber = m_grabber] { grabber->release(); }, {}),
-            QQuickWindow::NoStage);
+    releaseInTime(m_window, m_grabber);
 }
 
 Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
@@ -173,28 +186,41 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
     if (!m_window)
         co_return std::unexpected(QStringLiteral("The window to capture is gone."));
     updateSource();
-    const auto height = std::make_shared<int>(0);
     QQuickWindow *const window = m_window;
+    connect(window, &QQuickWindow::afterAnimating, this, [this] {
+        m_output.pictureIsDue();
+        // The window itself may have moved below a part of the display that has not.
+        updateSource();
+    });
     // Both on the render thread; in the first one the main thread waits.
     connect(
         window, &QQuickWindow::afterSynchronizing, this,
-        [window, height] {
-            *height = qRound(window->height() * window->effectiveDevicePixelRatio());
+        [window, source = m_source, grabber = m_grabber] {
+            const QSizeF size = QSizeF(window->size()) * window->effectiveDevicePixelRatio();
+            grabber->setFrame(size.toSize(), *source);
         },
         Qt::DirectConnection);
     connect(
         window, &QQuickWindow::afterRendering, this,
-        [window, height, grabber = m_grabber] {
+        [window, grabber = m_grabber] {
             window->beginExternalCommands();
-            grabber->frameRendered(*height);
+            grabber->frameRendered();
             window->endExternalCommands();
+        },
+        Qt::DirectConnection);
+    // What is the context's goes with it, even after this stream.
+    connect(
+        window, &QQuickWindow::sceneGraphInvalidated, window,
+        [grabber = std::weak_ptr(m_grabber), feed = std::weak_ptr(m_feed)] {
+            if (const auto fed = feed.lock())
+                fed->detachLast();
+            if (const auto grabbing = grabber.lock())
+                grabbing->release(true);
         },
         Qt::DirectConnection);
     connect(
         window, &QQuickWindow::sceneGraphInvalidated, this,
-        [grabber = m_grabber, feed = m_feed, failed = m_output.didStopWithError] {
-            feed->detachLast();
-            grabber->release();
+        [failed = m_output.didStopWithError] {
             failed(QStringLiteral("The window is no longer drawn."));
         },
         Qt::DirectConnection);
@@ -213,9 +239,9 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
     co_return {};
 }
 
-void WindowStream::setSourceRect(const QRectF &rect)
+void WindowStream::setSource(const CaptureArea &source)
 {
-    m_configuration.sourceRect = rect;
+    m_configuration.source = source;
     updateSource();
 }
 
@@ -223,11 +249,14 @@ void WindowStream::updateSource()
 {
     if (!m_window)
         return;
-    const QPointF inWindow = windowspace::display(m_configuration.display).topLeft()
-        - windowspace::frame(*m_window).topLeft();
+    const auto &[display, rect] = m_configuration.source;
+    const QPointF inWindow =
+        windowspace::display(display).topLeft() - windowspace::frame(*m_window).topLeft();
     const double scale = m_window->effectiveDevicePixelRatio();
-    const QRectF source = m_configuration.sourceRect.translated(inWindow);
-    m_grabber->setSource(QRectF(source.topLeft() * scale, source.size() * scale).toRect());
+    const QRectF source = rect.translated(inWindow);
+    const QRect pixels = QRectF(source.topLeft() * scale, source.size() * scale).toRect();
+    if (std::exchange(*m_source, pixels) != pixels)
+        m_window->update();
 }
 
 void WindowStream::keepGoing()
@@ -235,7 +264,8 @@ void WindowStream::keepGoing()
     if (!m_window)
         return;
     const auto still = mediaTimeNow() - m_feed->last().presentationTime;
-    if (m_grabber->isReading() && still > pulse)
+    // Of a window that is hidden nothing arrives before it is shown again.
+    if (m_window->isExposed() && m_grabber->isReading() && still > pulse)
         m_window->scheduleRenderJob(
             new RenderJob([grabber = m_grabber] { grabber->collect(false); }, {}),
             QQuickWindow::NoStage);
@@ -253,7 +283,6 @@ Task<> WindowStream::stopCapture()
                                         [grabber = m_grabber, feed = m_feed] {
                                             grabber->collect(true);
                                             feed->detachLast();
-                                            grabber->release();
                                         },
                                         [stopped] { stopped.complete(true); }),
                                     QQuickWindow::NoStage);

@@ -30,7 +30,7 @@ public:
     ~WindowStream() override;
 
     Task<std::expected<void, QString>> startCapture(std::stop_token stop) override;
-    void setSourceRect(const QRectF &rect) override;
+    void setSource(const CaptureArea &source) override;
     Task<> stopCapture() override;
 
 private:
@@ -46,6 +46,8 @@ private:
     CaptureOutput m_output;
     std::shared_ptr<Feed> m_feed;
     std::shared_ptr<FrameGrabber> m_grabber;
+    /// In the window's pixels. The render thread reads it while the main thread waits.
+    std::shared_ptr<QRect> m_source = std::make_shared<QRect>();
     std::unique_ptr<AudioCapture> m_audio;
     QTimer m_pulse;
 };

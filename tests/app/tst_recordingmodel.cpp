@@ -70,7 +70,8 @@ struct World : ShellWorld
                                           .clock = systemClock(),
                                           .surfaces = surfaces,
                                           .moviesFolder = {}}};
-    RecordingModel recording{controller, player, workspace, scheduler};
+    QRect visibleArea{0, 0, 1000, 800};
+    RecordingModel recording{controller, workspace, scheduler, [this] { return visibleArea; }};
 };
 
 } // namespace
@@ -85,6 +86,9 @@ private Q_SLOTS:
     void tellsOfErrors();
     void offersTheSettings();
     void tellsOfMissingSound();
+    void recordsNoNotices();
+    void placesThePanel_data();
+    void placesThePanel();
 };
 
 void RecordingModelTest::buttonFollowsTheState()
@@ -158,7 +162,50 @@ void RecordingModelTest::tellsOfMissingSound()
     world.recording.startNormal();
     world.capture.output->audioBecameUnavailable();
     world.settle();
-    QCOMPARE(world.player.toastMessage(), u"Recording without sound: there is no audio output."_s);
+    QVERIFY(world.recording.isWithoutSound());
+    // Nothing of it in the picture.
+    QVERIFY(world.player.toastMessage().isEmpty());
+    QVERIFY(world.recording.notice().isEmpty());
+    world.recording.stop();
+    world.settle();
+    world.recording.startNormal();
+    QVERIFY(!world.recording.isWithoutSound());
+}
+
+void RecordingModelTest::recordsNoNotices()
+{
+    World world;
+    world.recordSomething();
+    world.settle();
+    QVERIFY(!world.recording.notice().isEmpty());
+    world.recording.startNormal();
+    QVERIFY(world.recording.isRecording());
+    QVERIFY(world.recording.notice().isEmpty());
+}
+
+void RecordingModelTest::placesThePanel_data()
+{
+    QTest::addColumn<QRect>("visibleArea");
+    QTest::addColumn<QString>("stopAfter");
+    QTest::addColumn<QPoint>("position");
+    QTest::newRow("one display") << QRect(0, 0, 1920, 1080) << QString() << QPoint(1692, 18);
+    QTest::newRow("below a bar") << QRect(0, 32, 1920, 1048) << QString() << QPoint(1692, 50);
+    QTest::newRow("the right one") << QRect(1920, 0, 1280, 1024) << QString() << QPoint(2972, 18);
+    QTest::newRow("one above to the left")
+        << QRect(-1280, -1024, 1280, 1024) << QString() << QPoint(-228, -1006);
+    QTest::newRow("with a limit") << QRect(0, 0, 1920, 1080) << u"1m"_s << QPoint(1592, 18);
+}
+
+void RecordingModelTest::placesThePanel()
+{
+    QFETCH(const QRect, visibleArea);
+    QFETCH(const QString, stopAfter);
+    QFETCH(const QPoint, position);
+    World world;
+    world.visibleArea = visibleArea;
+    world.panels.text = stopAfter;
+    world.recording.startNormal();
+    QCOMPARE(world.recording.panelPosition(), position);
 }
 
 QTEST_GUILESS_MAIN(RecordingModelTest)

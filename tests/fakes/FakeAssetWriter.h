@@ -51,6 +51,7 @@ public:
     void append(const AudioSample &sample) override { log(u"audio", sample.presentationTime); }
     void markVideoAsFinished() override { m_asset.log.append(QStringLiteral("video finished")); }
     void markAudioAsFinished() override { m_asset.log.append(QStringLiteral("audio finished")); }
+    void hurry() override { m_asset.log.append(QStringLiteral("hurry")); }
     void finishWriting(std::function<void()> done) override
     {
         if (m_asset.status == Status::Writing)

@@ -38,11 +38,12 @@ public:
                 co_return std::unexpected(owner.streamError);
             co_return {};
         }
-        void setSourceRect(const QRectF &rect) override { owner.sourceRects.append(rect); }
+        void setSource(const CaptureArea &source) override { owner.sources.append(source); }
         Task<> stopCapture() override
         {
             ++owner.stops;
-            co_return;
+            if (owner.stopping)
+                co_await *owner.stopping;
         }
         FakeScreenCapture &owner;
     };
@@ -82,8 +83,10 @@ public:
     QString streamError;
     CaptureConfiguration configuration;
     std::optional<CaptureOutput> output;
-    QList<QRectF> sourceRects;
+    QList<CaptureArea> sources;
     int stops = 0;
+    /// Streams that are stopped wait for it.
+    std::optional<OneShot<bool>> stopping;
     int destroyedStreams = 0;
 };
 

@@ -111,9 +111,12 @@ private Q_SLOTS:
     void stopsWhenTheFileFails();
     void saysWhenNothingWasCaptured();
     void endsWithTheStream();
+    void saysSomethingOfAnyError_data();
+    void saysSomethingOfAnyError();
     void recognisesARefusal_data();
     void recognisesARefusal();
     void followsTheSurface();
+    void completesTheFileAtTheEnd_data();
     void completesTheFileAtTheEnd();
     void saysWhenThereIsNoSound();
 };
@@ -232,13 +235,13 @@ void RecordingControllerTest::checksTheDuration()
 void RecordingControllerTest::configuresTheStream()
 {
     World world;
-    world.capture.key->backingScaleFactor = 2;
+    // The window goes to a finer display while the panel is open, and the panel has the keyboard.
+    world.panels.whileOpen = [&] { world.capture.key = KeyWindow{99, 2}; };
     world.surface->rect = {0, 0, 451, 253};
     world.capture.viewOrigin = {20, 30};
     world.start();
-    const CaptureConfiguration expected{.display = 1,
+    const CaptureConfiguration expected{.source = {1, {120, 127, 451, 253}},
                                         .window = 7,
-                                        .sourceRect = {120, 127, 451, 253},
                                         .outputSize = {902, 506},
                                         .minimumFrameInterval = 33'333'333ns,
                                         .queueDepth = 6,
@@ -311,6 +314,11 @@ void RecordingControllerTest::records()
 {
     World world;
     const QSignalSpy saved(world.controller.get(), &PlayerRecordingController::saved);
+    QUrl savedWhenIdle;
+    connect(world.controller.get(), &PlayerRecordingController::stateChanged, this, [&] {
+        if (world.controller->state() == State::idle)
+            savedWhenIdle = world.controller->lastSavedURL();
+    });
     world.start();
     QCOMPARE(world.controller->state(), State::recording);
     world.start();
@@ -325,6 +333,7 @@ void RecordingControllerTest::records()
     world.settle();
     QCOMPARE(world.controller->state(), State::idle);
     QCOMPARE(world.controller->lastSavedURL(), world.file);
+    QCOMPARE(savedWhenIdle, world.file);
     QCOMPARE(saved.count(), 1);
     // The end follows the last picture.
     QCOMPARE(world.asset.log.first(2), (QStringList{u"session 3"_s, u"video 3"_s}));
@@ -413,6 +422,26 @@ void RecordingControllerTest::endsWithTheStream()
     QVERIFY(QFile::exists(world.file.toLocalFile()));
 }
 
+void RecordingControllerTest::saysSomethingOfAnyError_data()
+{
+    QTest::addColumn<bool>("whileRecording");
+    QTest::newRow("preparing") << false;
+    QTest::newRow("recording") << true;
+}
+
+void RecordingControllerTest::saysSomethingOfAnyError()
+{
+    QFETCH(const bool, whileRecording);
+    World world;
+    if (!whileRecording)
+        world.capture.content = std::unexpected(QString());
+    world.start();
+    if (whileRecording)
+        world.capture.output->didStopWithError({});
+    world.settle();
+    QCOMPARE(world.controller->errorMessage(), u"Unknown recording error."_s);
+}
+
 void RecordingControllerTest::recognisesARefusal_data()
 {
     QTest::addColumn<QString>("error");
@@ -440,28 +469,62 @@ void RecordingControllerTest::recognisesARefusal()
 void RecordingControllerTest::followsTheSurface()
 {
     World world;
+    world.capture.content->displays.append({.identifier = 2, .frame = {1000, 0, 1000, 800}});
+    QRectF &window = world.capture.content->windows[0].frame;
     world.start();
     world.scheduler.advance(1s);
-    QVERIFY(world.capture.sourceRects.isEmpty());
-    world.capture.content->windows[0].frame.translate(10, 20);
+    QVERIFY(world.capture.sources.isEmpty());
+    window.translate(10, 20);
     world.scheduler.advance(250ms);
-    QCOMPARE(world.capture.sourceRects, QList{QRectF(110, 70, 640, 360)});
+    QCOMPARE(world.capture.sources.takeFirst(), (CaptureArea{1, {110, 70, 640, 360}}));
+    // The same place on another display is another source.
+    window.translate(1000, 0);
+    world.scheduler.advance(250ms);
+    QCOMPARE(world.capture.sources.takeFirst(), (CaptureArea{2, {110, 70, 640, 360}}));
+    // What is drawn is taken from where it is.
+    world.surface->rect = {0, 0, 320, 180};
+    world.capture.output->pictureIsDue();
+    QCOMPARE(world.capture.sources.takeFirst(), (CaptureArea{2, {110, 250, 320, 180}}));
     // A window that goes off screen leaves the last part.
-    world.capture.content->windows[0].frame.translate(5000, 0);
+    window.translate(5000, 0);
     world.scheduler.advance(1s);
-    QCOMPARE(world.capture.sourceRects.size(), 1);
+    QVERIFY(world.capture.sources.isEmpty());
     QCOMPARE(world.controller->state(), State::recording);
+    world.controller->stop();
+    world.capture.output->pictureIsDue();
+}
+
+void RecordingControllerTest::completesTheFileAtTheEnd_data()
+{
+    QTest::addColumn<bool>("stops");
+    QTest::addColumn<bool>("streamEnds");
+    QTest::newRow("recording") << false << false;
+    QTest::newRow("while the stream stops") << true << false;
+    QTest::newRow("while the file is finished") << true << true;
 }
 
 void RecordingControllerTest::completesTheFileAtTheEnd()
 {
+    QFETCH(const bool, stops);
+    QFETCH(const bool, streamEnds);
     World world;
     world.start();
     world.show(1ms);
     world.queue->run();
+    if (!streamEnds)
+        world.capture.stopping.emplace();
+    if (stops)
+        world.controller->stop();
     world.capture.output.reset();
     world.controller.reset();
+    QCOMPARE(world.asset.log.count(u"finished"_s), 1);
     QCOMPARE(world.asset.log.last(), u"finished"_s);
+    // Before it could begin.
+    QVERIFY(world.asset.log.indexOf(u"hurry"_s) < world.asset.log.indexOf(u"finished"_s));
+    QVERIFY(world.asset.log.contains(u"hurry"_s));
+    if (world.capture.stopping)
+        world.capture.stopping->complete(true);
+    QCOMPARE(world.asset.log.count(u"finished"_s), 1);
     QCOMPARE(world.capture.destroyedStreams, 1);
 }
 

@@ -3,8 +3,8 @@
 #include "tests/e2e/download/MountedFolder.h"
 #include "tests/e2e/servers/ChildProcess.h"
 
+#include <QDateTime>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -15,6 +15,8 @@
 
 #include <csignal>
 #include <thread>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -108,17 +110,28 @@ QStringList boxes(const QString &path)
     return names;
 }
 
-/// Records in real time until the process is killed.
-int recordForEver(const QString &file, bool withSound)
+/// Records in real time until the process is killed, and writes down when the first picture came.
+int recordForEver(const QString &path, std::chrono::milliseconds interval, bool withSound)
 {
-    const auto writer = makeWriter(file);
-    while (true) {
-        writer->append(noise(mediaTimeNow()));
-        if (withSound)
-            for (int i = 0; i < 4; ++i)
-                writer->append(sound(mediaTimeNow() + i * 10ms));
-        std::this_thread::sleep_for(40ms);
+    const auto writer = makeWriter(path);
+    QFile begin(path + u".begin");
+    const MediaTime first = mediaTimeNow();
+    if (!begin.open(QIODevice::WriteOnly) || !begin.write(QByteArray::number(first.count()))
+        || !begin.flush())
+        return 1;
+    for (MediaTime time = first; true; time += interval) {
+        std::this_thread::sleep_until(std::chrono::steady_clock::time_point(time));
+        writer->append(noise(time));
+        for (auto i = 0ms; withSound && i < interval; i += 10ms)
+            writer->append(sound(time + i));
     }
+}
+
+/// When that was.
+MediaTime beginning(const QString &path)
+{
+    QFile file(path + u".begin");
+    return MediaTime(file.open(QIODevice::ReadOnly) ? file.readAll().toLongLong() : 0);
 }
 
 } // namespace
@@ -135,7 +148,13 @@ private Q_SLOTS:
     void followsTheSoundsClock();
     void survivesAKill_data();
     void survivesAKill();
+    void hurries();
+    void removesAbandonedCopies();
+    void noticesThatTheFileIsGone();
+    void fillsHoles_data();
+    void fillsHoles();
     void survivesAFullDisk();
+    void saysWhyItCannotBegin_data();
     void saysWhyItCannotBegin();
     void writesTheSmallestSize();
 };
@@ -224,24 +243,28 @@ void AssetWriterTest::followsTheSoundsClock()
 
 void AssetWriterTest::survivesAKill_data()
 {
+    QTest::addColumn<int>("interval");
     QTest::addColumn<QString>("kind");
-    QTest::newRow("with sound") << u"--with-sound"_s;
-    QTest::newRow("without") << u"--without-sound"_s;
+    QTest::newRow("with sound") << 40 << u"--with-sound"_s;
+    QTest::newRow("without") << 40 << u"--without-sound"_s;
+    QTest::newRow("two pictures a second") << 500 << u"--without-sound"_s;
 }
 
 void AssetWriterTest::survivesAKill()
 {
+    QFETCH(const int, interval);
     QFETCH(const QString, kind);
     const QTemporaryDir folder;
     const QString file = folder.filePath(u"a.mp4"_s);
     ChildProcess recorder;
-    QVERIFY(recorder.start(QCoreApplication::applicationFilePath(), {kind, file}, {}));
-    QElapsedTimer clock;
-    QTRY_VERIFY(QFileInfo(file).size() > 10'000);
-    clock.start();
-    std::this_thread::sleep_for(5s);
+    QVERIFY(recorder.start(QCoreApplication::applicationFilePath(),
+                           {kind, QString::number(interval), file}, {}));
+    QTRY_VERIFY(beginning(file) > 0s);
+    // Just before the next picture most is at stake.
+    std::this_thread::sleep_until(
+        std::chrono::steady_clock::time_point(beginning(file) + 5s + interval * 900us));
     recorder.sendSignal(SIGKILL);
-    const double recorded = double(clock.elapsed()) / 1000;
+    const double recorded = std::chrono::duration<double>(mediaTimeNow() - beginning(file)).count();
     QVERIFY(recorder.waitForFinished(5s));
     const double lasts = run(u"ffprobe"_s,
                              {u"-v"_s, u"error"_s, u"-select_streams"_s, u"v"_s, u"-show_entries"_s,
@@ -252,6 +275,81 @@ void AssetWriterTest::survivesAKill()
                              .toDouble();
     QVERIFY2(lasts > recorded - 2, qPrintable(QString::number(lasts)));
     QCOMPARE(complaints(file), QString());
+}
+
+void AssetWriterTest::hurries()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    for (int i = 0; i < 60; ++i)
+        writer->append(noise(i * MediaTime(1s) / 30));
+    writer->hurry();
+    QVERIFY(finish(*writer));
+    QVERIFY(boxes(file).contains(u"moof"_s));
+    QVERIFY(std::abs(probe(file, u"format=duration"_s).toDouble() - 2.0) < 0.05);
+    QCOMPARE(complaints(file), QString());
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"a.mp4"_s});
+}
+
+void AssetWriterTest::removesAbandonedCopies()
+{
+    const QTemporaryDir folder;
+    const auto leave = [&](const QString &name, int days) {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::WriteOnly)
+            && file.setFileTime(QDateTime::currentDateTime().addDays(-days),
+                                QFileDevice::FileModificationTime);
+    };
+    QVERIFY(leave(u".old.mp4.lumaro-part"_s, 2));
+    QVERIFY(leave(u".under way.mp4.lumaro-part"_s, 0));
+    QVERIFY(leave(u".another's.mp4.part"_s, 2));
+    QVERIFY(leave(u"seen.lumaro-part"_s, 2));
+    const auto writer = makeWriter(folder.filePath(u"a.mp4"_s));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name),
+             (QStringList{u".another's.mp4.part"_s, u".under way.mp4.lumaro-part"_s, u"a.mp4"_s,
+                          u"seen.lumaro-part"_s}));
+}
+
+void AssetWriterTest::noticesThatTheFileIsGone()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    writer->append(noise(0s));
+    QVERIFY(QFile::remove(file));
+    const auto outcome = finish(*writer);
+    QVERIFY(!outcome);
+    QCOMPARE(outcome.error(), u"The recording could not be written: No such file or directory."_s);
+}
+
+void AssetWriterTest::fillsHoles_data()
+{
+    QTest::addColumn<int>("hole");
+    QTest::addColumn<double>("begin");
+    QTest::newRow("lost sound") << 60 << 2.06;
+    QTest::newRow("an imprecise time") << 30 << 2.0;
+}
+
+/// Sound that comes `hole` milliseconds late: a tone after it begins where its time says, unless
+/// nothing is missing.
+void AssetWriterTest::fillsHoles()
+{
+    QFETCH(const int, hole);
+    QFETCH(const double, begin);
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    writer->append(noise(0s));
+    for (int i = 0; i < 300; ++i)
+        writer->append(sound(i * 10ms + (i < 200 ? 0 : hole) * 1ms, i >= 200));
+    QVERIFY(finish(*writer));
+    const QString found = run(u"ffmpeg"_s,
+                              {u"-i"_s, file, u"-af"_s, u"silencedetect=noise=-40dB:d=1"_s,
+                               u"-vn"_s, u"-f"_s, u"null"_s, u"-"_s});
+    static const QRegularExpression end(u"silence_end: ([0-9.]+)"_s);
+    const double heard = end.match(found).captured(1).toDouble();
+    QVERIFY2(std::abs(heard - begin) < 0.015, qPrintable(QString::number(heard)));
 }
 
 void AssetWriterTest::survivesAFullDisk()
@@ -272,12 +370,35 @@ void AssetWriterTest::survivesAFullDisk()
     QCOMPARE(complaints(file), QString());
 }
 
+void AssetWriterTest::saysWhyItCannotBegin_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("no folder")
+        << false << u"The recording could not be written: No such file or directory."_s;
+    QTest::newRow("a protected folder")
+        << true
+        << u"The recording could not be written: this folder is protected. Choose another one."_s;
+}
+
 void AssetWriterTest::saysWhyItCannotBegin()
 {
-    const auto writer = PlayerCaptureWriter::create(&FfmpegAssetWriter::create,
-                                                    QUrl::fromLocalFile(u"/nowhere/a.mp4"_s), size);
+    QFETCH(const bool, exists);
+    QFETCH(const QString, error);
+    const QTemporaryDir folder;
+    QVERIFY(QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner));
+    // Root may write everywhere.
+    constexpr uid_t nobody = 65'534;
+    const bool isRoot = geteuid() == 0;
+    QVERIFY(!isRoot || seteuid(nobody) == 0);
+    const auto writer = PlayerCaptureWriter::create(
+        &FfmpegAssetWriter::create,
+        QUrl::fromLocalFile((exists ? folder.path() : u"/nowhere"_s) + u"/a.mp4"), size);
+    QVERIFY(!isRoot || seteuid(0) == 0);
+    QVERIFY(QFile::setPermissions(folder.path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     QVERIFY(!writer);
-    QCOMPARE(writer.error(), u"The recording could not be written: No such file or directory."_s);
+    QCOMPARE(writer.error(), error);
 }
 
 void AssetWriterTest::writesTheSmallestSize()
@@ -297,8 +418,9 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() == 3 && arguments[1].startsWith(u"--with"))
-        return recordForEver(arguments[2], arguments[1] == u"--with-sound");
+    if (arguments.size() == 4 && arguments[1].startsWith(u"--with"))
+        return recordForEver(arguments[3], std::chrono::milliseconds(arguments[2].toInt()),
+                             arguments[1] == u"--with-sound");
     AssetWriterTest test;
     return QTest::qExec(&test, argc, argv);
 }
