@@ -107,7 +107,7 @@ FocusScope {
                 iconName: "star"
                 checked: root.library.isCurrentSaved
                 enabled: root.library.canSaveCurrent
-                text: root.library.isCurrentSaved ? "Show in Local M3U" : "Save to Local M3U"
+                text: root.library.isCurrentSaved ? qsTr("Show in Local M3U") : qsTr("Save to Local M3U")
                 shortcutText: "Ctrl+D"
                 onClicked: root.library.saveCurrent()
             }
@@ -205,7 +205,7 @@ FocusScope {
             anchors.centerIn: parent
             onOverlay: true
             iconName: "open"
-            title: "Drop to play"
+            title: qsTr("Drop to play")
         }
     }
 }

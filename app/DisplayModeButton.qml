@@ -11,7 +11,7 @@ IconButton {
 
     onOverlay: true
     iconName: "display-mode"
-    text: "Video display mode"
+    text: qsTr("Video display mode")
     checked: choices.length > 0 && !choices[0].isChecked
     down: pressed || opened
     Accessible.role: Accessible.ButtonMenu

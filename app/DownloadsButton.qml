@@ -11,10 +11,10 @@ IconButton {
     onOverlay: true
     iconName: "download"
     checked: downloads.panelShown
-    text: "Downloads"
+    text: qsTr("Downloads")
     shortcutText: "Ctrl+J"
     onClicked: downloads.panelShown = !downloads.panelShown
-    Accessible.description: badge.visible ? badgeText.text + " running" : ""
+    Accessible.description: badge.visible ? qsTr("%n running", "", downloads.list.activeCount) : ""
 
     Connections {
         target: root.downloads

@@ -19,9 +19,9 @@ Item {
         sourceComponent: EmptyState {
             onOverlay: true
             iconName: "film"
-            title: "Nothing is playing"
-            text: "Open a file, paste an address, or drop either of them here."
-            buttonText: "Open Media…"
+            title: qsTr("Nothing is playing")
+            text: qsTr("Open a file, paste an address, or drop either of them here.")
+            buttonText: qsTr("Open Media…")
             onButtonClicked: root.shell.openFile()
         }
     }
@@ -51,7 +51,7 @@ Item {
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: root.player.isBuffering ? "Buffering…" : root.shell.isOpening ? "Opening…" : "Loading playlist…"
+                text: root.player.isBuffering ? qsTr("Buffering…") : root.shell.isOpening ? qsTr("Opening…") : qsTr("Loading playlist…")
                 color: Theme.textOnOverlay
                 font.pixelSize: Theme.fontBody
             }

@@ -17,7 +17,7 @@ Window {
     y: Screen.virtualY + gap
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.WindowDoesNotAcceptFocus
     color: "transparent"
-    title: "Recording"
+    title: qsTr("Recording")
 
     Rectangle {
         anchors.fill: parent
@@ -44,7 +44,7 @@ Window {
             rightPadding: 8
             destructive: true
             onOverlay: true
-            text: "Stop Recording"
+            text: qsTr("Stop Recording")
             onClicked: panel.recording.controller.stopFromPanel()
         }
     }

@@ -11,7 +11,7 @@ T.AbstractButton {
     property bool isAtLiveEdge: false
 
     readonly property bool leadsToLiveEdge: isLiveMark && !isAtLiveEdge
-    readonly property string help: "Go to Live"
+    readonly property string help: qsTr("Go to Live")
 
     implicitWidth: implicitContentWidth
     implicitHeight: implicitContentHeight

@@ -52,27 +52,27 @@ Item {
                 onOverlay: true
                 iconName: "sidebar"
                 checked: root.shell.sidebarVisible
-                text: root.shell.sidebarVisible ? "Hide Sidebar" : "Show Sidebar"
+                text: root.shell.sidebarVisible ? qsTr("Hide Sidebar") : qsTr("Show Sidebar")
                 shortcutText: "Ctrl+B"
                 onClicked: root.shell.sidebarVisible = !root.shell.sidebarVisible
             }
             MenuButton {
-                title: "File"
+                title: qsTr("File")
                 commands: root.commands.file
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                title: "Playback"
+                title: qsTr("Playback")
                 commands: root.commands.playback
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                title: "Library"
+                title: qsTr("Library")
                 commands: root.libraryCommands.all
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                title: "View"
+                title: qsTr("View")
                 commands: root.commands.view
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
@@ -101,7 +101,7 @@ Item {
             }
             onOverlay: true
             iconName: "globe"
-            text: "Find Streams in Web Pages"
+            text: qsTr("Find Streams in Web Pages")
             shortcutText: "Ctrl+Shift+F"
             onClicked: root.commands.finderRequested()
         }

@@ -37,7 +37,7 @@ Rectangle {
         Accessible.name: root.finder.streams.header
         Accessible.description: root.finder.toggleHelp
         onHoveredChanged: hovered
-            ? ToolTips.show(header, root.isExpanded ? "Click to collapse" : root.finder.toggleHelp, "") : ToolTips.hide(header)
+            ? ToolTips.show(header, root.isExpanded ? qsTr("Click to collapse") : root.finder.toggleHelp, "") : ToolTips.hide(header)
 
         background: Rectangle {
             color: header.hovered ? Theme.fillHover : "transparent"
@@ -85,7 +85,7 @@ Rectangle {
 
         IconButton {
             iconName: "open"
-            text: "Save Folder…"
+            text: qsTr("Save Folder…")
             onClicked: root.finder.downloads.chooseSaveFolder()
         }
         IconButton {
@@ -135,7 +135,7 @@ Rectangle {
                 clipboard.text = root.finder.streams.addressAt(index);
                 clipboard.selectAll();
                 clipboard.copy();
-                root.finder.tell("Address copied");
+                root.finder.tell(qsTr("Address copied"));
             }
         }
     }

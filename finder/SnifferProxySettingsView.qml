@@ -77,11 +77,11 @@ Item {
 
                 width: 96
                 clearable: false
-                placeholderText: "Port"
+                placeholderText: qsTr("Port")
                 text: root.manager.portString
                 onTextEdited: root.manager.portString = text
                 onEditingFinished: root.settings.confirm()
-                Accessible.name: "Port"
+                Accessible.name: qsTr("Port")
             }
         }
         Flow {

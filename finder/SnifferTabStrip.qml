@@ -35,7 +35,7 @@ Rectangle {
         highlightFollowsCurrentItem: true
         activeFocusOnTab: true
         Accessible.role: Accessible.PageTabList
-        Accessible.name: "Tabs"
+        Accessible.name: qsTr("Tabs")
         Keys.onLeftPressed: root.tabs.selectRow(root.tabs.selectedRow - 1)
         Keys.onRightPressed: root.tabs.selectRow(root.tabs.selectedRow + 1)
         Keys.onDeletePressed: root.tabs.closeRow(root.tabs.selectedRow)
@@ -111,7 +111,7 @@ Rectangle {
                     focusPolicy: Qt.NoFocus
                     iconName: "close"
                     iconSize: 12
-                    text: "Close Tab"
+                    text: qsTr("Close Tab")
                     shortcutText: tab.isSelected ? "Ctrl+W" : ""
                     onClicked: root.tabs.closeRow(tab.index)
                 }
@@ -123,7 +123,7 @@ Rectangle {
 
         anchors { left: list.right; leftMargin: Theme.spacing; verticalCenter: list.verticalCenter }
         iconName: "plus"
-        text: "Open New Tab (Command-T)"
+        text: qsTr("Open New Tab (Command-T)")
         onClicked: root.newTabRequested()
     }
 }

@@ -71,14 +71,14 @@ Rectangle {
 
             IconButton {
                 iconName: "back"
-                text: "Back"
+                text: qsTr("Back")
                 shortcutText: "Alt+Left"
                 enabled: root.tab.canGoBack
                 onClicked: root.tab.goBack()
             }
             IconButton {
                 iconName: "forward"
-                text: "Forward"
+                text: qsTr("Forward")
                 shortcutText: "Alt+Right"
                 enabled: root.tab.canGoForward
                 onClicked: root.tab.goForward()
@@ -86,7 +86,7 @@ Rectangle {
             IconButton {
                 iconName: root.tab.isLoading ? "close" : "reload"
                 iconSize: root.tab.isLoading ? 16 : Theme.iconSize
-                text: root.tab.isLoading ? "Stop" : "Reload"
+                text: root.tab.isLoading ? qsTr("Stop") : qsTr("Reload")
                 shortcutText: root.tab.isLoading ? "Esc" : "Ctrl+R"
                 enabled: root.tab.isLoading || root.tab.wantsView
                 onClicked: root.tab.isLoading ? root.tab.stopLoading() : root.tab.reload()
@@ -100,7 +100,7 @@ Rectangle {
                 leftMargin: Theme.spacing * 2; rightMargin: Theme.spacing * 2
             }
             iconName: "globe"
-            placeholderText: "Enter the address of a web page"
+            placeholderText: qsTr("Enter the address of a web page")
             errorText: root.tab.errorMessage
             inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoPredictiveText
             onTextEdited: root.tab.address = text
@@ -114,7 +114,7 @@ Rectangle {
                 root.tab.address = root.tab.shownPage.toString();
                 root.pageWanted();
             }
-            Accessible.name: "Address"
+            Accessible.name: qsTr("Address")
 
             // Typing breaks a plain binding.
             Binding on text {

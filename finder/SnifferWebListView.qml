@@ -26,8 +26,8 @@ Item {
 
         anchors { right: parent.right; verticalCenter: tabs.verticalCenter }
 
-        IconButton { iconName: "import"; text: "Import Web List"; onClicked: root.webList.importWebsites() }
-        IconButton { iconName: "export"; text: "Export Web List"; onClicked: root.webList.exportWebsites() }
+        IconButton { iconName: "import"; text: qsTr("Import Web List"); onClicked: root.webList.importWebsites() }
+        IconButton { iconName: "export"; text: qsTr("Export Web List"); onClicked: root.webList.exportWebsites() }
         IconButton {
             iconName: "trash"
             text: root.webList.clearTitle.replace("?", "")
@@ -139,19 +139,19 @@ Item {
                         iconName: "star"
                         iconSize: 16
                         checked: row.isFavorite
-                        text: row.isFavorite ? "Remove from Saved" : "Save"
+                        text: row.isFavorite ? qsTr("Remove from Saved") : qsTr("Save")
                         onClicked: root.webList.toggleFavorite(row.index)
                     }
                     IconButton {
                         iconName: "plus"
                         iconSize: 16
-                        text: "Open in New Tab"
+                        text: qsTr("Open in New Tab")
                         onClicked: root.websiteActivated(row.address, true)
                     }
                     IconButton {
                         iconName: "close"
                         iconSize: 14
-                        text: "Remove"
+                        text: qsTr("Remove")
                         onClicked: root.webList.remove(row.index)
                     }
                 }
@@ -175,7 +175,7 @@ Item {
         sourceComponent: Dialog {
             title: root.webList.clearTitle
             text: root.webList.clearText
-            acceptText: "Clear"
+            acceptText: qsTr("Clear")
             destructive: true
             onAccepted: root.webList.clear()
             onClosed: clearing.active = false

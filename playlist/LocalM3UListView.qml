@@ -82,8 +82,8 @@ Item {
         iconName: "search"
         // With nothing typed it is meant for the list.
         takesMenuKey: text !== ""
-        placeholderText: root.links.count === 1 ? "Search 1 link"
-                       : "Search %1 links".arg(root.links.count.toLocaleString(Qt.locale(), "f", 0))
+        placeholderText: root.links.count === 1 ? qsTr("Search 1 link")
+                       : qsTr("Search %Ln links", "", root.links.count)
         text: root.links.filterText
         onTextEdited: root.links.filterText = text
         onCleared: root.links.filterText = ""
@@ -100,7 +100,7 @@ Item {
             else
                 root.links.filterText = "";
         }
-        Accessible.name: "Search Local M3U"
+        Accessible.name: qsTr("Search Local M3U")
     }
 
     ListView {
@@ -125,7 +125,7 @@ Item {
         T.ScrollBar.vertical: ScrollBar {}
 
         Accessible.role: Accessible.List
-        Accessible.name: "Local M3U"
+        Accessible.name: qsTr("Local M3U")
 
         Keys.onPressed: event => root.handleKey(event)
         Keys.onReturnPressed: root.play()
@@ -204,7 +204,7 @@ Item {
                     visible: row.hovered
                     focusPolicy: Qt.NoFocus
                     iconName: "more"
-                    text: "More"
+                    text: qsTr("More")
                     onClicked: root.askForMenu(row.index, more, 0, more.height)
                 }
             }
@@ -219,7 +219,7 @@ Item {
         }
         visible: root.links.matchCount === 0 && root.links.filterText !== ""
         iconName: "search"
-        title: "No matches"
-        text: "No name or category contains “%1”.".arg(root.links.filterText)
+        title: qsTr("No matches")
+        text: qsTr("No name or category contains “%1”.").arg(root.links.filterText)
     }
 }
