@@ -20,11 +20,11 @@ RecordingModel::RecordingModel(PlayerRecordingController &controller, PlayerMode
     connect(&controller, &PlayerRecordingController::requiresScreenRecordingPermissionChanged, this,
             &RecordingModel::noticeChanged);
     connect(&controller, &PlayerRecordingController::saved, this, [this] {
-        showNotice(QStringLiteral("The MP4 recording was saved."), false);
+        showNotice(tr("The MP4 recording was saved."), false);
         m_hiding.start(noticeDuration, [this] { dismissNotice(); });
     });
     connect(&controller, &PlayerRecordingController::audioBecameUnavailable, this, [&player] {
-        player.showToast(QStringLiteral("Recording without sound: there is no audio output."),
+        player.showToast(tr("Recording without sound: there is no audio output."),
                          PlayerModel::toastDuration);
     });
 }
@@ -40,11 +40,11 @@ QString RecordingModel::buttonText() const
     switch (m_controller.state()) {
     case PlayerRecordingState::idle:
     case PlayerRecordingState::preparing:
-        return QStringLiteral("Record");
+        return tr("Record");
     case PlayerRecordingState::recording:
-        return QStringLiteral("Stop Recording");
+        return tr("Stop Recording");
     case PlayerRecordingState::stopping:
-        return QStringLiteral("Saving Recording…");
+        return tr("Saving Recording…");
     }
     Q_UNREACHABLE();
 }

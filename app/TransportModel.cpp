@@ -64,7 +64,7 @@ QString TransportModel::positionText() const
 QString TransportModel::endText() const
 {
     if (isLive())
-        return QStringLiteral("LIVE");
+        return tr("LIVE");
     return m_player.duration() > 0 ? formatTime(m_player.duration()) : QString();
 }
 

@@ -150,8 +150,8 @@ void SnifferViewModel::setStreamsExpanded(bool expanded)
 
 QString SnifferViewModel::toggleHelp() const
 {
-    return m_isStreamsExpanded ? QStringLiteral("Collapse Detected Streams (-)")
-                               : QStringLiteral("Expand Detected Streams (+)");
+    return m_isStreamsExpanded ? tr("Collapse Detected Streams (-)")
+                               : tr("Expand Detected Streams (+)");
 }
 
 // Files
@@ -176,10 +176,10 @@ Task<> SnifferViewModel::choosePlace(int saving, QString proposedName)
     const std::stop_token stop = m_lifetime.get_token();
     // A server's name for it is only a name.
     const QString name = QFileInfo(proposedName).fileName();
-    const SavePanelRequest panel{.title = QStringLiteral("Save File"),
-                                 .prompt = QStringLiteral("Save"),
+    const SavePanelRequest panel{.title = tr("Save File"),
+                                 .prompt = tr("Save"),
                                  .proposedName = name.isEmpty() ? QStringLiteral("download") : name,
-                                 .typeDescription = QStringLiteral("All files"),
+                                 .typeDescription = tr("All files"),
                                  .extension = {}};
     const std::optional<QUrl> file = co_await m_parts.panels.chooseNewFile(panel, stop);
     if (stop.stop_requested() || !m_savings.contains(saving))
@@ -217,10 +217,10 @@ Task<> SnifferViewModel::moveSaved(int number)
         co_return;
     const QString name = QFileInfo(saving.place).fileName();
     if (moved) {
-        Q_EMIT notice(u"Saved: " + name);
+        Q_EMIT notice(tr("Saved: %1").arg(name));
         co_return;
     }
-    Q_EMIT notice(u"Could not save " + name + u": " + moved.error().description);
+    Q_EMIT notice(tr("Could not save %1: %2").arg(name, moved.error().description));
     // There may be another place for it.
     if (QFile::exists(saving.path)) {
         m_savings.insert(number, {.path = saving.path});
@@ -231,7 +231,7 @@ Task<> SnifferViewModel::moveSaved(int number)
 void SnifferViewModel::abandonSaving(int saving, const QString &reason)
 {
     if (m_savings.remove(saving) && !reason.isEmpty())
-        Q_EMIT notice(u"Could not save the file: " + reason);
+        Q_EMIT notice(tr("Could not save the file: %1").arg(reason));
 }
 
 } // namespace lumaro

@@ -2,6 +2,7 @@
 
 #include "platform/ffmpeg/Mp4Remuxer.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include <array>
@@ -15,11 +16,14 @@ namespace {
 QString sentence(int error)
 {
     if (error == AVERROR(ENOSPC) || error == AVERROR(EDQUOT))
-        return QStringLiteral(
+        return QCoreApplication::translate(
+            "FfmpegAssetWriter",
             "The disk is full. The recording was stopped, and what was recorded is kept.");
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(error, text.data(), text.size());
-    return u"The recording could not be written: " + QString::fromLocal8Bit(text.data()) + u'.';
+    return QCoreApplication::translate("FfmpegAssetWriter",
+                                       "The recording could not be written: %1.")
+        .arg(QString::fromLocal8Bit(text.data()));
 }
 
 } // namespace

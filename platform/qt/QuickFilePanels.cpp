@@ -38,7 +38,7 @@ Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
                  .title = request.title,
                  .prompt = request.prompt,
                  .nameFilters = {nameFilter(request.typeDescription, request.extensions),
-                                 QStringLiteral("All files (*)")}},
+                                 tr("All files (*)")}},
                 std::move(stop));
 }
 

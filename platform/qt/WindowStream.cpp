@@ -171,7 +171,8 @@ WindowStream::~WindowStream()
 Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
 {
     if (!m_window)
-        co_return std::unexpected(QStringLiteral("The window to capture is gone."));
+        co_return std::unexpected(
+            QCoreApplication::translate("WindowStream", "The window to capture is gone."));
     updateSource();
     const auto height = std::make_shared<int>(0);
     QQuickWindow *const window = m_window;
@@ -195,7 +196,7 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
         [grabber = m_grabber, feed = m_feed, failed = m_output.didStopWithError] {
             feed->detachLast();
             grabber->release();
-            failed(QStringLiteral("The window is no longer drawn."));
+            failed(QCoreApplication::translate("WindowStream", "The window is no longer drawn."));
         },
         Qt::DirectConnection);
     if (m_configuration.capturesAudio)
