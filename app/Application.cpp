@@ -6,7 +6,9 @@
 #include "platform/qt/ThreadQueue.h"
 #include "ui/Style.h"
 
+#include <QCoreApplication>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QLibrary>
 #include <QQmlComponent>
 #include <QQuickWindow>
@@ -85,10 +87,8 @@ Application::Application(const Folders &folders)
                      [this] { m_channels.setCurrentEntry(m_window.currentChannel()); });
     QObject::connect(&m_commands, &MenuCommands::quitRequested, qGuiApp, &QGuiApplication::quit,
                      Qt::QueuedConnection);
-    QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController, [this] {
-        if (loadFinder())
-            m_finderController.show();
-    });
+    QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController,
+                     [this] { showFinder(); });
     // What scripts of the views still hold of a tab's engine goes with the tab.
     QObject::connect(
         m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine,
@@ -106,6 +106,7 @@ Application::Application(const Folders &folders)
 bool Application::show()
 {
     applyStyle();
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/lumaro/lumaro.svg")));
     m_engine.setNetworkAccessManagerFactory(&m_pictureAccess);
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     const auto object = [](auto &model) { return QVariant::fromValue(&model); };
@@ -131,6 +132,12 @@ bool Application::show()
     return window;
 }
 
+void Application::showFinder()
+{
+    if (loadFinder())
+        m_finderController.show();
+}
+
 bool Application::loadFinder()
 {
     if (m_finderWindow)
@@ -138,8 +145,9 @@ bool Application::loadFinder()
     QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
     if (!browser.load()) {
         qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
-        m_player.showToast(QStringLiteral("The stream finder could not be loaded."),
-                           PlayerModel::toastDuration);
+        m_player.showToast(
+            QCoreApplication::translate("Application", "The stream finder could not be loaded."),
+            PlayerModel::toastDuration);
         return false;
     }
     QQmlComponent component(&m_engine,
@@ -215,6 +223,19 @@ void Application::open(const QString &fileOrAddress, const QString &workingFolde
 void VarnApplicationDelegate::install()
 {
     qGuiApp->setQuitOnLastWindowClosed(true);
+    const auto delegate = new VarnApplicationDelegate;
+    delegate->setParent(qGuiApp);
+    qGuiApp->installEventFilter(delegate);
+}
+
+bool VarnApplicationDelegate::eventFilter(QObject *, QEvent *event)
+{
+    if (event->type() != QEvent::Quit)
+        return false;
+    for (QWindow *const window : QGuiApplication::topLevelWindows())
+        window->close();
+    QCoreApplication::exit();
+    return true;
 }
 
 } // namespace lumaro
