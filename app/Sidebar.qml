@@ -34,6 +34,7 @@ Rectangle {
             { "text": qsTr("Local M3U"), "iconName": "library" }
         ]
         currentIndex: root.shell.sidebarSection
+        name: qsTr("Sections")
         onActivated: index => root.shell.sidebarSection = index
     }
 

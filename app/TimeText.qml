@@ -18,8 +18,11 @@ T.AbstractButton {
     enabled: leadsToLiveEdge
     hoverEnabled: true
     focusPolicy: leadsToLiveEdge ? Qt.TabFocus : Qt.NoFocus
+    visible: text !== ""
+    Accessible.name: text
     Accessible.role: isLiveMark ? Accessible.Button : Accessible.StaticText
     Accessible.description: leadsToLiveEdge ? help : ""
+    Accessible.onPressAction: if (enabled) clicked()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) root.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) root.clicked(); }

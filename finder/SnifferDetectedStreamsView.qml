@@ -36,6 +36,7 @@ Rectangle {
         Keys.onEnterPressed: clicked()
         Accessible.name: root.finder.streams.header
         Accessible.description: root.finder.toggleHelp
+        Accessible.onPressAction: if (enabled) clicked()
         onHoveredChanged: hovered
             ? ToolTips.show(header, root.isExpanded ? qsTr("Click to collapse") : root.finder.toggleHelp, "") : ToolTips.hide(header)
 

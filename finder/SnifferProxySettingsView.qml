@@ -55,6 +55,7 @@ Item {
             width: parent.width
             model: root.settings.proxyTypes.map(label => ({ "text": label }))
             currentIndex: root.manager.proxyType
+            name: qsTr("Proxy Type")
             onActivated: index => root.settings.chooseType(index)
         }
 

@@ -57,6 +57,7 @@ Rectangle {
             Accessible.role: Accessible.PageTab
             Accessible.name: title
             Accessible.selected: isSelected
+            Accessible.onPressAction: root.tabs.selectedRow = index
 
             TapHandler {
                 acceptedButtons: Qt.MiddleButton

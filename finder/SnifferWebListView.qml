@@ -19,6 +19,7 @@ Item {
         anchors { left: parent.left; right: actions.left; top: parent.top; rightMargin: Theme.spacing * 2 }
         model: root.webList.filterTabs.map(title => ({ "text": title }))
         currentIndex: root.webList.filterTab
+        name: qsTr("Websites")
         onActivated: index => root.webList.filterTab = index
     }
     Row {
@@ -92,6 +93,7 @@ Item {
             Accessible.role: Accessible.ListItem
             Accessible.name: title
             Accessible.description: address
+            Accessible.onPressAction: root.websiteActivated(address, false)
 
             TapHandler {
                 acceptedButtons: Qt.MiddleButton

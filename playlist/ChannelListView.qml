@@ -157,6 +157,7 @@ Item {
             Accessible.name: isGroup ? qsTr("%1, %n channels", "", channelCount).arg(name) : name
             Accessible.description: isGroup ? "" : [country, group].filter(t => t !== "").join(", ")
             Accessible.selected: ListView.isCurrentItem
+            Accessible.onPressAction: if (enabled) clicked()
 
             background: Rectangle {
                 anchors { fill: parent; leftMargin: Theme.spacing; rightMargin: Theme.spacing }

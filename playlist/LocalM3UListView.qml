@@ -170,6 +170,7 @@ Item {
             Accessible.name: name
             Accessible.description: [country, group].filter(t => t !== "").join(", ")
             Accessible.selected: isSelected
+            Accessible.onPressAction: if (enabled) clicked()
 
             background: Rectangle {
                 anchors { fill: parent; leftMargin: Theme.spacing; rightMargin: Theme.spacing }
