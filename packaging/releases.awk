@@ -12,13 +12,28 @@ function escaped(text) {
     return text
 }
 
+# Lines of at most 78 characters, the later ones indented.
+function wrapped(bullet, text,    words, count, i, line, lines) {
+    count = split(text, words, " ")
+    line = bullet words[1]
+    for (i = 2; i <= count; ++i) {
+        if (length(line) + 1 + length(words[i]) > 78) {
+            lines = lines line "\n"
+            line = "    " words[i]
+        } else {
+            line = line " " words[i]
+        }
+    }
+    return lines line
+}
+
 function endItem() {
     if (item == "")
         return
     if (format == "appstream")
         print "          <li>" escaped(item) "</li>"
     else
-        print "  * " escaped(item)
+        print wrapped("  * ", escaped(item))
     item = ""
 }
 
@@ -64,7 +79,7 @@ number == "" { next }
     item = substr($0, 3)
     next
 }
-/^  [^ ]/ && item != "" { item = item (format == "appstream" ? " " : "\n    ") substr($0, 3); next }
+/^  [^ ]/ && item != "" { item = item " " substr($0, 3); next }
 { endItem() }
 
 END { endRelease() }
