@@ -30,7 +30,7 @@ IconButton {
 
         anchors { right: parent.right; top: parent.top }
         width: Math.max(height, badgeText.implicitWidth + 8)
-        height: 16
+        height: Theme.roomFor(16, 1)
         radius: height / 2
         visible: root.downloads.list.activeCount > 0
         color: Theme.accent

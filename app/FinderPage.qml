@@ -125,7 +125,7 @@ FocusScope {
 
     Rectangle {
         anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 48
+        height: Theme.roomFor(48, 1)
         visible: view.questions.length > 0
         color: Theme.surfaceRaised
 

@@ -12,7 +12,7 @@ Window {
     readonly property int gap: 18
 
     width: recording.controller.recordingPanelWidth
-    height: 48
+    height: Theme.roomFor(48, 1)
     x: Screen.virtualX + Screen.desktopAvailableWidth - width - gap
     y: Screen.virtualY + gap
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.WindowDoesNotAcceptFocus
@@ -35,11 +35,11 @@ Window {
             text: panel.recording.controller.durationLabel
             textFormat: Text.PlainText
             color: "white"
-            font { pixelSize: 12; weight: Font.DemiBold }
+            font { pixelSize: Theme.fontSmall; weight: Font.DemiBold }
         }
         Button {
             anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
-            implicitHeight: 28
+            implicitHeight: Theme.roomFor(28, 1)
             leftPadding: 8
             rightPadding: 8
             destructive: true

@@ -18,7 +18,7 @@ Item {
     readonly property bool inUse: hover.hovered || openMenus > 0 || downloads.panelShown
     property int openMenus: 0
 
-    implicitHeight: 56
+    implicitHeight: Theme.roomFor(56, 1)
     opacity: shown ? 1 : 0
     visible: opacity > 0
     Behavior on opacity { NumberAnimation { duration: Theme.durationShort } }

@@ -14,7 +14,7 @@ Item {
     signal stopped()
     signal revealed()
 
-    implicitHeight: 56
+    implicitHeight: Theme.roomFor(56, 2)
 
     Column {
         anchors {

@@ -102,7 +102,7 @@ Item {
             required property string deleteHelp
 
             width: ListView.view.width
-            height: 40
+            height: Theme.roomFor(40, 1)
             Accessible.role: Accessible.ListItem
             Accessible.name: domain
 

@@ -28,7 +28,7 @@ Rectangle {
         id: header
 
         anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 44
+        height: Theme.roomFor(44, 1)
         hoverEnabled: true
         focusPolicy: Qt.TabFocus
         onClicked: root.finder.isStreamsExpanded = !root.isExpanded
@@ -66,8 +66,8 @@ Rectangle {
                 anchors { left: title.right; leftMargin: Theme.spacing * 2; verticalCenter: parent.verticalCenter }
                 visible: !root.isEmpty
                 width: Math.max(height, number.implicitWidth + 12)
-                height: 20
-                radius: 10
+                height: Theme.roomFor(20, 1)
+                radius: height / 2
                 color: Theme.accent
 
                 Text {

@@ -25,7 +25,7 @@ Item {
     signal saved()
     signal copied()
 
-    implicitHeight: 60
+    implicitHeight: Theme.roomFor(60, 2)
 
     Accessible.role: Accessible.ListItem
     Accessible.name: name
@@ -44,7 +44,7 @@ Item {
 
         anchors { left: parent.left; leftMargin: Theme.spacing * 4; verticalCenter: parent.verticalCenter }
         width: 60
-        height: 22
+        height: Theme.roomFor(22, 1)
         radius: Theme.radiusSmall
         color: Theme.accentSoft
 

@@ -14,7 +14,7 @@ Rectangle {
 
     readonly property real tabWidth: Math.max(112, Math.min(240, (width - add.width - 24) / Math.max(1, tabs.count)))
 
-    implicitHeight: 44
+    implicitHeight: Theme.roomFor(44, 1)
     color: Theme.background
 
     ListView {

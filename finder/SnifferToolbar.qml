@@ -62,7 +62,7 @@ Rectangle {
         id: bar
 
         anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 52
+        height: Theme.roomFor(52, 1)
 
         Row {
             id: leading
@@ -187,7 +187,7 @@ Rectangle {
         id: error
 
         anchors { left: parent.left; right: parent.right; top: bar.bottom }
-        height: 32
+        height: Theme.roomFor(32, 1)
         visible: root.tab.errorMessage !== ""
 
         Icon {

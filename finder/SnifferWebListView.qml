@@ -86,7 +86,7 @@ Item {
             required property string visits
 
             width: ListView.view.width
-            height: 52
+            height: Theme.roomFor(52, 2)
             hoverEnabled: true
             focusPolicy: Qt.NoFocus
             onClicked: root.websiteActivated(address, false)

@@ -92,7 +92,7 @@ Item {
     ListView {
         id: list
 
-        readonly property int rowHeight: 52
+        readonly property int rowHeight: Theme.roomFor(52, 2)
         // While rows fly past, their logos are not worth fetching.
         readonly property bool isHurried: Math.abs(verticalVelocity) > 3000
 

@@ -21,7 +21,7 @@ T.MenuItem {
     readonly property bool hasLeading: checkable || iconName !== ""
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: 32 + groupGap
+    implicitHeight: Theme.roomFor(32, 1) + groupGap
     topPadding: groupGap
     topInset: groupGap
     leftPadding: 10
