@@ -12,15 +12,15 @@ Dialog {
     readonly property real listHeight: Math.max(120, Math.min(360, (parent ? parent.height : 600) - 256))
 
     width: Math.min(660, parent ? parent.width - 48 : 660)
-    title: "Lumaro " + help.version
-    text: "A media player for the desktop. Free software under the GNU General Public License, version 3 or later, and without any warranty."
-    acceptText: "Close"
+    title: qsTr("Lumaro ") + help.version
+    text: qsTr("A media player for the desktop. Free software under the GNU General Public License, version 3 or later, and without any warranty.")
+    acceptText: qsTr("Close")
     cancelText: ""
     onAboutToShow: showsLicence = false
 
     TextButton {
         x: -10
-        text: dialog.showsLicence ? "Show Libraries" : "Show Licence"
+        text: dialog.showsLicence ? qsTr("Show Libraries") : qsTr("Show Licence")
         onClicked: dialog.showsLicence = !dialog.showsLicence
     }
 
@@ -32,7 +32,7 @@ Dialog {
         model: dialog.help.credits
         section.property: "section"
         section.delegate: ListHeading {}
-        Accessible.name: "Libraries"
+        Accessible.name: qsTr("Libraries")
         onAccepted: dialog.accept()
 
         delegate: Item {
@@ -82,8 +82,8 @@ Dialog {
         height: dialog.listHeight
         visible: dialog.showsLicence
         // Paragraphs, so that only those in sight are laid out.
-        model: dialog.showsLicence ? dialog.help.licence.split("\n\n") : []
-        Accessible.name: "Licence"
+        model: dialog.showsLicence ? dialog.help.licence.split(`\n\n`) : []
+        Accessible.name: qsTr("Licence")
         onAccepted: dialog.accept()
 
         delegate: Text {

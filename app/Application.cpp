@@ -7,7 +7,9 @@
 #include "ui/Style.h"
 #include "ui/Theme.h"
 
+#include <QCoreApplication>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QLibrary>
 #include <QQmlComponent>
 #include <QQuickWindow>
@@ -159,6 +161,7 @@ Application::Application(const Folders &folders, const WebServices &services)
 bool Application::show()
 {
     applyStyle();
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/lumaro/lumaro.svg")));
     m_engine.setNetworkAccessManagerFactory(&m_pictureAccess);
     m_engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     const auto object = [](auto &model) { return QVariant::fromValue(&model); };
@@ -250,13 +253,20 @@ bool Application::loadBrowser()
     return false;
 }
 
+void Application::showFinder()
+{
+    if (loadFinder())
+        m_finderController.show();
+}
+
 bool Application::loadFinder()
 {
     if (m_finderWindow)
         return true;
     if (!loadBrowser()) {
-        m_player.showToast(QStringLiteral("The stream finder could not be loaded."),
-                           PlayerModel::toastDuration);
+        m_player.showToast(
+            QCoreApplication::translate("Application", "The stream finder could not be loaded."),
+            PlayerModel::toastDuration);
         return false;
     }
     QQmlComponent component(&m_engine,
@@ -332,6 +342,19 @@ void Application::open(const QString &fileOrAddress, const QString &workingFolde
 void VarnApplicationDelegate::install()
 {
     qGuiApp->setQuitOnLastWindowClosed(true);
+    const auto delegate = new VarnApplicationDelegate;
+    delegate->setParent(qGuiApp);
+    qGuiApp->installEventFilter(delegate);
+}
+
+bool VarnApplicationDelegate::eventFilter(QObject *, QEvent *event)
+{
+    if (event->type() != QEvent::Quit)
+        return false;
+    for (QWindow *const window : QGuiApplication::topLevelWindows())
+        window->close();
+    QCoreApplication::exit();
+    return true;
 }
 
 } // namespace lumaro

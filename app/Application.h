@@ -59,6 +59,8 @@ public:
     bool show();
     /// Brings the main window forward; the desktop may want to see a token of whoever asked for it.
     void bringToFront(const QByteArray &activationToken);
+    /// Shows the stream finder's window, and tells the user when that fails.
+    void showFinder();
     /// Opens a file or an address, told relative to `workingFolder`.
     void open(const QString &fileOrAddress, const QString &workingFolder);
 
@@ -144,11 +146,15 @@ private:
 };
 
 /// The delegate of the application object's own events: the application quits when its last
-/// window closes.
-class VarnApplicationDelegate
+/// window closes, and when it is told to. Windows hear of it but cannot refuse, for the stream
+/// finder's never closes.
+class VarnApplicationDelegate : public QObject
 {
 public:
+    /// The application object owns it.
     static void install();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
 } // namespace lumaro

@@ -9,25 +9,33 @@
 namespace lumaro {
 
 CommandLine::CommandLine()
-    : m_download(QStringLiteral("download"),
-                 QStringLiteral("Save the HLS stream at <address> without opening a window, then "
-                                "print the file's path."),
+    : m_finder(QStringLiteral("finder"),
+               QCoreApplication::translate("CommandLine", "Open the M3U8 Stream Finder too."))
+    , m_download(QStringLiteral("download"),
+                 QCoreApplication::translate(
+                     "CommandLine",
+                     "Save the HLS stream at <address> without opening a window, then "
+                     "print the file's path."),
                  QStringLiteral("address"))
     , m_to(QStringLiteral("to"),
-           QStringLiteral("Save into <folder> rather than the usual save folder."),
+           QCoreApplication::translate("CommandLine",
+                                       "Save into <folder> rather than the usual save folder."),
            QStringLiteral("folder"))
-    , m_name(QStringLiteral("name"), QStringLiteral("Call the saved file <name>."),
+    , m_name(QStringLiteral("name"),
+             QCoreApplication::translate("CommandLine", "Call the saved file <name>."),
              QStringLiteral("name"))
 {
-    m_parser.setApplicationDescription(
-        QStringLiteral("Plays files, streams and IPTV playlists, and saves HLS streams."));
+    m_parser.setApplicationDescription(QCoreApplication::translate(
+        "CommandLine", "Plays files, streams and IPTV playlists, and saves HLS streams."));
     m_parser.addHelpOption();
     m_parser.addVersionOption();
-    m_parser.addOptions({m_download, m_to, m_name});
-    m_parser.addPositionalArgument(QStringLiteral("file|address"),
-                                   QStringLiteral("What to open: a media file, an M3U playlist, "
-                                                  "or an http or https address."),
-                                   QStringLiteral("[file|address]"));
+    m_parser.addOptions({m_finder, m_download, m_to, m_name});
+    m_parser.addPositionalArgument(
+        QStringLiteral("file|address"),
+        QCoreApplication::translate("CommandLine",
+                                    "What to open: a media file, an M3U playlist, "
+                                    "or an http or https address."),
+        QStringLiteral("[file|address]"));
 }
 
 void CommandLine::process()
@@ -43,12 +51,13 @@ void CommandLine::process()
 QString CommandLine::contradiction() const
 {
     if (!m_parser.isSet(m_download))
-        return folder() || name() ? QStringLiteral("--to and --name go with --download.")
-                                  : QString();
-    if (m_parser.values(m_download).size() > 1 || !filesAndAddresses().isEmpty())
-        return QStringLiteral("--download takes one address.");
+        return folder() || name()
+            ? QCoreApplication::translate("CommandLine", "--to and --name go with --download.")
+            : QString();
+    if (m_parser.values(m_download).size() > 1 || wantsFinder() || !filesAndAddresses().isEmpty())
+        return QCoreApplication::translate("CommandLine", "--download takes one address.");
     if (folder() && folder()->isEmpty())
-        return QStringLiteral("--to needs a folder.");
+        return QCoreApplication::translate("CommandLine", "--to needs a folder.");
     return {};
 }
 

@@ -15,6 +15,8 @@ public:
     /// Reads the application's arguments, answers --help and --version itself, and ends the process
     /// over what it does not know or what contradicts itself.
     void process();
+    /// Reads what another start was given; what this does not know does not matter.
+    void parse(const QStringList &arguments) { m_parser.parse(arguments); }
     /// True unless something is asked for that needs no display. Needs no application object.
     bool wantsWindow(int argc, char *argv[]);
 
@@ -22,6 +24,7 @@ public:
     /// Where a download shall go, and its name, if told.
     std::optional<QString> folder() const { return optionalValue(m_to); }
     std::optional<QString> name() const { return optionalValue(m_name); }
+    bool wantsFinder() const { return m_parser.isSet(m_finder); }
     QStringList filesAndAddresses() const { return m_parser.positionalArguments(); }
 
 private:
@@ -29,6 +32,7 @@ private:
     QString contradiction() const;
     std::optional<QString> optionalValue(const QCommandLineOption &option) const;
 
+    QCommandLineOption m_finder;
     QCommandLineOption m_download;
     QCommandLineOption m_to;
     QCommandLineOption m_name;

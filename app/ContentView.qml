@@ -135,15 +135,15 @@ FocusScope {
 
                 objectName: "displayModeButton"
                 choices: root.commands.displayModes
-                obstacle: root.player.showsWebContent ? "Display modes are for files and streams." : ""
+                obstacle: root.player.showsWebContent ? qsTr("Display modes are for files and streams.") : ""
             }
             IconButton {
                 onOverlay: true
                 iconName: "star"
                 checked: root.library.isCurrentSaved
                 enabled: root.library.canSaveCurrent || obstacle !== ""
-                obstacle: root.player.showsWebContent ? "Local M3U is for files and streams." : ""
-                text: root.library.isCurrentSaved ? "Show in Local M3U" : "Save to Local M3U"
+                obstacle: root.player.showsWebContent ? qsTr("Local M3U is for files and streams.") : ""
+                text: root.library.isCurrentSaved ? qsTr("Show in Local M3U") : qsTr("Save to Local M3U")
                 shortcutText: "Ctrl+D"
                 onClicked: root.library.saveCurrent()
             }
@@ -251,7 +251,7 @@ FocusScope {
             anchors.centerIn: parent
             onOverlay: true
             iconName: "open"
-            title: "Drop to play"
+            title: qsTr("Drop to play")
         }
     }
 }

@@ -63,7 +63,7 @@ Rectangle {
                 value: root.transport.position
                 previewText: root.transport.previewText(hoverValue)
                 onCommitted: value => root.player.seek(value)
-                Accessible.name: "Position"
+                Accessible.name: qsTr("Position")
                 Accessible.description: root.transport.obstacle
             }
             // A bar that is disabled sees no pointer.
@@ -104,7 +104,7 @@ Rectangle {
                 IconButton {
                     onOverlay: true
                     iconName: root.player.isMuted ? "volume-mute" : root.player.volume < 0.5 ? "volume-low" : "volume-high"
-                    text: root.player.isMuted ? "Unmute" : "Mute"
+                    text: root.player.isMuted ? qsTr("Unmute") : qsTr("Mute")
                     shortcutText: "Ctrl+M"
                     onClicked: root.player.toggleMute()
                 }
@@ -118,7 +118,7 @@ Rectangle {
                     to: 1
                     value: root.player.isMuted ? 0 : root.player.volume
                     onMoved: root.player.setVolume(value)
-                    Accessible.name: "Volume"
+                    Accessible.name: qsTr("Volume")
                     shortcutText: "Up, Down"
                 }
             }
@@ -130,7 +130,7 @@ Rectangle {
                 }
                 onOverlay: true
                 iconName: "stop"
-                text: "Stop"
+                text: qsTr("Stop")
                 shortcutText: "Ctrl+K"
                 onClicked: root.player.stop()
             }
@@ -144,7 +144,7 @@ Rectangle {
                     anchors.verticalCenter: parent.verticalCenter
                     onOverlay: true
                     iconName: "skip-back"
-                    text: "Back 5 Seconds"
+                    text: qsTr("Back 5 Seconds")
                     shortcutText: "Left"
                     onClicked: root.player.skip(-5)
                 }
@@ -154,7 +154,7 @@ Rectangle {
                     prominent: true
                     onOverlay: true
                     iconName: root.player.isPlaying ? "pause" : "play"
-                    text: root.player.isPlaying ? "Pause" : "Play"
+                    text: root.player.isPlaying ? qsTr("Pause") : qsTr("Play")
                     shortcutText: "Space"
                     onClicked: root.player.togglePlayback()
                 }
@@ -162,7 +162,7 @@ Rectangle {
                     anchors.verticalCenter: parent.verticalCenter
                     onOverlay: true
                     iconName: "skip-forward"
-                    text: "Forward 5 Seconds"
+                    text: qsTr("Forward 5 Seconds")
                     shortcutText: "Right"
                     onClicked: root.player.skip(5)
                 }
@@ -180,7 +180,7 @@ Rectangle {
                 IconButton {
                     onOverlay: true
                     iconName: root.shell.isFullScreen ? "fullscreen-exit" : "fullscreen"
-                    text: root.shell.isFullScreen ? "Exit Full Screen" : "Enter Full Screen"
+                    text: root.shell.isFullScreen ? qsTr("Exit Full Screen") : qsTr("Enter Full Screen")
                     shortcutText: "F"
                     onClicked: root.shell.isFullScreen = !root.shell.isFullScreen
                 }

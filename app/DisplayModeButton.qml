@@ -11,7 +11,7 @@ IconButton {
 
     onOverlay: true
     iconName: "display-mode"
-    text: "Video display mode"
+    text: qsTr("Video display mode")
     shortcutText: "Ctrl+1 … Ctrl+5"
     Accessible.description: chosenTitle()
     checked: choices.length > 0 && !choices[0].isChecked

@@ -11,10 +11,10 @@ IconButton {
     onOverlay: true
     iconName: "download"
     checked: downloads.panelShown
-    text: "Downloads"
+    text: qsTr("Downloads")
     shortcutText: "Ctrl+J"
     onClicked: downloads.panelShown = !downloads.panelShown
-    Accessible.description: badge.visible ? badgeText.text + " running" : ""
+    Accessible.description: badge.visible ? qsTr("%n running", "", downloads.list.activeCount) : ""
 
     Connections {
         target: root.downloads
@@ -30,7 +30,7 @@ IconButton {
 
         anchors { right: parent.right; top: parent.top }
         width: Math.max(height, badgeText.implicitWidth + 8)
-        height: 16
+        height: Theme.roomFor(16, 1)
         radius: height / 2
         visible: root.downloads.list.activeCount > 0
         color: Theme.accent

@@ -55,7 +55,7 @@ void DownloadsModel::downloadStream()
     } else if (isStream(m_player.currentURL())) {
         setPanelShown(true);
     } else {
-        m_player.showToast(QStringLiteral("Only an HLS stream that plays can be downloaded."),
+        m_player.showToast(tr("Only an HLS stream that plays can be downloaded."),
                            PlayerModel::toastDuration);
     }
 }

@@ -55,7 +55,7 @@ T.Popup {
             Text {
                 id: heading
 
-                text: "Downloads"
+                text: qsTr("Downloads")
                 textFormat: Text.PlainText
                 color: Theme.text
                 font { pixelSize: Theme.fontTitle; weight: Font.DemiBold }
@@ -66,7 +66,7 @@ T.Popup {
                 focus: true
                 enabled: root.downloads.canDownloadStream
                 iconName: "download"
-                text: "Download This Stream"
+                text: qsTr("Download This Stream")
                 shortcutText: "Ctrl+Shift+D"
                 onClicked: root.downloads.downloadStream()
             }
@@ -90,7 +90,7 @@ T.Popup {
 
                     anchors { right: parent.right; verticalCenter: parent.verticalCenter }
                     iconName: "close"
-                    text: "Dismiss"
+                    text: qsTr("Dismiss")
                     onClicked: root.downloads.manager.dismissError()
                 }
             }
@@ -103,7 +103,7 @@ T.Popup {
             Text {
                 width: parent.width
                 visible: root.downloads.list.count === 0
-                text: "No downloads yet. An HLS stream that plays can be saved from here."
+                text: qsTr("No downloads yet. An HLS stream that plays can be saved from here.")
                 textFormat: Text.PlainText
                 wrapMode: Text.Wrap
                 lineHeight: 1.3
@@ -139,14 +139,14 @@ T.Popup {
                     color: Theme.textSecondary
                     font.pixelSize: Theme.fontSmall
                     Accessible.role: Accessible.StaticText
-                    Accessible.name: "Save Folder"
+                    Accessible.name: qsTr("Save Folder")
                     Accessible.description: text
                 }
                 TextButton {
                     id: change
 
                     anchors { right: parent.right; rightMargin: -Theme.spacing * 2 }
-                    text: "Save Folder…"
+                    text: qsTr("Save Folder…")
                     onClicked: root.downloads.manager.chooseSaveFolder()
                 }
             }

@@ -40,7 +40,7 @@ Item {
                 return;
             replacing.active = true;
             const dialog = replacing.item as Dialog;
-            dialog.text = "“%1” exists already. Replacing it loses what is in it."
+            dialog.text = qsTr("“%1” exists already. Replacing it loses what is in it.")
                 .arg(host.panels.proposedName);
             dialog.open();
         }
@@ -82,8 +82,8 @@ Item {
         sourceComponent: Dialog {
             property bool isAgreed: false
 
-            title: "Replace File?"
-            acceptText: "Replace"
+            title: qsTr("Replace File?")
+            acceptText: qsTr("Replace")
             destructive: true
             onAccepted: isAgreed = true
             onRejected: isAgreed = false

@@ -44,14 +44,14 @@ FocusScope {
             questions = questions.slice(1);
             answerPermission(question.origin, question.feature, allowed);
         }
-        function featureName(feature: int): string {
+        function wish(feature: int): string {
             switch (feature) {
-            case WebEngineView.MediaAudioCapture: return "use the microphone";
-            case WebEngineView.MediaVideoCapture: return "use the camera";
-            case WebEngineView.MediaAudioVideoCapture: return "use the camera and the microphone";
-            case WebEngineView.Geolocation: return "know where you are";
-            case WebEngineView.Notifications: return "show notifications";
-            default: return "see your screen";
+            case WebEngineView.MediaAudioCapture: return qsTr("%1 wants to use the microphone.");
+            case WebEngineView.MediaVideoCapture: return qsTr("%1 wants to use the camera.");
+            case WebEngineView.MediaAudioVideoCapture: return qsTr("%1 wants to use the camera and the microphone.");
+            case WebEngineView.Geolocation: return qsTr("%1 wants to know where you are.");
+            case WebEngineView.Notifications: return qsTr("%1 wants to show notifications.");
+            default: return qsTr("%1 wants to see your screen.");
             }
         }
 
@@ -118,7 +118,7 @@ FocusScope {
             id: hintText
 
             anchors.centerIn: parent
-            text: "%1 fills the screen. Press Escape to leave.".arg(view.url.toString().split("/")[2] ?? "")
+            text: qsTr("%1 fills the screen. Press Escape to leave.").arg(view.url.toString().split("/")[2] ?? "")
             textFormat: Text.PlainText
             color: Theme.textOnOverlay
             font.pixelSize: Theme.fontBody
@@ -151,12 +151,12 @@ FocusScope {
             anchors.centerIn: parent
             width: Math.min(parent.width - 64, 420)
             iconName: "alert"
-            title: failure.isRefused ? "This connection is not safe" : "This page has crashed"
+            title: failure.isRefused ? qsTr("This connection is not safe") : qsTr("This page has crashed")
             text: failure.isRefused
-                ? "The server at %1 could not prove who it is, so nothing was loaded from it. (%2)"
+                ? qsTr("The server at %1 could not prove who it is, so nothing was loaded from it. (%2)")
                     .arg(view.refusedAddress).arg(view.refusal)
-                : "Other tabs are not affected."
-            buttonText: failure.isRefused ? "Try Again" : "Reload"
+                : qsTr("Other tabs are not affected.")
+            buttonText: failure.isRefused ? qsTr("Try Again") : qsTr("Reload")
             onButtonClicked: {
                 view.refusedAddress = "";
                 view.hasCrashed = false;
@@ -167,7 +167,7 @@ FocusScope {
 
     Rectangle {
         anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 48
+        height: Theme.roomFor(48, 1)
         visible: view.questions.length > 0
         color: Theme.surfaceRaised
 
@@ -177,7 +177,7 @@ FocusScope {
                 leftMargin: Theme.spacing * 4; rightMargin: Theme.spacing * 3
             }
             text: view.questions.length > 0
-                ? "%1 wants to %2.".arg(view.questions[0].origin).arg(view.featureName(view.questions[0].feature)) : ""
+                ? view.wish(view.questions[0].feature).arg(view.questions[0].origin) : ""
             textFormat: Text.PlainText
             // Who asks is told by the end of a host.
             elide: Text.ElideLeft
@@ -198,7 +198,7 @@ FocusScope {
             enabled: !unarmed.running
 
             anchors { right: block.left; rightMargin: Theme.spacing * 2; verticalCenter: parent.verticalCenter }
-            text: "Allow"
+            text: qsTr("Allow")
             onClicked: view.answer(true)
         }
         Button {
@@ -206,7 +206,7 @@ FocusScope {
 
             objectName: "blockButton"
             anchors { right: parent.right; rightMargin: Theme.spacing * 3; verticalCenter: parent.verticalCenter }
-            text: "Block"
+            text: qsTr("Block")
             primary: true
             onClicked: view.answer(false)
         }
@@ -251,40 +251,40 @@ FocusScope {
         active: false
         sourceComponent: Menu {
             MenuItem {
-                text: "Back"
+                text: qsTr("Back")
                 iconName: "back"
                 shortcutText: "Alt+Left"
                 enabled: view.canGoBack
                 onTriggered: root.manager.goBack()
             }
             MenuItem {
-                text: "Forward"
+                text: qsTr("Forward")
                 iconName: "forward"
                 shortcutText: "Alt+Right"
                 enabled: view.canGoForward
                 onTriggered: root.manager.goForward()
             }
             MenuItem {
-                text: "Reload"
+                text: qsTr("Reload")
                 iconName: "reload"
                 shortcutText: "Ctrl+R"
                 onTriggered: root.manager.reload()
             }
             MenuItem {
-                text: "Open Link in New Tab"
+                text: qsTr("Open Link in New Tab")
                 iconName: "plus"
                 startsGroup: true
                 enabled: pageMenu.link.toString() !== ""
                 onTriggered: root.finder.openInNewTab(pageMenu.link)
             }
             MenuItem {
-                text: "Copy Link Address"
+                text: qsTr("Copy Link Address")
                 iconName: "link"
                 enabled: pageMenu.link.toString() !== ""
                 onTriggered: view.triggerWebAction(WebEngineView.CopyLinkToClipboard)
             }
             MenuItem {
-                text: "Copy"
+                text: qsTr("Copy")
                 iconName: "copy"
                 shortcutText: "Ctrl+C"
                 startsGroup: true
@@ -292,7 +292,7 @@ FocusScope {
                 onTriggered: view.triggerWebAction(WebEngineView.Copy)
             }
             MenuItem {
-                text: "Paste"
+                text: qsTr("Paste")
                 shortcutText: "Ctrl+V"
                 enabled: pageMenu.isEditable
                 onTriggered: view.triggerWebAction(WebEngineView.Paste)

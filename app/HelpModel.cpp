@@ -13,9 +13,9 @@ QList<TextRows::Row> libraryCredits()
     const auto row = [](const QString &name, const QString &licence, const QString &use) {
         return TextRows::Row{use, name, licence};
     };
-    const QString playing = QStringLiteral("Playing");
-    const QString window = QStringLiteral("Window and Browser");
-    const QString recording = QStringLiteral("Recording and Saving");
+    const QString playing = HelpModel::tr("Playing");
+    const QString window = HelpModel::tr("Window and Browser");
+    const QString recording = HelpModel::tr("Recording and Saving");
     return {
         row(QStringLiteral("Qt %1").arg(QString::fromLatin1(qVersion())),
             QStringLiteral("LGPL 3, GPL 2 or 3"), window),

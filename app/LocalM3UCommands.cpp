@@ -21,14 +21,12 @@ LocalM3UCommands::LocalM3UCommands(LocalM3UModel &library, QObject *parent)
     };
     LocalM3UHistory *const history = library.history();
 
-    make(QStringLiteral("Show Local M3U"), QStringLiteral("Ctrl+Shift+L"),
-         [&library] { library.show(); });
+    make(tr("Show Local M3U"), QStringLiteral("Ctrl+Shift+L"), [&library] { library.show(); });
     MenuCommand *const saveCurrent =
         new MenuCommand({.title =
                              [&library] {
-                                 return library.isCurrentSaved()
-                                     ? QStringLiteral("Show in Local M3U")
-                                     : QStringLiteral("Save to Local M3U");
+                                 return library.isCurrentSaved() ? tr("Show in Local M3U")
+                                                                 : tr("Save to Local M3U");
                              },
                          .shortcut = QStringLiteral("Ctrl+D"),
                          .action = [&library] { library.saveCurrent(); },
@@ -38,28 +36,28 @@ LocalM3UCommands::LocalM3UCommands(LocalM3UModel &library, QObject *parent)
     m_all.append(saveCurrent);
     connect(&library, &LocalM3UModel::currentChanged, saveCurrent, &MenuCommand::titleChanged);
     connect(&library, &LocalM3UModel::currentChanged, saveCurrent, &MenuCommand::isEnabledChanged);
-    make(QStringLiteral("Add Link…"), QStringLiteral("Ctrl+N"), [&library] { library.add(); });
+    make(tr("Add Link…"), QStringLiteral("Ctrl+N"), [&library] { library.add(); });
 
     MenuCommand *const undo = make(
-        QStringLiteral("Undo"), QStringLiteral("Ctrl+Z"), [history] { history->undo(); },
+        tr("Undo"), QStringLiteral("Ctrl+Z"), [history] { history->undo(); },
         [history] { return history->canUndo(); }, true);
     MenuCommand *const redo = make(
-        QStringLiteral("Redo"), QStringLiteral("Ctrl+Shift+Z"), [history] { history->redo(); },
+        tr("Redo"), QStringLiteral("Ctrl+Shift+Z"), [history] { history->redo(); },
         [history] { return history->canRedo(); });
     for (MenuCommand *command : {undo, redo})
         connect(history, &LocalM3UHistory::changed, command, &MenuCommand::isEnabledChanged);
 
     make(
-        QStringLiteral("Import M3U File…"), QStringLiteral("Ctrl+Shift+I"),
+        tr("Import M3U File…"), QStringLiteral("Ctrl+Shift+I"),
         [&library] {
             library.show();
             library.importLocalPlaylist();
         },
         {}, true);
-    make(QStringLiteral("Export M3U File…"), QStringLiteral("Ctrl+Shift+E"),
+    make(tr("Export M3U File…"), QStringLiteral("Ctrl+Shift+E"),
          [&library] { library.exportLocalPlaylistAsM3U(); });
     MenuCommand *const removeAll = make(
-        QStringLiteral("Delete All…"), QStringLiteral("Ctrl+Shift+Backspace"),
+        tr("Delete All…"), QStringLiteral("Ctrl+Shift+Backspace"),
         [&library] { library.removeAll(); }, [&library] { return library.list()->count() > 0; });
     connect(library.list(), &LocalM3UListModel::countChanged, removeAll,
             &MenuCommand::isEnabledChanged);

@@ -56,7 +56,7 @@ Item {
 
         active: false
         sourceComponent: Dialog {
-            title: "Could Not Export M3U Playlist"
+            title: qsTr("Could Not Export M3U Playlist")
             cancelText: ""
             onClosed: root.library.closeExportError()
         }

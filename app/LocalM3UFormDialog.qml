@@ -14,8 +14,8 @@ Dialog {
     }
 
     width: Math.min(480, parent ? parent.width - 48 : 480)
-    title: editor.isNew ? "Add Link" : "Edit Link"
-    acceptText: editor.isNew ? "Add" : "Save"
+    title: editor.isNew ? qsTr("Add Link") : qsTr("Edit Link")
+    acceptText: editor.isNew ? qsTr("Add") : qsTr("Save")
     closesOnAccept: false
     initialFocus: nameRow.field
     onAcceptRequested: editor.save()
@@ -55,8 +55,8 @@ Dialog {
                 id: nameRow
 
                 width: parent.width
-                caption: "Name"
-                placeholderText: "Channel or video name"
+                caption: qsTr("Name")
+                placeholderText: qsTr("Channel or video name")
                 shown: dialog.editor.name
                 errorText: dialog.errorOf(LocalM3UEditor.Name)
                 onEdited: text => dialog.editor.name = text
@@ -66,8 +66,8 @@ Dialog {
                 id: addressRow
 
                 width: parent.width
-                caption: "Address"
-                placeholderText: "M3U8 URL"
+                caption: qsTr("Address")
+                placeholderText: qsTr("M3U8 URL")
                 shown: dialog.editor.address
                 errorText: dialog.errorOf(LocalM3UEditor.Address)
                 onEdited: text => dialog.editor.address = text
@@ -77,8 +77,8 @@ Dialog {
                 id: logoRow
 
                 width: parent.width
-                caption: "Logo"
-                placeholderText: "Logo URL (optional)"
+                caption: qsTr("Logo")
+                placeholderText: qsTr("Logo URL (optional)")
                 shown: dialog.editor.logoAddress
                 errorText: dialog.errorOf(LocalM3UEditor.LogoAddress)
                 onEdited: text => dialog.editor.logoAddress = text
@@ -87,15 +87,15 @@ Dialog {
             Button {
                 x: 84
                 iconName: "open"
-                text: "Choose Logo File…"
+                text: qsTr("Choose Logo File…")
                 onClicked: dialog.editor.chooseLogoFile()
             }
             LocalM3UFormRow {
                 id: countryRow
 
                 width: parent.width
-                caption: "Country"
-                placeholderText: "Country code (for example: TR, US)"
+                caption: qsTr("Country")
+                placeholderText: qsTr("Country code (for example: TR, US)")
                 shown: dialog.editor.countryCode
                 errorText: dialog.errorOf(LocalM3UEditor.CountryCode)
                 onEdited: text => dialog.editor.countryCode = text
@@ -103,8 +103,8 @@ Dialog {
             }
             LocalM3UFormRow {
                 width: parent.width
-                caption: "Category"
-                placeholderText: "Category (optional)"
+                caption: qsTr("Category")
+                placeholderText: qsTr("Category (optional)")
                 shown: dialog.editor.category
                 onEdited: text => dialog.editor.category = text
                 onAccepted: dialog.editor.save()

@@ -17,7 +17,8 @@ constexpr qsizetype longestQuotedName = 200;
 
 QString linkCount(qsizetype count)
 {
-    return count == 1 ? QStringLiteral("1 link") : QLocale().toString(count) + u" links";
+    return count == 1 ? LocalM3UModel::tr("1 link")
+                      : LocalM3UModel::tr("%Ln links", nullptr, int(count));
 }
 
 /// Everything else that a library holds is a stream, whatever its address looks like.
@@ -133,7 +134,7 @@ void LocalM3UModel::storeEdited(const PlaylistEntry &entry)
     const qsizetype index = m_store.entries().indexOf(entry.id);
     if (index < 0) {
         if (m_store.contains(entry.url))
-            m_player.showToast(QStringLiteral("Replaced the link with the same address."),
+            m_player.showToast(tr("Replaced the link with the same address."),
                                PlayerModel::toastDuration);
         m_store.save(entry);
         m_list.setFilterText({});
@@ -188,9 +189,9 @@ QString LocalM3UModel::questionTitle() const
     case Question::None:
         return {};
     case Question::DeleteOne:
-        return QStringLiteral("Delete Channel?");
+        return tr("Delete Channel?");
     case Question::DeleteAll:
-        return QStringLiteral("Delete All Local M3U8 Links?");
+        return tr("Delete All Local M3U8 Links?");
     }
     Q_UNREACHABLE();
 }
@@ -203,14 +204,15 @@ QString LocalM3UModel::questionText() const
     case Question::DeleteOne: {
         const QString name = entryWithId(m_questionedId).name.trimmed();
         if (name.isEmpty() || name.size() > longestQuotedName)
-            return QStringLiteral("Are you sure you want to delete this channel? This action "
-                                  "cannot be undone.");
-        return u"Are you sure you want to delete \"" + name
-            + u"\" from Local M3U? This action cannot be undone.";
+            return tr("Are you sure you want to delete this channel? This action "
+                      "cannot be undone.");
+        return tr("Are you sure you want to delete \"%1\" from Local M3U? This action cannot be "
+                  "undone.")
+            .arg(name);
     }
     case Question::DeleteAll:
-        return QStringLiteral("This permanently deletes every saved local M3U8 link. This action "
-                              "cannot be undone.");
+        return tr("This permanently deletes every saved local M3U8 link. This action "
+                  "cannot be undone.");
     }
     Q_UNREACHABLE();
 }
@@ -221,9 +223,9 @@ QString LocalM3UModel::questionButton() const
     case Question::None:
         return {};
     case Question::DeleteOne:
-        return QStringLiteral("Delete");
+        return tr("Delete");
     case Question::DeleteAll:
-        return QStringLiteral("Delete Permanently");
+        return tr("Delete Permanently");
     }
     Q_UNREACHABLE();
 }
@@ -276,7 +278,7 @@ void LocalM3UModel::saveCurrent()
 
 void LocalM3UModel::notifySaved()
 {
-    m_player.showToast(u"Saved to Local M3U: " + m_store.entries().at(0).name,
+    m_player.showToast(tr("Saved to Local M3U: %1").arg(m_store.entries().at(0).name),
                        PlayerModel::toastDuration);
 }
 
@@ -332,9 +334,9 @@ void LocalM3UModel::replaceLibrary(const PlaylistEntries &entries)
     m_list.setFilterText({});
     m_store.setEntries(entries);
     m_store.persist();
-    QString notice = u"Imported " + linkCount(entries.size());
-    if (before > 0)
-        notice += u" in place of " + linkCount(before) + u". Undo brings them back.";
+    const QString notice = before == 0 ? tr("Imported %1").arg(linkCount(entries.size()))
+                                       : tr("Imported %1 in place of %2. Undo brings them back.")
+                                             .arg(linkCount(entries.size()), linkCount(before));
     m_player.showToast(notice, PlayerModel::toastDuration);
 }
 
@@ -346,10 +348,10 @@ void LocalM3UModel::exportLocalPlaylistAsM3U()
 Task<> LocalM3UModel::exportTo(std::stop_token stop)
 {
     const SavePanelRequest request{
-        .title = QStringLiteral("Export Local M3U Playlist"),
-        .prompt = QStringLiteral("Export"),
+        .title = tr("Export Local M3U Playlist"),
+        .prompt = tr("Export"),
         .proposedName = exportFileName(QDate::currentDate()),
-        .typeDescription = QStringLiteral("M3U playlists"),
+        .typeDescription = tr("M3U playlists"),
         .extension = QStringLiteral("m3u"),
     };
     const std::optional<QUrl> file = co_await m_panels.chooseNewFile(request, stop);
@@ -362,7 +364,8 @@ Task<> LocalM3UModel::exportTo(std::stop_token stop)
     if (stop.stop_requested())
         co_return;
     if (written)
-        m_player.showToast(u"Exported: " + QFileInfo(path).fileName(), PlayerModel::toastDuration);
+        m_player.showToast(tr("Exported: %1").arg(QFileInfo(path).fileName()),
+                           PlayerModel::toastDuration);
     else
         setExportError(written.error().description);
 }

@@ -35,19 +35,19 @@ Item {
                     id: addButton
 
                     iconName: "plus"
-                    text: "Add Link…"
+                    text: qsTr("Add Link…")
                     shortcutText: "Ctrl+N"
                     onClicked: root.library.add()
                 }
                 IconButton {
                     iconName: "import"
-                    text: "Import M3U File…"
+                    text: qsTr("Import M3U File…")
                     shortcutText: "Ctrl+Shift+I"
                     onClicked: root.library.importLocalPlaylist()
                 }
                 IconButton {
                     iconName: "export"
-                    text: "Export M3U File…"
+                    text: qsTr("Export M3U File…")
                     shortcutText: "Ctrl+Shift+E"
                     onClicked: root.library.exportLocalPlaylistAsM3U()
                 }
@@ -66,7 +66,7 @@ Item {
                     id: moreButton
 
                     iconName: "more"
-                    text: "More"
+                    text: qsTr("More")
                     onClicked: moreMenu.popup()
                 }
             }
@@ -79,7 +79,7 @@ Item {
         }
         Button {
             visible: root.library.isNotStored
-            text: "Try Again"
+            text: qsTr("Try Again")
             onClicked: root.library.tryAgain()
         }
     }
@@ -111,9 +111,9 @@ Item {
         }
         visible: root.isEmpty
         iconName: "library"
-        title: "Local M3U"
-        text: "No local M3U8 links yet. Choose an M3U file or click + to add a link."
-        buttonText: "Choose M3U File…"
+        title: qsTr("Local M3U")
+        text: qsTr("No local M3U8 links yet. Choose an M3U file or click + to add a link.")
+        buttonText: qsTr("Choose M3U File…")
         onButtonClicked: root.library.importLocalPlaylist()
     }
 
@@ -142,19 +142,19 @@ Item {
         }
         sourceComponent: Menu {
             MenuItem {
-                text: "Play"
+                text: qsTr("Play")
                 iconName: "play"
                 shortcutText: "Enter"
                 onTriggered: root.library.play(linkMenu.row)
             }
             MenuItem {
-                text: "Edit…"
+                text: qsTr("Edit…")
                 iconName: "edit"
                 shortcutText: "F2"
                 onTriggered: root.library.edit(linkMenu.row)
             }
             MenuItem {
-                text: "Delete…"
+                text: qsTr("Delete…")
                 iconName: "trash"
                 shortcutText: "Del"
                 destructive: true
@@ -175,19 +175,19 @@ Item {
         active: false
         sourceComponent: Menu {
             MenuItem {
-                text: "Undo"
+                text: qsTr("Undo")
                 shortcutText: "Ctrl+Z"
                 enabled: root.library.history.canUndo
                 onTriggered: root.library.history.undo()
             }
             MenuItem {
-                text: "Redo"
+                text: qsTr("Redo")
                 shortcutText: "Ctrl+Shift+Z"
                 enabled: root.library.history.canRedo
                 onTriggered: root.library.history.redo()
             }
             MenuItem {
-                text: "Delete All…"
+                text: qsTr("Delete All…")
                 iconName: "trash"
                 shortcutText: "Ctrl+Shift+Backspace"
                 destructive: true
@@ -218,7 +218,7 @@ Item {
             anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
             onOverlay: true
             iconName: "import"
-            title: "Drop to import"
+            title: qsTr("Drop to import")
         }
     }
 

@@ -249,9 +249,8 @@ bool MainWindowModel::mayOpen(const QUrl &channel)
     // A server does not choose what is read on this computer.
     if (!channel.isLocalFile() || !m_player.isPlaylistRemote())
         return true;
-    m_player.showToast(
-        QStringLiteral("A playlist from the network cannot open files on this computer."),
-        PlayerModel::toastDuration);
+    m_player.showToast(tr("A playlist from the network cannot open files on this computer."),
+                       PlayerModel::toastDuration);
     return false;
 }
 
@@ -360,14 +359,14 @@ QString MainWindowModel::noticeFor(MediaPlayer::ItemFailure failure) const
     switch (failure) {
     case MediaPlayer::ItemFailure::Unreachable:
         return m_player.currentURL().isLocalFile()
-            ? QStringLiteral("This file cannot be opened. It may have been moved or deleted.")
-            : QStringLiteral("This address does not answer. It may be offline or out of date.");
+            ? tr("This file cannot be opened. It may have been moved or deleted.")
+            : tr("This address does not answer. It may be offline or out of date.");
     case MediaPlayer::ItemFailure::Unplayable:
-        return QStringLiteral("There is nothing here that Lumaro can play.");
+        return tr("There is nothing here that Lumaro can play.");
     case MediaPlayer::ItemFailure::NoPicture:
-        return QStringLiteral("Lumaro cannot show pictures here. It needs OpenGL.");
+        return tr("Lumaro cannot show pictures here. It needs OpenGL.");
     case MediaPlayer::ItemFailure::Unsupported:
-        return QStringLiteral("Lumaro does not open addresses of this kind.");
+        return tr("Lumaro does not open addresses of this kind.");
     }
     Q_UNREACHABLE();
 }

@@ -49,82 +49,71 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
     : QObject(parent)
 {
     m_file = {
-        make({always(QStringLiteral("Open Media…")), QStringLiteral("Ctrl+O"),
+        make({always(tr("Open Media…")), QStringLiteral("Ctrl+O"),
               [&window] { window.openFile(); }}),
-        make({always(QStringLiteral("Open Address…")), QStringLiteral("Ctrl+L"),
+        make({always(tr("Open Address…")), QStringLiteral("Ctrl+L"),
               [&window] {
                   window.revealSidebar(MainWindowModel::PlayerSidebarSection::network);
                   Q_EMIT window.addressFieldRequested();
               }}),
         makeRecentMenu(recent, this),
-        make({always(QStringLiteral("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),
+        make({always(tr("Import M3U Playlist…")), QStringLiteral("Ctrl+I"),
               [&window] { window.importPlaylist(); }}),
         make({.title = always(QStringLiteral("M3U8 Stream Finder")),
               .shortcut = QStringLiteral("Ctrl+Shift+F"),
               .action = [this] { Q_EMIT finderRequested(); },
               .startsGroup = true}),
-        make({.title = always(QStringLiteral("Download This Stream")),
+        make({.title = always(tr("Download This Stream")),
               .shortcut = QStringLiteral("Ctrl+Shift+D"),
               .action = [&downloads] { downloads.downloadStream(); },
               .startsGroup = true}),
-        make({always(QStringLiteral("Downloads")), QStringLiteral("Ctrl+J"),
+        make({always(tr("Downloads")), QStringLiteral("Ctrl+J"),
               [&downloads] { downloads.setPanelShown(!downloads.panelShown()); }}),
-        make({.title = always(QStringLiteral("Quit")),
+        make({.title = always(tr("Quit")),
               .shortcut = QStringLiteral("Ctrl+Q"),
               .action = [this] { Q_EMIT quitRequested(); },
               .startsGroup = true}),
     };
 
     MenuCommand *playPause =
-        make({[&player] {
-                  return player.isPlaying() ? QStringLiteral("Pause") : QStringLiteral("Play");
-              },
+        make({[&player] { return player.isPlaying() ? tr("Pause") : tr("Play"); },
               {},
               [&player] { player.togglePlayback(); }});
     connect(&player, &PlayerModel::isPlayingChanged, playPause, &MenuCommand::titleChanged);
-    m_playback = {playPause,
-                  make({always(QStringLiteral("Stop")), {}, [&player] { player.stop(); }})};
+    m_playback = {playPause, make({always(tr("Stop")), {}, [&player] { player.stop(); }})};
     for (const int seconds : {5, 20, 60}) {
-        const QString amount = QStringLiteral(" %1 Seconds").arg(seconds);
-        m_playback << make({.title = always(u"Back" + amount),
+        m_playback << make({.title = always(tr("Back %n Seconds", nullptr, seconds)),
                             .shortcut = {},
                             .action = [&player, seconds] { player.skip(-seconds); },
                             .startsGroup = seconds == 5})
-                   << make({always(u"Forward" + amount), {}, [&player, seconds] {
-                                player.skip(seconds);
-                            }});
+                   << make({always(tr("Forward %n Seconds", nullptr, seconds)),
+                            {},
+                            [&player, seconds] { player.skip(seconds); }});
     }
-    m_playback << make({always(QStringLiteral("Play from the Beginning")), QStringLiteral("Home"),
+    m_playback << make({always(tr("Play from the Beginning")), QStringLiteral("Home"),
                         [&player] { player.seek(0); }});
     MenuCommand *mute =
-        make({.title =
-                  [&player] {
-                      return player.isMuted() ? QStringLiteral("Unmute") : QStringLiteral("Mute");
-                  },
+        make({.title = [&player] { return player.isMuted() ? tr("Unmute") : tr("Mute"); },
               .shortcut = QStringLiteral("Ctrl+M"),
               .action = [&player] { player.toggleMute(); },
               .startsGroup = true});
     connect(&player, &PlayerModel::isMutedChanged, mute, &MenuCommand::titleChanged);
     m_playback << mute;
 
-    MenuCommand *sidebar =
-        make({[&window] {
-                  return window.sidebarVisible() ? QStringLiteral("Hide Sidebar")
-                                                 : QStringLiteral("Show Sidebar");
-              },
-              QStringLiteral("Ctrl+B"),
-              [&window] { window.setSidebarVisible(!window.sidebarVisible()); }});
+    MenuCommand *sidebar = make(
+        {[&window] { return window.sidebarVisible() ? tr("Hide Sidebar") : tr("Show Sidebar"); },
+         QStringLiteral("Ctrl+B"),
+         [&window] { window.setSidebarVisible(!window.sidebarVisible()); }});
     connect(&window, &MainWindowModel::sidebarVisibleChanged, sidebar, &MenuCommand::titleChanged);
     MenuCommand *fullScreen = make(
         {[&window] {
-             return window.isFullScreen() ? QStringLiteral("Exit Full Screen")
-                                          : QStringLiteral("Enter Full Screen");
+             return window.isFullScreen() ? tr("Exit Full Screen") : tr("Enter Full Screen");
          },
          QStringLiteral("F11"), [&window] { window.setIsFullScreen(!window.isFullScreen()); }});
     connect(&window, &MainWindowModel::isFullScreenChanged, fullScreen, &MenuCommand::titleChanged);
     for (const PortraitDisplayMode mode : allPortraitDisplayModes) {
         MenuCommand *choice =
-            make({.title = always(rawValue(mode)),
+            make({.title = always(displayTitle(mode)),
                   .shortcut = QStringLiteral("Ctrl+%1").arg(int(mode) + 1),
                   .action = [&window, mode] { window.setDisplayMode(mode); },
                   .startsGroup = mode == PortraitDisplayMode::normal,
@@ -139,23 +128,21 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
     }
     m_view = QList{sidebar, fullScreen} + m_displayModes;
     for (const int direction : {-1, 1}) {
-        MenuCommand *pan =
-            make({.title = always(direction < 0 ? QStringLiteral("Move Picture Left")
-                                                : QStringLiteral("Move Picture Right")),
-                  .shortcut =
-                      direction < 0 ? QStringLiteral("Shift+Left") : QStringLiteral("Shift+Right"),
-                  .action = [&window, direction] { Q_EMIT window.panRequested(direction * 0.1); },
-                  .startsGroup = direction < 0,
-                  .isEnabled =
-                      [&window] { return window.displayMode() == PortraitDisplayMode::manual; }});
+        MenuCommand *pan = make(
+            {.title = always(direction < 0 ? tr("Move Picture Left") : tr("Move Picture Right")),
+             .shortcut =
+                 direction < 0 ? QStringLiteral("Shift+Left") : QStringLiteral("Shift+Right"),
+             .action = [&window, direction] { Q_EMIT window.panRequested(direction * 0.1); },
+             .startsGroup = direction < 0,
+             .isEnabled =
+                 [&window] { return window.displayMode() == PortraitDisplayMode::manual; }});
         connect(&window, &MainWindowModel::displayModeChanged, pan, &MenuCommand::isEnabledChanged);
         m_view << pan;
     }
 
-    m_help = {
-        make({always(QStringLiteral("Keyboard Shortcuts")), QStringLiteral("F1"),
-              [this] { Q_EMIT shortcutsRequested(); }}),
-        make({always(QStringLiteral("About Lumaro")), {}, [this] { Q_EMIT aboutRequested(); }})};
+    m_help = {make({always(tr("Keyboard Shortcuts")), QStringLiteral("F1"),
+                    [this] { Q_EMIT shortcutsRequested(); }}),
+              make({always(tr("About Lumaro")), {}, [this] { Q_EMIT aboutRequested(); }})};
 }
 
 MenuCommand *MenuCommands::make(MenuCommand::Description description)

@@ -13,9 +13,9 @@ Item {
 
         active: false
         sourceComponent: Dialog {
-            title: "File Not Found"
-            acceptText: "Remove from Recent"
-            cancelText: "Keep"
+            title: qsTr("File Not Found")
+            acceptText: qsTr("Remove from Recent")
+            cancelText: qsTr("Keep")
             onAccepted: root.recent.removeMissing()
             onRejected: root.recent.keepMissing()
         }
@@ -29,7 +29,7 @@ Item {
             loader.active = true;
             const dialog = loader.item as Dialog;
             // It stays readable while the dialog fades.
-            dialog.text = "This file is not where it was. It may have been moved, renamed or deleted, or its disk is not connected.\n" + root.recent.missingFile;
+            dialog.text = qsTr("This file is not where it was. It may have been moved, renamed or deleted, or its disk is not connected.\n") + root.recent.missingFile;
             dialog.open();
         }
     }

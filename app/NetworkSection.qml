@@ -27,7 +27,7 @@ Item {
 
             width: parent.width
             iconName: "link"
-            placeholderText: "Stream or playlist address"
+            placeholderText: qsTr("Stream or playlist address")
             text: root.shell.addressText
             onTextEdited: root.shell.addressText = text
             onCleared: root.shell.addressText = ""
@@ -36,20 +36,20 @@ Item {
                 root.dismissed();
             }
             Keys.onEscapePressed: root.dismissed()
-            Accessible.name: "Stream or playlist address"
+            Accessible.name: qsTr("Stream or playlist address")
         }
 
         TextField {
             width: parent.width
             visible: root.shell.displayNameShown
             iconName: "edit"
-            placeholderText: "Movie or playlist name"
+            placeholderText: qsTr("Movie or playlist name")
             text: root.shell.displayName
             onTextEdited: root.shell.displayName = text
             onCleared: root.shell.displayName = ""
             onAccepted: root.shell.openTypedAddress()
             Keys.onEscapePressed: root.dismissed()
-            Accessible.name: "Movie or playlist name"
+            Accessible.name: qsTr("Movie or playlist name")
         }
 
         Item {
@@ -63,19 +63,19 @@ Item {
 
                 IconButton {
                     iconName: root.shell.displayNameShown ? "chevron-down" : "plus"
-                    text: root.shell.displayNameShown ? "Hide movie or playlist name"
-                                                      : "Add an optional movie or playlist name"
+                    text: root.shell.displayNameShown ? qsTr("Hide movie or playlist name")
+                                                      : qsTr("Add an optional movie or playlist name")
                     onClicked: root.shell.displayNameShown = !root.shell.displayNameShown
                 }
                 IconButton {
                     iconName: "import"
-                    text: "Import M3U Playlist…"
+                    text: qsTr("Import M3U Playlist…")
                     shortcutText: "Ctrl+I"
                     onClicked: root.shell.importPlaylist()
                 }
                 IconButton {
                     iconName: "trash"
-                    text: "Clear address, channels and stream"
+                    text: qsTr("Clear address, channels and stream")
                     enabled: root.shell.addressText !== "" || root.channels.count > 0
                              || root.player.currentURL.toString() !== ""
                     onClicked: root.shell.clearNetwork()
@@ -118,8 +118,8 @@ Item {
         }
         visible: root.channels.count === 0 && !root.player.isLoading
         iconName: "tv"
-        title: "No channels"
-        text: "Paste the address of an IPTV playlist, or import an M3U file."
+        title: qsTr("No channels")
+        text: qsTr("Paste the address of an IPTV playlist, or import an M3U file.")
     }
 
     Loader {
@@ -136,13 +136,13 @@ Item {
         active: false
         sourceComponent: Menu {
             MenuItem {
-                text: "Play"
+                text: qsTr("Play")
                 iconName: "play"
                 shortcutText: "Enter"
                 onTriggered: root.shell.playChannel(channelMenu.channel)
             }
             MenuItem {
-                text: "Save to Local M3U"
+                text: qsTr("Save to Local M3U")
                 iconName: "star"
                 shortcutText: "Ctrl+S"
                 onTriggered: root.library.saveToLocalM3U(channelMenu.channel)

@@ -113,9 +113,9 @@ Item {
                 id: heading
 
                 width: parent.width
-                text: root.login ? "%1 asks for a name and a password".arg(root.login.url.toString().split("/")[2] ?? "")
-                    : root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload ? "Leave this page?"
-                    : "%1 says:".arg(root.origin)
+                text: root.login ? qsTr("%1 asks for a name and a password").arg(root.login.url.toString().split("/")[2] ?? "")
+                    : root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload ? qsTr("Leave this page?")
+                    : qsTr("%1 says:").arg(root.origin)
                 textFormat: Text.PlainText
                 elide: Text.ElideLeft
                 color: Theme.text
@@ -128,7 +128,7 @@ Item {
                 visible: text !== ""
                 text: root.login ? (root.login.realm ?? "").slice(0, 200)
                     : root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload
-                    ? "What you have entered there may be lost."
+                    ? qsTr("What you have entered there may be lost.")
                     : (root.dialog?.message ?? "").slice(0, root.mostText)
                 textFormat: Text.PlainText
                 wrapMode: Text.Wrap
@@ -150,8 +150,8 @@ Item {
 
                 width: parent.width
                 visible: root.login !== null
-                placeholderText: "Name"
-                Accessible.name: "Name"
+                placeholderText: qsTr("Name")
+                Accessible.name: qsTr("Name")
                 onAccepted: passwordField.forceActiveFocus()
             }
             TextField {
@@ -159,16 +159,16 @@ Item {
 
                 width: parent.width
                 visible: root.login !== null
-                placeholderText: "Password"
+                placeholderText: qsTr("Password")
                 echoMode: TextInput.Password
-                Accessible.name: "Password"
+                Accessible.name: qsTr("Password")
                 onAccepted: root.answer(true)
             }
             Switch {
                 id: silence
 
                 visible: root.dialog !== null && root.count > 1
-                text: "No more from this page"
+                text: qsTr("No more from this page")
             }
             Row {
                 anchors.right: parent.right
@@ -177,7 +177,7 @@ Item {
 
                 Button {
                     visible: root.login !== null || root.dialog?.type !== JavaScriptDialogRequest.DialogTypeAlert
-                    text: root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload ? "Stay" : "Cancel"
+                    text: root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload ? qsTr("Stay") : qsTr("Cancel")
                     onClicked: root.answer(false)
                 }
                 Button {
@@ -185,8 +185,8 @@ Item {
 
                     objectName: "pageDialogAccept"
                     primary: true
-                    text: root.login ? "Log In"
-                        : root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload ? "Leave" : "OK"
+                    text: root.login ? qsTr("Log In")
+                        : root.dialog?.type === JavaScriptDialogRequest.DialogTypeBeforeUnload ? qsTr("Leave") : qsTr("OK")
                     onClicked: root.answer(true)
                 }
             }

@@ -21,9 +21,9 @@ Item {
         sourceComponent: EmptyState {
             onOverlay: true
             iconName: "film"
-            title: "Nothing is playing"
-            text: "Open a file, paste an address, or drop either of them here."
-            buttonText: "Open Media…"
+            title: qsTr("Nothing is playing")
+            text: qsTr("Open a file, paste an address, or drop either of them here.")
+            buttonText: qsTr("Open Media…")
             onButtonClicked: root.shell.openFile()
         }
     }
@@ -50,7 +50,7 @@ Item {
             iconName: "alert"
             title: root.player.title
             text: root.webPlayers.failure
-            buttonText: "Retry"
+            buttonText: qsTr("Retry")
             onButtonClicked: root.webPlayers.retry()
         }
     }
@@ -68,7 +68,7 @@ Item {
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: root.player.isBuffering ? "Buffering…" : root.isOpening ? "Opening…" : "Loading playlist…"
+                text: root.player.isBuffering ? qsTr("Buffering…") : root.isOpening ? qsTr("Opening…") : qsTr("Loading playlist…")
                 color: Theme.textOnOverlay
                 font.pixelSize: Theme.fontBody
             }

@@ -3,6 +3,8 @@
 #include "app/MenuCommands.h"
 #include "app/RecentItems.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 namespace {
@@ -19,13 +21,14 @@ std::vector<std::unique_ptr<MenuCommand>> choicesOf(RecentItems &recent)
              .action = [&recent, item] { recent.open(item); }});
     }
     if (choices.empty()) {
-        add({.title = [] { return QStringLiteral("Nothing Opened Yet"); },
+        add({.title =
+                 [] { return QCoreApplication::translate("RecentMenu", "Nothing Opened Yet"); },
              .shortcut = {},
              .action = [] {},
              .startsGroup = false,
              .isEnabled = [] { return false; }});
     } else {
-        add({.title = [] { return QStringLiteral("Clear Recent"); },
+        add({.title = [] { return QCoreApplication::translate("RecentMenu", "Clear Recent"); },
              .shortcut = {},
              .action = [&recent] { recent.clear(); },
              .startsGroup = true});
@@ -37,14 +40,15 @@ std::vector<std::unique_ptr<MenuCommand>> choicesOf(RecentItems &recent)
 
 MenuCommand *makeRecentMenu(RecentItems &recent, QObject *parent)
 {
-    auto *const menu = new MenuCommand({.title = [] { return QStringLiteral("Open Recent"); },
-                                        .shortcut = {},
-                                        .action = [] {},
-                                        .startsGroup = false,
-                                        .isEnabled = {},
-                                        .isChecked = {},
-                                        .opensMenu = true},
-                                       parent);
+    auto *const menu = new MenuCommand(
+        {.title = [] { return QCoreApplication::translate("RecentMenu", "Open Recent"); },
+         .shortcut = {},
+         .action = [] {},
+         .startsGroup = false,
+         .isEnabled = {},
+         .isChecked = {},
+         .opensMenu = true},
+        parent);
     const auto update = [menu, &recent] { menu->setChoices(choicesOf(recent)); };
     QObject::connect(&recent, &RecentItems::changed, menu, update);
     update();

@@ -35,7 +35,7 @@ RecordingModel::RecordingModel(PlayerRecordingController &controller, Workspace 
     connect(&controller, &PlayerRecordingController::requiresScreenRecordingPermissionChanged, this,
             &RecordingModel::noticeChanged);
     connect(&controller, &PlayerRecordingController::saved, this, [this] {
-        showNotice(QStringLiteral("The MP4 recording was saved."), false);
+        showNotice(tr("The MP4 recording was saved."), false);
         m_hiding.start(noticeDuration, [this] { dismissNotice(); });
     });
     connect(&controller, &PlayerRecordingController::audioBecameUnavailable, this,
@@ -53,11 +53,11 @@ QString RecordingModel::buttonText() const
     switch (m_controller.state()) {
     case PlayerRecordingState::idle:
     case PlayerRecordingState::preparing:
-        return QStringLiteral("Record");
+        return tr("Record");
     case PlayerRecordingState::recording:
-        return QStringLiteral("Stop Recording");
+        return tr("Stop Recording");
     case PlayerRecordingState::stopping:
-        return QStringLiteral("Saving Recording…");
+        return tr("Saving Recording…");
     }
     Q_UNREACHABLE();
 }

@@ -57,13 +57,13 @@ Rectangle {
             visible: root.recording.savedPath !== ""
             onOverlay: true
             iconName: "open"
-            text: "Show in Folder"
+            text: qsTr("Show in Folder")
             onClicked: root.recording.showInFolder()
         }
         Button {
             visible: root.recording.offersSettings
             onOverlay: true
-            text: "Open System Settings"
+            text: qsTr("Open System Settings")
             onClicked: root.recording.openSystemSettings()
         }
     }
@@ -73,7 +73,7 @@ Rectangle {
         anchors { right: parent.right; top: parent.top; margins: Theme.spacing }
         onOverlay: true
         iconName: "close"
-        text: "Dismiss"
+        text: qsTr("Dismiss")
         onClicked: root.recording.dismissNotice()
     }
 }

@@ -13,12 +13,12 @@ Window {
     readonly property point place: recording.panelPosition()
 
     width: recording.controller.recordingPanelWidth
-    height: 48
+    height: Theme.roomFor(48, 1)
     x: place.x
     y: place.y
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.WindowDoesNotAcceptFocus
     color: "transparent"
-    title: "Recording"
+    title: qsTr("Recording")
 
     Rectangle {
         anchors.fill: parent
@@ -44,26 +44,26 @@ Window {
             Text {
                 width: parent.width
                 visible: panel.recording.isWithoutSound
-                text: "No sound"
+                text: qsTr("No sound")
                 textFormat: Text.PlainText
                 elide: Text.ElideRight
                 color: Theme.dangerOnOverlay
                 font.pixelSize: Theme.fontSmall
                 Accessible.role: Accessible.AlertMessage
-                Accessible.name: "Recording without sound: there is no audio output."
+                Accessible.name: qsTr("Recording without sound: there is no audio output.")
             }
         }
         Button {
             id: stop
 
             anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
-            implicitHeight: 28
+            implicitHeight: Theme.roomFor(28, 1)
             leftPadding: 6
             rightPadding: 6
             textSize: Theme.fontSmall
             destructive: true
             onOverlay: true
-            text: "Stop Recording"
+            text: qsTr("Stop Recording")
             shortcutText: "Ctrl+Shift+R"
             onClicked: panel.recording.controller.stopFromPanel()
         }

@@ -3,6 +3,7 @@
 #include "app/MainWindowModel.h"
 #include "player/PlayerModel.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -32,10 +33,10 @@ QString problemWith(const QString &path)
 {
     const QFileInfo info(path);
     if (!info.exists())
-        return QStringLiteral("The file does not exist.");
+        return RemoteControl::tr("The file does not exist.");
     if (!info.isFile())
-        return QStringLiteral("It is not a file.");
-    return info.isReadable() ? QString() : QStringLiteral("The file could not be read.");
+        return RemoteControl::tr("It is not a file.");
+    return info.isReadable() ? QString() : RemoteControl::tr("The file could not be read.");
 }
 
 } // namespace
@@ -233,7 +234,7 @@ void RemoteControl::setVolume(double volume)
 Task<std::expected<void, QString>> RemoteControl::openUri(QString uri)
 {
     if (uri.size() > maximumUriLength)
-        co_return std::unexpected(QStringLiteral("The address is too long."));
+        co_return std::unexpected(RemoteControl::tr("The address is too long."));
     const QString address = normalizedRemoteAddress(uri);
     if (remoteUrl(address)) {
         m_player.openRemote(address, std::nullopt);

@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 ResumingPlayback::ResumingPlayback(PlayerModel &player, MediaPlayer &mediaPlayer,
@@ -49,7 +51,7 @@ void ResumingPlayback::announce()
 {
     if (!m_viewing || std::exchange(m_viewing->hasStarted, true) || !m_viewing->resumeAt)
         return;
-    m_player.showToast(QStringLiteral("Resumed at %1 · Home plays from the beginning")
+    m_player.showToast(ResumingPlayback::tr("Resumed at %1 · Home plays from the beginning")
                            .arg(formatTime(*m_viewing->resumeAt)),
                        PlayerModel::toastDuration);
 }

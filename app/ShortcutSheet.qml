@@ -10,8 +10,8 @@ Dialog {
     required property HelpModel help
 
     width: Math.min(600, parent ? parent.width - 48 : 600)
-    title: "Keyboard Shortcuts"
-    acceptText: "Close"
+    title: qsTr("Keyboard Shortcuts")
+    acceptText: qsTr("Close")
     cancelText: ""
     initialFocus: list
 

@@ -5,69 +5,76 @@
 
 #include <array>
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 namespace {
 
 struct Key
 {
-    const char16_t *action;
-    const char16_t *keys;
+    const char *action; ///< in English
+    const char *keys;
 };
 
 // What the player's key monitor takes.
 constexpr std::array playerKeys{
-    Key{u"Play, Pause, or Play the Last Thing Again", u"Space"},
-    Key{u"Stop", u"Ctrl+K"},
-    Key{u"Back or Forward 5 Seconds", u"Left / Right"},
-    Key{u"Back or Forward 20 Seconds", u"Alt+Left / Alt+Right"},
-    Key{u"Back or Forward 60 Seconds", u"Ctrl+Left / Ctrl+Right"},
-    Key{u"Back or Forward 300 Seconds", u"Ctrl+Alt+Left / Ctrl+Alt+Right"},
-    Key{u"Volume by 5 %", u"Up / Down"},
-    Key{u"Volume by 1 %", u"Shift+Up / Shift+Down"},
-    Key{u"Volume by 10 %", u"Alt+Up / Alt+Down"},
-    Key{u"Volume by 20 %", u"Ctrl+Up / Ctrl+Down"},
-    Key{u"Record", u"Ctrl+Shift+R"},
-    Key{u"Play, Pause, Stop, Next and Previous Channel", u"Media Keys"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Play, Pause, or Play the Last Thing Again"), "Space"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Stop"), "Ctrl+K"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Back or Forward 5 Seconds"), "Left / Right"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Back or Forward 20 Seconds"), "Alt+Left / Alt+Right"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Back or Forward 60 Seconds"), "Ctrl+Left / Ctrl+Right"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Back or Forward 300 Seconds"),
+        "Ctrl+Alt+Left / Ctrl+Alt+Right"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Volume by 5 %"), "Up / Down"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Volume by 1 %"), "Shift+Up / Shift+Down"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Volume by 10 %"), "Alt+Up / Alt+Down"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Volume by 20 %"), "Ctrl+Up / Ctrl+Down"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Record"), "Ctrl+Shift+R"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Play, Pause, Stop, Next and Previous Channel"),
+        QT_TRANSLATE_NOOP("ShortcutTable", "Media Keys")},
 };
 
 constexpr std::array windowKeys{
-    Key{u"Full Screen", u"F / F11 / Double Click"},
-    Key{u"Exit Full Screen", u"Escape"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Full Screen"),
+        QT_TRANSLATE_NOOP("ShortcutTable", "F / F11 / Double Click")},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Exit Full Screen"), "Escape"},
 };
 
 constexpr std::array listKeys{
-    Key{u"Save the Chosen Channel", u"Ctrl+S"},
-    Key{u"Choose a Channel or Link", u"Up / Down / PgUp / PgDown"},
-    Key{u"Play It", u"Return"},
-    Key{u"Edit the Chosen Link", u"F2"},
-    Key{u"Delete the Chosen Link", u"Del"},
-    Key{u"Menu of the Chosen Link", u"Menu / Shift+F10"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Save the Chosen Channel"), "Ctrl+S"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Choose a Channel or Link"),
+        "Up / Down / PgUp / PgDown"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Play It"), "Return"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Edit the Chosen Link"), "F2"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Delete the Chosen Link"), "Del"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Menu of the Chosen Link"), "Menu / Shift+F10"},
 };
 
 constexpr std::array finderKeys{
-    Key{u"New Tab", u"Ctrl+T"},
-    Key{u"Close Tab", u"Ctrl+W"},
-    Key{u"Next Tab", u"Ctrl+Tab / Ctrl+PgDown"},
-    Key{u"Previous Tab", u"Ctrl+Shift+Tab / Ctrl+PgUp"},
-    Key{u"Type an Address", u"Ctrl+L / Alt+D / F6"},
-    Key{u"Load Again", u"Ctrl+R / F5"},
-    Key{u"Stop Loading", u"Escape"},
-    Key{u"Back", u"Alt+Left"},
-    Key{u"Forward", u"Alt+Right"},
-    Key{u"Larger", u"Ctrl++ / Ctrl+="},
-    Key{u"Smaller", u"Ctrl+-"},
-    Key{u"Original Size", u"Ctrl+0"},
-    Key{u"Save or Forget the Website", u"Ctrl+D"},
-    Key{u"Saved Websites and History", u"Ctrl+H"},
-    Key{u"More or Fewer Streams", u"+ / -"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "New Tab"), "Ctrl+T"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Close Tab"), "Ctrl+W"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Next Tab"), "Ctrl+Tab / Ctrl+PgDown"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Previous Tab"), "Ctrl+Shift+Tab / Ctrl+PgUp"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Type an Address"), "Ctrl+L / Alt+D / F6"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Load Again"), "Ctrl+R / F5"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Stop Loading"), "Escape"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Back"), "Alt+Left"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Forward"), "Alt+Right"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Larger"), "Ctrl++ / Ctrl+="},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Smaller"), "Ctrl+-"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Original Size"), "Ctrl+0"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Save or Forget the Website"), "Ctrl+D"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Saved Websites and History"), "Ctrl+H"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "More or Fewer Streams"), "+ / -"},
 };
 
 template <std::size_t size>
 void append(QList<TextRows::Row> &rows, const QString &section, const std::array<Key, size> &keys)
 {
     for (const Key &key : keys)
-        rows.append({section, QString::fromUtf16(key.action), QString::fromUtf16(key.keys)});
+        rows.append({section, QCoreApplication::translate("ShortcutTable", key.action),
+                     QCoreApplication::translate("ShortcutTable", key.keys)});
 }
 
 void append(QList<TextRows::Row> &rows, const QString &section,
@@ -84,21 +91,21 @@ void append(QList<TextRows::Row> &rows, const QString &section,
 QList<TextRows::Row> shortcutTable(const MenuCommands &menus, const LocalM3UCommands &library)
 {
     QList<TextRows::Row> rows;
-    const QString playback = QStringLiteral("Playback");
+    const QString playback = QCoreApplication::translate("ShortcutTable", "Playback");
     append(rows, playback, playerKeys);
     append(rows, playback, menus.playback());
-    append(rows, QStringLiteral("File"), menus.file());
-    const QString view = QStringLiteral("View");
+    append(rows, QCoreApplication::translate("ShortcutTable", "File"), menus.file());
+    const QString view = QCoreApplication::translate("ShortcutTable", "View");
     append(rows, view, windowKeys);
     // Full screen has more keys than its menu item tells.
     for (MenuCommand *const command : menus.view()) {
         if (command->shortcut() != u"F11")
             append(rows, view, QList{command});
     }
-    append(rows, QStringLiteral("Library"), library.all());
-    append(rows, QStringLiteral("Channels and Links"), listKeys);
-    append(rows, QStringLiteral("Stream Finder"), finderKeys);
-    append(rows, QStringLiteral("Help"), menus.help());
+    append(rows, QCoreApplication::translate("ShortcutTable", "Library"), library.all());
+    append(rows, QCoreApplication::translate("ShortcutTable", "Channels and Links"), listKeys);
+    append(rows, QCoreApplication::translate("ShortcutTable", "Stream Finder"), finderKeys);
+    append(rows, QCoreApplication::translate("ShortcutTable", "Help"), menus.help());
     return rows;
 }
 

@@ -30,10 +30,11 @@ Rectangle {
             margins: Theme.spacing * 3
         }
         model: [
-            { "text": "Network", "iconName": "link" },
-            { "text": "Local M3U", "iconName": "library" }
+            { "text": qsTr("Network"), "iconName": "link" },
+            { "text": qsTr("Local M3U"), "iconName": "library" }
         ]
         currentIndex: root.shell.sidebarSection
+        name: qsTr("Sections")
         onActivated: index => root.shell.sidebarSection = index
     }
 

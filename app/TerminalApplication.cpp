@@ -58,7 +58,8 @@ int TerminalApplication::download(const QString &address, const std::optional<QS
 {
     const std::optional<QUrl> url = remoteUrl(normalizedRemoteAddress(address));
     if (!url) {
-        m_terminal.say(QStringLiteral("Enter a valid HTTP or HTTPS address."));
+        m_terminal.say(QCoreApplication::translate("TerminalApplication",
+                                                   "Enter a valid HTTP or HTTPS address."));
         return 1;
     }
     if (folder)

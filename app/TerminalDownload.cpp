@@ -72,7 +72,7 @@ void TerminalDownload::follow()
     const bool isNew = job.destination != m_lastActive.destination;
     m_lastActive = job;
     if (isNew)
-        m_terminal.say(u"Saving to " + pathOf(job));
+        m_terminal.say(tr("Saving to %1").arg(pathOf(job)));
 }
 
 void TerminalDownload::tick()
@@ -124,7 +124,7 @@ void TerminalDownload::finish(const M3U8DownloadManager::JobState &job)
     if (!job.duration) {
         m_terminal.say(m_manager.errorMessage());
         if (size > 0)
-            m_terminal.say(u"What had arrived is kept: " + pathOf(job));
+            m_terminal.say(tr("What had arrived is kept: %1").arg(pathOf(job)));
         return Q_EMIT finished(1);
     }
     const bool isSaved = job.progress.has_value();
@@ -136,8 +136,7 @@ void TerminalDownload::finish(const M3U8DownloadManager::JobState &job)
 
 int TerminalDownload::statusAfterStop(qint64 keptSize) const
 {
-    const bool wasLive = m_lastActive.message.startsWith(u"Live");
-    return wasLive && keptSize > 0 ? 0 : 128 + m_signalNumber;
+    return m_lastActive.isLive && keptSize > 0 ? 0 : 128 + m_signalNumber;
 }
 
 } // namespace lumaro

@@ -38,7 +38,7 @@ Dialog {
     FolderDialog {
         id: folderPanel
 
-        title: "Choose a Folder"
+        title: qsTr("Choose a Folder")
         currentFolder: dialog.folder
         onAccepted: dialog.folder = selectedFolder
     }
@@ -53,7 +53,7 @@ Dialog {
 
             width: parent.width
             onAccepted: dialog.save()
-            Accessible.name: "Name"
+            Accessible.name: qsTr("Name")
         }
         Item {
             width: parent.width
@@ -83,7 +83,7 @@ Dialog {
                 id: change
 
                 anchors { right: parent.right; rightMargin: -Theme.spacing * 2 }
-                text: "Choose Folder…"
+                text: qsTr("Choose Folder…")
                 onClicked: folderPanel.open()
             }
         }

@@ -11,15 +11,18 @@ T.AbstractButton {
     property bool isAtLiveEdge: false
 
     readonly property bool leadsToLiveEdge: isLiveMark && !isAtLiveEdge
-    readonly property string help: "Go to Live"
+    readonly property string help: qsTr("Go to Live")
 
     implicitWidth: implicitContentWidth
     implicitHeight: implicitContentHeight
     enabled: leadsToLiveEdge
     hoverEnabled: true
     focusPolicy: leadsToLiveEdge ? Qt.TabFocus : Qt.NoFocus
+    visible: text !== ""
+    Accessible.name: text
     Accessible.role: isLiveMark ? Accessible.Button : Accessible.StaticText
     Accessible.description: leadsToLiveEdge ? help : ""
+    Accessible.onPressAction: if (enabled) clicked()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) root.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) root.clicked(); }

@@ -18,7 +18,7 @@ Item {
     readonly property bool inUse: hover.hovered || openMenus > 0 || downloads.panelShown
     property int openMenus: 0
 
-    implicitHeight: 56
+    implicitHeight: Theme.roomFor(56, 1)
     opacity: shown ? 1 : 0
     visible: opacity > 0
     Behavior on opacity { NumberAnimation { duration: Theme.durationShort } }
@@ -52,34 +52,34 @@ Item {
                 onOverlay: true
                 iconName: "sidebar"
                 checked: root.shell.sidebarVisible
-                text: root.shell.sidebarVisible ? "Hide Sidebar" : "Show Sidebar"
+                text: root.shell.sidebarVisible ? qsTr("Hide Sidebar") : qsTr("Show Sidebar")
                 shortcutText: "Ctrl+B"
                 onClicked: root.shell.sidebarVisible = !root.shell.sidebarVisible
             }
             MenuButton {
-                title: "File"
+                title: qsTr("File")
                 commands: root.commands.file
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                title: "Playback"
+                title: qsTr("Playback")
                 commands: root.commands.playback
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                title: "Library"
+                title: qsTr("Library")
                 commands: root.libraryCommands.all
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                title: "View"
+                title: qsTr("View")
                 commands: root.commands.view
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
                 // In the narrowest window its keys must do.
                 visible: root.width >= 460
-                title: "Help"
+                title: qsTr("Help")
                 commands: root.commands.help
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
@@ -108,7 +108,7 @@ Item {
             }
             onOverlay: true
             iconName: "globe"
-            text: "Find Streams in Web Pages"
+            text: qsTr("Find Streams in Web Pages")
             shortcutText: "Ctrl+Shift+F"
             onClicked: root.commands.finderRequested()
         }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 namespace {
@@ -65,14 +67,14 @@ QString TransportModel::positionText() const
 QString TransportModel::endText() const
 {
     if (isLive())
-        return QStringLiteral("LIVE");
+        return tr("LIVE");
     return m_player.duration() > 0 ? formatTime(m_player.duration()) : QString();
 }
 
 QString TransportModel::obstacle() const
 {
     return m_player.showsWebContent() && !canSeek()
-        ? QStringLiteral("The site does not tell how long this is.")
+        ? TransportModel::tr("The site does not tell how long this is.")
         : QString();
 }
 

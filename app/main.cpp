@@ -3,6 +3,7 @@
 
 #include "app/CommandLine.h"
 #include "app/TerminalApplication.h"
+#include "app/Translations.h"
 
 #include <QCoreApplication>
 
@@ -31,6 +32,7 @@ int runInTerminal(int argc, char *argv[])
 {
     const QCoreApplication qt(argc, argv);
     lumaro::nameApplication();
+    lumaro::installTranslations();
     lumaro::CommandLine options;
     options.process();
     lumaro::TerminalApplication application(lumaro::Folders::standard());

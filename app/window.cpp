@@ -2,6 +2,7 @@
 
 #include "app/Application.h"
 #include "app/CommandLine.h"
+#include "app/Translations.h"
 #include "platform/qt/SingleInstance.h"
 
 #include <QDir>
@@ -21,8 +22,12 @@ int run(const lumaro::Folders &folders, SingleInstance &instance,
     if (!application.show())
         return 1;
     const auto open = [&application](const SingleInstance::Request &asked) {
-        if (!asked.arguments.isEmpty())
-            application.open(asked.arguments.first(), asked.workingFolder);
+        lumaro::CommandLine options;
+        options.parse(asked.arguments);
+        if (const QStringList toOpen = options.filesAndAddresses(); !toOpen.isEmpty())
+            application.open(toOpen.first(), asked.workingFolder);
+        if (options.wantsFinder())
+            application.showFinder();
     };
     open(request);
     const QObject context;
@@ -43,6 +48,7 @@ int main(int argc, char *argv[])
     lumaro::nameApplication();
     QGuiApplication::setApplicationDisplayName(QString());
     QGuiApplication::setDesktopFileName(QStringLiteral("lumaro"));
+    lumaro::installTranslations();
     lumaro::VarnApplicationDelegate::install();
 
     lumaro::CommandLine options;
@@ -50,7 +56,7 @@ int main(int argc, char *argv[])
 
     const auto folders = lumaro::Folders::standard();
     SingleInstance instance(folders.settings);
-    const SingleInstance::Request request{.arguments = options.filesAndAddresses(),
+    const SingleInstance::Request request{.arguments = QCoreApplication::arguments(),
                                           .workingFolder = QDir::currentPath(),
                                           .activationToken = qgetenv("XDG_ACTIVATION_TOKEN")};
     switch (instance.claim(request)) {

@@ -1,24 +1,40 @@
 #include "display/PortraitDisplayMode.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace lumaro {
 
-QString rawValue(PortraitDisplayMode mode)
+namespace {
+
+const char *title(PortraitDisplayMode mode)
 {
     switch (mode) {
     case PortraitDisplayMode::normal:
-        return QStringLiteral("Normal");
+        return QT_TRANSLATE_NOOP("PortraitDisplayMode", "Normal");
     case PortraitDisplayMode::fill:
-        return QStringLiteral("Portrait Fill");
+        return QT_TRANSLATE_NOOP("PortraitDisplayMode", "Portrait Fill");
     case PortraitDisplayMode::rotate:
-        return QStringLiteral("Portrait Rotate 90\u00B0");
+        return QT_TRANSLATE_NOOP("PortraitDisplayMode", "Portrait Rotate 90°");
     case PortraitDisplayMode::manual:
-        return QStringLiteral("Manual Reframe");
+        return QT_TRANSLATE_NOOP("PortraitDisplayMode", "Manual Reframe");
     case PortraitDisplayMode::smart:
-        return QStringLiteral("Smart Reframe");
+        return QT_TRANSLATE_NOOP("PortraitDisplayMode", "Smart Reframe");
     }
     Q_UNREACHABLE();
+}
+
+} // namespace
+
+QString rawValue(PortraitDisplayMode mode)
+{
+    return QString::fromUtf8(title(mode));
+}
+
+QString displayTitle(PortraitDisplayMode mode)
+{
+    return QCoreApplication::translate("PortraitDisplayMode", title(mode));
 }
 
 std::optional<PortraitDisplayMode> portraitDisplayMode(const QString &title)

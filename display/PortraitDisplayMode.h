@@ -21,8 +21,10 @@ inline constexpr std::array allPortraitDisplayModes{
     PortraitDisplayMode::normal, PortraitDisplayMode::fill, PortraitDisplayMode::rotate,
     PortraitDisplayMode::manual, PortraitDisplayMode::smart};
 
-/// The mode's title in the menu, which also names it in the settings.
+/// The mode's title, which also names it in the settings.
 QString rawValue(PortraitDisplayMode mode);
+/// The title in the user's language.
+QString displayTitle(PortraitDisplayMode mode);
 
 /// The mode that `rawValue` names exactly.
 std::optional<PortraitDisplayMode> portraitDisplayMode(const QString &rawValue);

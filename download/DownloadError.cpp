@@ -1,5 +1,7 @@
 #include "download/DownloadError.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 namespace {
@@ -17,8 +19,10 @@ QString sentence(const HttpError &error)
 QString sentence(const FileWriteError &error)
 {
     if (error.kind == FileWriteError::Kind::NoSpace)
-        return QStringLiteral("The disk is full. Choose another Save Folder or make some room.");
-    return u"The file could not be written: " + error.description + u'.';
+        return QCoreApplication::translate(
+            "DownloadError", "The disk is full. Choose another Save Folder or make some room.");
+    return QCoreApplication::translate("DownloadError", "The file could not be written: %1.")
+        .arg(error.description);
 }
 
 } // namespace
@@ -27,17 +31,23 @@ QString description(DownloadError error)
 {
     switch (error) {
     case DownloadError::invalidPlaylist:
-        return QStringLiteral("This URL is not a valid M3U8 playlist.");
+        return QCoreApplication::translate("DownloadError",
+                                           "This URL is not a valid M3U8 playlist.");
     case DownloadError::noSegments:
-        return QStringLiteral("No downloadable video segments were found.");
+        return QCoreApplication::translate("DownloadError",
+                                           "No downloadable video segments were found.");
     case DownloadError::encryptedStream:
-        return QStringLiteral("Encrypted or DRM-protected HLS streams cannot be downloaded.");
+        return QCoreApplication::translate(
+            "DownloadError", "Encrypted or DRM-protected HLS streams cannot be downloaded.");
     case DownloadError::byteRangeUnsupported:
-        return QStringLiteral("This byte-range HLS format is not supported yet.");
+        return QCoreApplication::translate("DownloadError",
+                                           "This byte-range HLS format is not supported yet.");
     case DownloadError::serverRejected:
-        return QStringLiteral("The stream server rejected the download request.");
+        return QCoreApplication::translate("DownloadError",
+                                           "The stream server rejected the download request.");
     case DownloadError::cannotCreateDestination:
-        return QStringLiteral(
+        return QCoreApplication::translate(
+            "DownloadError",
             "The selected download folder is no longer available. Choose another Save Folder.");
     }
     Q_UNREACHABLE();

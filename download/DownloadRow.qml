@@ -14,7 +14,7 @@ Item {
     signal stopped()
     signal revealed()
 
-    implicitHeight: 56
+    implicitHeight: Theme.roomFor(56, 2)
 
     Column {
         anchors {
@@ -69,13 +69,13 @@ Item {
         IconButton {
             visible: root.isActive
             iconName: "stop"
-            text: "Stop and Keep the File"
+            text: qsTr("Stop and Keep the File")
             onClicked: root.stopped()
         }
         IconButton {
             visible: root.canReveal
             iconName: "open"
-            text: "Show in Folder"
+            text: qsTr("Show in Folder")
             onClicked: root.revealed()
         }
     }

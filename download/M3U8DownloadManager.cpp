@@ -77,7 +77,7 @@ void M3U8DownloadManager::start(const QUrl &url, const std::optional<QString> &s
     const std::stop_source task;
     m_tasks.insert(key, task);
     m_names.insert(key, suggestedName.value_or(QString()));
-    setJob(key, {.message = QStringLiteral("Preparing…"), .isActive = true});
+    setJob(key, {.message = tr("Preparing…"), .isActive = true});
     run(url, suggestedName, task.get_token());
 }
 
@@ -136,7 +136,7 @@ M3U8DownloadManager::openDestination(SegmentFile &file, const QString &key,
         if (!destination)
             return std::unexpected(DownloadError::cannotCreateDestination);
         setJob(key,
-               {.message = QStringLiteral("Starting…"),
+               {.message = tr("Starting…"),
                 .isActive = true,
                 .destination = QUrl::fromLocalFile(*destination)});
         const auto created = file.create(*destination);
@@ -179,7 +179,8 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist p
                 co_return appended;
             ++count;
             if (playlist.isLive) {
-                state.message = u"Live · " + QString::number(count) + u" segments";
+                state.message = tr("Live · %n segments", nullptr, int(count));
+                state.isLive = true;
             } else {
                 const qsizetype total = playlist.segments.size();
                 state.message = QString::number(position * 100 / total) + u'%';
@@ -215,7 +216,7 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::append(QUrl segment, Seg
         co_return std::unexpected(DownloadError::cannotCreateDestination);
     if (file.isDeleted())
         co_return std::unexpected(FileWriteError{.kind = FileWriteError::Kind::Failed,
-                                                 .description = QStringLiteral("it was deleted")});
+                                                 .description = tr("it was deleted")});
     file.keep();
     co_return {};
 }
@@ -226,14 +227,14 @@ void M3U8DownloadManager::finish(const QString &key, const Outcome &outcome, boo
     JobState state;
     state.destination = m_jobs.value(key).destination;
     if (outcome) {
-        state.message = QStringLiteral("Saved");
+        state.message = tr("Saved");
         state.progress = 1;
         state.duration = seconds;
     } else if (wasStopped) {
-        state.message = QStringLiteral("Stopped · file saved");
+        state.message = tr("Stopped · file saved");
         state.duration = seconds;
     } else {
-        state.message = QStringLiteral("Download failed");
+        state.message = tr("Download failed");
     }
     m_tasks.remove(key);
     if (!outcome && !wasStopped) {
@@ -278,9 +279,8 @@ void M3U8DownloadManager::chooseSaveFolder()
 
 Task<> M3U8DownloadManager::askForSaveFolder()
 {
-    const FolderPanelRequest request{.title = QStringLiteral("Choose HLS Download Folder"),
-                                     .prompt = QStringLiteral("Choose"),
-                                     .folder = m_saveFolder};
+    const FolderPanelRequest request{
+        .title = tr("Choose HLS Download Folder"), .prompt = tr("Choose"), .folder = m_saveFolder};
     const std::stop_token stop = m_lifetime.get_token();
     const std::optional<QUrl> folder = co_await m_platform.panels.chooseFolder(request, stop);
     if (!folder || stop.stop_requested())

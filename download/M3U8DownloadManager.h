@@ -40,6 +40,8 @@ public:
         std::optional<double> progress{};
         QString message{};
         bool isActive = false;
+        /// Of a stream that grows, once a segment of it was saved, and while the job is active.
+        bool isLive = false;
         /// The file being written; empty before there is one.
         QUrl destination{};
         /// Seconds that the job took; only when it has ended with a saved file.

@@ -1,5 +1,7 @@
 #include "finder/DownloadTexts.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 
@@ -11,12 +13,15 @@ QString formattedDownloadDuration(double seconds)
     // A clock that was set back, or worse, is no reason to say nonsense.
     const double sane = std::isfinite(seconds) ? std::clamp(seconds, 0.0, 1e9) : 0;
     const qint64 whole = std::llround(sane);
-    const QString begin = QStringLiteral("Downloaded in ");
     if (whole < minute)
-        return begin + QString::number(std::max<qint64>(whole, 1)) + u" sec";
-    const QString minutes = begin + QString::number(whole / minute) + u" min";
-    return whole % minute == 0 ? minutes
-                               : minutes + u' ' + QString::number(whole % minute) + u" sec";
+        return QCoreApplication::translate("DownloadTexts", "Downloaded in %1 sec")
+            .arg(std::max<qint64>(whole, 1));
+    if (whole % minute == 0)
+        return QCoreApplication::translate("DownloadTexts", "Downloaded in %1 min")
+            .arg(whole / minute);
+    return QCoreApplication::translate("DownloadTexts", "Downloaded in %1 min %2 sec")
+        .arg(whole / minute)
+        .arg(whole % minute);
 }
 
 } // namespace lumaro

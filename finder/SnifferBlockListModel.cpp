@@ -50,14 +50,13 @@ QString SnifferBlockListModel::emptyTitle() const
 {
     if (!rows().isEmpty())
         return {};
-    return count() == 0 ? QStringLiteral("No domains in Block List.")
-                        : QStringLiteral("No matching domains found.");
+    return count() == 0 ? tr("No domains in Block List.") : tr("No matching domains found.");
 }
 
 QString SnifferBlockListModel::emptyText() const
 {
-    return count() == 0 ? QStringLiteral("You can add specific ad, tracker, or popup domains above "
-                                         "whenever you wish.")
+    return count() == 0 ? tr("You can add specific ad, tracker, or popup domains above "
+                             "whenever you wish.")
                         : QString();
 }
 
@@ -65,8 +64,8 @@ bool SnifferBlockListModel::add(const QString &text)
 {
     const bool isAdded = m_blocker.addDomain(text);
     setErrorText(isAdded ? QString()
-                         : QStringLiteral("Enter a valid domain (e.g. adserver.com) not already in "
-                                          "the list."));
+                         : tr("Enter a valid domain (e.g. adserver.com) not already in "
+                              "the list."));
     return isAdded;
 }
 
@@ -102,7 +101,7 @@ QVariant SnifferBlockListModel::data(const QModelIndex &index, int role) const
     case DomainRole:
         return domain;
     case DeleteHelpRole:
-        return QString(u"Permanently delete " + domain + u" from Block List");
+        return tr("Permanently delete %1 from Block List").arg(domain);
     default:
         return {};
     }

@@ -54,13 +54,12 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    const QString title = QStringLiteral("Ad Blocker - Block List");
-    const QString fieldPlaceholder = QStringLiteral("Add domain (e.g. example-ads.com)");
-    const QString searchPlaceholder = QStringLiteral("Search blocked domains...");
-    const QString caption = QStringLiteral("Saved automatically");
-    const QString clearTitle = QStringLiteral("Clear All Domains?");
-    const QString clearText =
-        QStringLiteral("This will permanently remove all domains from the Block List.");
+    const QString title = tr("Ad Blocker - Block List");
+    const QString fieldPlaceholder = tr("Add domain (e.g. example-ads.com)");
+    const QString searchPlaceholder = tr("Search blocked domains...");
+    const QString caption = tr("Saved automatically");
+    const QString clearTitle = tr("Clear All Domains?");
+    const QString clearText = tr("This will permanently remove all domains from the Block List.");
 
 Q_SIGNALS:
     void searchTextChanged();

@@ -46,7 +46,7 @@ Item {
         id: addButton
 
         anchors { right: parent.right; verticalCenter: field.verticalCenter }
-        text: "Add"
+        text: qsTr("Add")
         primary: true
         enabled: field.text.trim() !== ""
         onClicked: root.add()
@@ -102,7 +102,7 @@ Item {
             required property string deleteHelp
 
             width: ListView.view.width
-            height: 40
+            height: Theme.roomFor(40, 1)
             Accessible.role: Accessible.ListItem
             Accessible.name: domain
 
@@ -158,7 +158,7 @@ Item {
         }
         Button {
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-            text: "Clear All"
+            text: qsTr("Clear All")
             iconName: "trash"
             enabled: root.blockList.count > 0
             onClicked: clearing.active = true
@@ -173,7 +173,7 @@ Item {
         sourceComponent: Dialog {
             title: root.blockList.clearTitle
             text: root.blockList.clearText
-            acceptText: "Clear All"
+            acceptText: qsTr("Clear All")
             destructive: true
             onAccepted: root.blockList.removeAll()
             onClosed: clearing.active = false

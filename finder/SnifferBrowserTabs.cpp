@@ -125,7 +125,7 @@ QVariant SnifferBrowserTabs::data(const QModelIndex &index, int role) const
         const QString title = manager->pageTitle().simplified();
         if (!title.isEmpty())
             return title;
-        return manager->address().isEmpty() ? QStringLiteral("New Tab") : manager->address();
+        return manager->address().isEmpty() ? tr("New Tab") : manager->address();
     }
     default:
         return {};

@@ -20,9 +20,9 @@ QString typeText(DetectedStream::StreamType type)
 {
     switch (type) {
     case DetectedStream::StreamType::Master:
-        return QStringLiteral("Master");
+        return SnifferDetectedStreamsModel::tr("Master");
     case DetectedStream::StreamType::Variant:
-        return QStringLiteral("Variant");
+        return SnifferDetectedStreamsModel::tr("Variant");
     case DetectedStream::StreamType::Unknown:
         return QStringLiteral("HLS");
     }
@@ -136,7 +136,7 @@ void SnifferDetectedStreamsModel::save(int row)
     }
     const DetectedStream stream = found->stream;
     m_library.save(stream.url, stream.displayName.value_or(QString()));
-    Q_EMIT notice(QStringLiteral("Saved to Local M3U"));
+    Q_EMIT notice(tr("Saved to Local M3U"));
 }
 
 QString SnifferDetectedStreamsModel::addressAt(int row) const
@@ -164,8 +164,8 @@ QVariant SnifferDetectedStreamsModel::data(const QModelIndex &index, int role) c
     case IsSavedRole:
         return row.isSaved;
     case SaveHelpRole:
-        return row.isSaved ? QStringLiteral("Saved to Local M3U (Click to open in Player)")
-                           : QStringLiteral("Save to Local M3U");
+        return row.isSaved ? tr("Saved to Local M3U (Click to open in Player)")
+                           : tr("Save to Local M3U");
     case JobTextRole:
         return row.job ? jobText(*row.job) : QString();
     case JobProgressRole:

@@ -76,11 +76,10 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    const QString header = QStringLiteral("Detected M3U8 Streams");
-    const QString emptyTitle = QStringLiteral("No HLS streams detected");
-    const QString emptyText =
-        QStringLiteral("Play a video in the browser above to detect playlist requests.");
-    const QString openLibraryText = QStringLiteral("Click to open Local M3U playlist in Player");
+    const QString header = tr("Detected M3U8 Streams");
+    const QString emptyTitle = tr("No HLS streams detected");
+    const QString emptyText = tr("Play a video in the browser above to detect playlist requests.");
+    const QString openLibraryText = tr("Click to open Local M3U playlist in Player");
 
 Q_SIGNALS:
     void countChanged();

@@ -28,7 +28,7 @@ Rectangle {
         id: header
 
         anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 44
+        height: Theme.roomFor(44, 1)
         hoverEnabled: true
         focusPolicy: Qt.TabFocus
         onClicked: root.finder.isStreamsExpanded = !root.isExpanded
@@ -36,8 +36,9 @@ Rectangle {
         Keys.onEnterPressed: clicked()
         Accessible.name: root.finder.streams.header
         Accessible.description: root.finder.toggleHelp
+        Accessible.onPressAction: if (enabled) clicked()
         onHoveredChanged: hovered
-            ? ToolTips.show(header, root.isExpanded ? "Click to collapse" : root.finder.toggleHelp, "") : ToolTips.hide(header)
+            ? ToolTips.show(header, root.isExpanded ? qsTr("Click to collapse") : root.finder.toggleHelp, "") : ToolTips.hide(header)
 
         background: Rectangle {
             color: header.hovered ? Theme.fillHover : "transparent"
@@ -65,8 +66,8 @@ Rectangle {
                 anchors { left: title.right; leftMargin: Theme.spacing * 2; verticalCenter: parent.verticalCenter }
                 visible: !root.isEmpty
                 width: Math.max(height, number.implicitWidth + 12)
-                height: 20
-                radius: 10
+                height: Theme.roomFor(20, 1)
+                radius: height / 2
                 color: Theme.accent
 
                 Text {
@@ -85,7 +86,7 @@ Rectangle {
 
         IconButton {
             iconName: "open"
-            text: "Save Folder…"
+            text: qsTr("Save Folder…")
             onClicked: root.finder.downloads.chooseSaveFolder()
         }
         IconButton {
@@ -135,7 +136,7 @@ Rectangle {
                 clipboard.text = root.finder.streams.addressAt(index);
                 clipboard.selectAll();
                 clipboard.copy();
-                root.finder.tell("Address copied");
+                root.finder.tell(qsTr("Address copied"));
             }
         }
     }

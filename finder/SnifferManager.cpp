@@ -32,7 +32,7 @@ void SnifferManager::go()
     if (const auto url = webUrl(text))
         load(*url);
     else
-        setErrorMessage(QStringLiteral("Enter a valid HTTP or HTTPS address."));
+        setErrorMessage(tr("Enter a valid HTTP or HTTPS address."));
 }
 
 void SnifferManager::navigate(const QUrl &url)

@@ -41,16 +41,16 @@ public:
     Q_INVOKABLE void confirm();
     Q_INVOKABLE void applyPreset(int index);
 
-    const QString title = QStringLiteral("VPN / Proxy Configuration");
-    const QString switchText = QStringLiteral("Enable Proxy Tunnel");
-    const QString explanation = QStringLiteral(
-        "Routes all browser traffic and media streams through the proxy to unblock restricted "
-        "websites. Only this player is affected; your Mac remains on its normal internet.");
-    const QString hostLabel = QStringLiteral("Server Address (IP / Domain)");
-    const QString hostPlaceholder = QStringLiteral("e.g. 127.0.0.1 or proxy.com");
-    const QString authenticationLabel = QStringLiteral("Authentication (Username / Password)");
-    const QString usernamePlaceholder = QStringLiteral("Username (optional)");
-    const QString passwordPlaceholder = QStringLiteral("Password (optional)");
+    const QString title = tr("VPN / Proxy Configuration");
+    const QString switchText = tr("Enable Proxy Tunnel");
+    const QString explanation =
+        tr("Routes all browser traffic and media streams through the proxy to unblock restricted "
+           "websites. Only this player is affected; your Mac remains on its normal internet.");
+    const QString hostLabel = tr("Server Address (IP / Domain)");
+    const QString hostPlaceholder = tr("e.g. 127.0.0.1 or proxy.com");
+    const QString authenticationLabel = tr("Authentication (Username / Password)");
+    const QString usernamePlaceholder = tr("Username (optional)");
+    const QString passwordPlaceholder = tr("Password (optional)");
 
 private:
     SnifferProxyManager &m_manager;

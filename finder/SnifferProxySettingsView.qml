@@ -55,6 +55,7 @@ Item {
             width: parent.width
             model: root.settings.proxyTypes.map(label => ({ "text": label }))
             currentIndex: root.manager.proxyType
+            name: qsTr("Proxy Type")
             onActivated: index => root.settings.chooseType(index)
         }
 
@@ -77,11 +78,11 @@ Item {
 
                 width: 96
                 clearable: false
-                placeholderText: "Port"
+                placeholderText: qsTr("Port")
                 text: root.manager.portString
                 onTextEdited: root.manager.portString = text
                 onEditingFinished: root.settings.confirm()
-                Accessible.name: "Port"
+                Accessible.name: qsTr("Port")
             }
         }
         Flow {

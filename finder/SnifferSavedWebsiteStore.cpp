@@ -175,10 +175,10 @@ void SnifferSavedWebsiteStore::removeAll(bool onlyHistory)
 Task<> SnifferSavedWebsiteStore::exportWebsites()
 {
     const std::stop_token stop = m_lifetime.get_token();
-    const SavePanelRequest request{.title = QStringLiteral("Export Web List"),
+    const SavePanelRequest request{.title = tr("Export Web List"),
                                    .prompt = {},
                                    .proposedName = QStringLiteral("VarnWebList.json"),
-                                   .typeDescription = QStringLiteral("Web List"),
+                                   .typeDescription = tr("Web List"),
                                    .extension = QStringLiteral("json")};
     const std::optional<QUrl> file = co_await m_panels.chooseNewFile(request, stop);
     if (!file || stop.stop_requested())
@@ -193,9 +193,9 @@ Task<> SnifferSavedWebsiteStore::exportWebsites()
 Task<> SnifferSavedWebsiteStore::importWebsites()
 {
     const std::stop_token stop = m_lifetime.get_token();
-    const OpenPanelRequest request{.title = QStringLiteral("Import Web List"),
+    const OpenPanelRequest request{.title = tr("Import Web List"),
                                    .prompt = {},
-                                   .typeDescription = QStringLiteral("Web List"),
+                                   .typeDescription = tr("Web List"),
                                    .extensions = {QStringLiteral("json")}};
     const std::optional<QUrl> file = co_await m_panels.chooseFile(request, stop);
     if (!file || stop.stop_requested())

@@ -25,7 +25,7 @@ Item {
     signal saved()
     signal copied()
 
-    implicitHeight: 60
+    implicitHeight: Theme.roomFor(60, 2)
 
     Accessible.role: Accessible.ListItem
     Accessible.name: name
@@ -44,7 +44,7 @@ Item {
 
         anchors { left: parent.left; leftMargin: Theme.spacing * 4; verticalCenter: parent.verticalCenter }
         width: 60
-        height: 22
+        height: Theme.roomFor(22, 1)
         radius: Theme.radiusSmall
         color: Theme.accentSoft
 
@@ -119,16 +119,16 @@ Item {
 
         anchors { right: parent.right; rightMargin: Theme.spacing * 4; verticalCenter: parent.verticalCenter }
 
-        IconButton { iconName: "play"; text: "Play in Player"; onClicked: root.played() }
+        IconButton { iconName: "play"; text: qsTr("Play in Player"); onClicked: root.played() }
         IconButton {
             iconName: root.jobIsActive ? "stop" : "download"
-            text: root.jobIsActive ? "Stop and Keep the File" : "Download"
+            text: root.jobIsActive ? qsTr("Stop and Keep the File") : qsTr("Download")
             onClicked: root.jobIsActive ? root.stopped() : root.downloaded()
         }
         IconButton {
             visible: root.canReveal
             iconName: "open"
-            text: "Show in Folder"
+            text: qsTr("Show in Folder")
             onClicked: root.revealed()
         }
         IconButton {
@@ -137,6 +137,6 @@ Item {
             text: root.saveHelp
             onClicked: root.saved()
         }
-        IconButton { iconName: "copy"; text: "Copy Address"; onClicked: root.copied() }
+        IconButton { iconName: "copy"; text: qsTr("Copy Address"); onClicked: root.copied() }
     }
 }

@@ -14,7 +14,7 @@ Rectangle {
 
     readonly property real tabWidth: Math.max(112, Math.min(240, (width - add.width - 24) / Math.max(1, tabs.count)))
 
-    implicitHeight: 44
+    implicitHeight: Theme.roomFor(44, 1)
     color: Theme.background
 
     ListView {
@@ -35,7 +35,7 @@ Rectangle {
         highlightFollowsCurrentItem: true
         activeFocusOnTab: true
         Accessible.role: Accessible.PageTabList
-        Accessible.name: "Tabs"
+        Accessible.name: qsTr("Tabs")
         Keys.onLeftPressed: root.tabs.selectRow(root.tabs.selectedRow - 1)
         Keys.onRightPressed: root.tabs.selectRow(root.tabs.selectedRow + 1)
         Keys.onDeletePressed: root.tabs.closeRow(root.tabs.selectedRow)
@@ -57,6 +57,7 @@ Rectangle {
             Accessible.role: Accessible.PageTab
             Accessible.name: title
             Accessible.selected: isSelected
+            Accessible.onPressAction: root.tabs.selectedRow = index
 
             TapHandler {
                 acceptedButtons: Qt.MiddleButton
@@ -111,7 +112,7 @@ Rectangle {
                     focusPolicy: Qt.NoFocus
                     iconName: "close"
                     iconSize: 12
-                    text: "Close Tab"
+                    text: qsTr("Close Tab")
                     shortcutText: tab.isSelected ? "Ctrl+W" : ""
                     onClicked: root.tabs.closeRow(tab.index)
                 }
@@ -123,7 +124,7 @@ Rectangle {
 
         anchors { left: list.right; leftMargin: Theme.spacing; verticalCenter: list.verticalCenter }
         iconName: "plus"
-        text: "Open New Tab (Command-T)"
+        text: qsTr("Open New Tab (Command-T)")
         onClicked: root.newTabRequested()
     }
 }

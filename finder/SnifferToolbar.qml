@@ -62,7 +62,7 @@ Rectangle {
         id: bar
 
         anchors { left: parent.left; right: parent.right; top: parent.top }
-        height: 52
+        height: Theme.roomFor(52, 1)
 
         Row {
             id: leading
@@ -71,14 +71,14 @@ Rectangle {
 
             IconButton {
                 iconName: "back"
-                text: "Back"
+                text: qsTr("Back")
                 shortcutText: "Alt+Left"
                 enabled: root.tab.canGoBack
                 onClicked: root.tab.goBack()
             }
             IconButton {
                 iconName: "forward"
-                text: "Forward"
+                text: qsTr("Forward")
                 shortcutText: "Alt+Right"
                 enabled: root.tab.canGoForward
                 onClicked: root.tab.goForward()
@@ -86,7 +86,7 @@ Rectangle {
             IconButton {
                 iconName: root.tab.isLoading ? "close" : "reload"
                 iconSize: root.tab.isLoading ? 16 : Theme.iconSize
-                text: root.tab.isLoading ? "Stop" : "Reload"
+                text: root.tab.isLoading ? qsTr("Stop") : qsTr("Reload")
                 shortcutText: root.tab.isLoading ? "Esc" : "Ctrl+R"
                 enabled: root.tab.isLoading || root.tab.wantsView
                 onClicked: root.tab.isLoading ? root.tab.stopLoading() : root.tab.reload()
@@ -100,7 +100,7 @@ Rectangle {
                 leftMargin: Theme.spacing * 2; rightMargin: Theme.spacing * 2
             }
             iconName: "globe"
-            placeholderText: "Enter the address of a web page"
+            placeholderText: qsTr("Enter the address of a web page")
             errorText: root.tab.errorMessage
             inputMethodHints: Qt.ImhUrlCharactersOnly | Qt.ImhNoPredictiveText
             // The page does not write over what the user is typing.
@@ -124,7 +124,7 @@ Rectangle {
                 isEdited = false;
                 root.pageWanted();
             }
-            Accessible.name: "Address"
+            Accessible.name: qsTr("Address")
 
             // Typing breaks a plain binding.
             Binding on text {
@@ -198,7 +198,7 @@ Rectangle {
         id: error
 
         anchors { left: parent.left; right: parent.right; top: bar.bottom }
-        height: 32
+        height: Theme.roomFor(32, 1)
         visible: root.tab.errorMessage !== ""
 
         Icon {

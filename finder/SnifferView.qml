@@ -112,8 +112,8 @@ FocusScope {
             width: Math.min(parent.width - 64, 420)
             visible: root.page === null
             iconName: "globe"
-            title: "Find the streams of a web page"
-            text: "Type an address above, play the video there, and its HLS streams are listed below."
+            title: qsTr("Find the streams of a web page")
+            text: qsTr("Type an address above, play the video there, and its HLS streams are listed below.")
         }
         Toast {
             anchors {

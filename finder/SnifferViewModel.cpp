@@ -5,6 +5,7 @@
 #include "finder/WebAddress.h"
 #include "platform/AtomicFile.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace lumaro {
@@ -157,8 +158,8 @@ void SnifferViewModel::setStreamsExpanded(bool expanded)
 
 QString SnifferViewModel::toggleHelp() const
 {
-    return m_isStreamsExpanded ? QStringLiteral("Collapse Detected Streams (-)")
-                               : QStringLiteral("Expand Detected Streams (+)");
+    return m_isStreamsExpanded ? tr("Collapse Detected Streams (-)")
+                               : tr("Expand Detected Streams (+)");
 }
 
 // Files
@@ -177,7 +178,8 @@ int SnifferViewModel::beginSaving(const QString &proposedName)
     const int saving = ++m_lastSaving;
     // A page may ask as often as it likes, but the user answers one after the other.
     if (m_placeless.size() >= mostPlaceless) {
-        Q_EMIT notice(QStringLiteral("The page wants to save more files than can be asked for."));
+        Q_EMIT notice(
+            SnifferViewModel::tr("The page wants to save more files than can be asked for."));
         return saving;
     }
     m_savings.insert(saving, {.proposedName = name.isEmpty() ? QStringLiteral("download") : name});
@@ -196,10 +198,10 @@ Task<> SnifferViewModel::choosePlaces()
         const auto found = m_savings.constFind(saving);
         if (found == m_savings.cend())
             continue;
-        const SavePanelRequest panel{.title = QStringLiteral("Save File"),
+        const SavePanelRequest panel{.title = SnifferViewModel::tr("Save File"),
                                      .prompt = QStringLiteral("Save"),
                                      .proposedName = found->proposedName,
-                                     .typeDescription = QStringLiteral("All files"),
+                                     .typeDescription = SnifferViewModel::tr("All files"),
                                      .extension = {}};
         const std::optional<QUrl> file = co_await m_parts.panels.chooseNewFile(panel, stop);
         if (stop.stop_requested())
@@ -232,9 +234,9 @@ int SnifferViewModel::beginUpload()
 Task<> SnifferViewModel::chooseUpload(int upload)
 {
     const std::stop_token stop = m_lifetime.get_token();
-    const OpenPanelRequest panel{.title = QStringLiteral("Choose File to Upload"),
+    const OpenPanelRequest panel{.title = SnifferViewModel::tr("Choose File to Upload"),
                                  .prompt = QStringLiteral("Upload"),
-                                 .typeDescription = QStringLiteral("All files"),
+                                 .typeDescription = SnifferViewModel::tr("All files"),
                                  .extensions = {}};
     const std::optional<QUrl> file = co_await m_parts.panels.chooseFile(panel, stop);
     if (!stop.stop_requested())
@@ -273,10 +275,10 @@ Task<> SnifferViewModel::moveSaved(int number)
         co_return;
     const QString name = QFileInfo(saving.place).fileName();
     if (moved) {
-        Q_EMIT notice(u"Saved: " + name);
+        Q_EMIT notice(tr("Saved: %1").arg(name));
         co_return;
     }
-    Q_EMIT notice(u"Could not save " + name + u": " + moved.error().description);
+    Q_EMIT notice(tr("Could not save %1: %2").arg(name, moved.error().description));
     // There may be another place for it.
     if (QFile::exists(saving.path)) {
         m_savings.insert(number, {.proposedName = name, .path = saving.path});
@@ -288,7 +290,7 @@ Task<> SnifferViewModel::moveSaved(int number)
 void SnifferViewModel::abandonSaving(int saving, const QString &reason)
 {
     if (m_savings.remove(saving) && !reason.isEmpty())
-        Q_EMIT notice(u"Could not save the file: " + reason);
+        Q_EMIT notice(tr("Could not save the file: %1").arg(reason));
 }
 
 } // namespace lumaro

@@ -1,7 +1,5 @@
 #include "finder/SnifferWebListModel.h"
 
-#include <QLocale>
-
 #include <algorithm>
 
 namespace lumaro {
@@ -13,8 +11,8 @@ QString visitsText(qint64 count)
     if (count == 0)
         return {};
     if (count == 1)
-        return QStringLiteral("Visited once");
-    return u"Visited " + QLocale::c().toString(count) + u" times";
+        return SnifferWebListModel::tr("Visited once");
+    return SnifferWebListModel::tr("Visited %n times", nullptr, int(count));
 }
 
 } // namespace
@@ -30,7 +28,7 @@ SnifferWebListModel::SnifferWebListModel(SnifferSavedWebsiteStore &store, QObjec
 
 QStringList SnifferWebListModel::filterTabs()
 {
-    return {QStringLiteral("Saved"), QStringLiteral("History")};
+    return {tr("Saved"), tr("History")};
 }
 
 QList<SnifferSavedWebsite> SnifferWebListModel::matchingWebsites() const
@@ -84,9 +82,8 @@ QString SnifferWebListModel::emptyTitle() const
     if (!rows().isEmpty())
         return {};
     if (!m_searchText.trimmed().isEmpty())
-        return QStringLiteral("No websites found");
-    return m_filterTab == Saved ? QStringLiteral("No saved websites yet")
-                                : QStringLiteral("No browsing history yet");
+        return tr("No websites found");
+    return m_filterTab == Saved ? tr("No saved websites yet") : tr("No browsing history yet");
 }
 
 QString SnifferWebListModel::emptyText() const
@@ -94,9 +91,9 @@ QString SnifferWebListModel::emptyText() const
     if (!m_searchText.trimmed().isEmpty())
         return {};
     return m_filterTab == Saved
-        ? QStringLiteral("Enter a website URL above and click the Star button to save sites for "
-                         "quick access.")
-        : QStringLiteral("Websites you visit in the sniffer will appear here automatically.");
+        ? tr("Enter a website URL above and click the Star button to save sites for "
+             "quick access.")
+        : tr("Websites you visit in the sniffer will appear here automatically.");
 }
 
 bool SnifferWebListModel::canClear() const
@@ -108,15 +105,14 @@ bool SnifferWebListModel::canClear() const
 
 QString SnifferWebListModel::clearTitle() const
 {
-    return m_filterTab == Saved ? QStringLiteral("Clear Web List?")
-                                : QStringLiteral("Clear History?");
+    return m_filterTab == Saved ? tr("Clear Web List?") : tr("Clear History?");
 }
 
 QString SnifferWebListModel::clearText() const
 {
     return m_filterTab == Saved
-        ? QStringLiteral("This will permanently remove all saved websites and the history.")
-        : QStringLiteral("This will permanently remove all visited websites. Saved websites stay.");
+        ? tr("This will permanently remove all saved websites and the history.")
+        : tr("This will permanently remove all visited websites. Saved websites stay.");
 }
 
 QString SnifferWebListModel::addressAt(int row) const

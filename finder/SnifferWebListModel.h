@@ -68,7 +68,7 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    const QString searchPlaceholder = QStringLiteral("Search saved websites or history...");
+    const QString searchPlaceholder = tr("Search saved websites or history...");
 
 Q_SIGNALS:
     void filterTabChanged();

@@ -19,6 +19,7 @@ Item {
         anchors { left: parent.left; right: actions.left; top: parent.top; rightMargin: Theme.spacing * 2 }
         model: root.webList.filterTabs.map(title => ({ "text": title }))
         currentIndex: root.webList.filterTab
+        name: qsTr("Websites")
         onActivated: index => root.webList.filterTab = index
     }
     Row {
@@ -26,8 +27,8 @@ Item {
 
         anchors { right: parent.right; verticalCenter: tabs.verticalCenter }
 
-        IconButton { iconName: "import"; text: "Import Web List"; onClicked: root.webList.importWebsites() }
-        IconButton { iconName: "export"; text: "Export Web List"; onClicked: root.webList.exportWebsites() }
+        IconButton { iconName: "import"; text: qsTr("Import Web List"); onClicked: root.webList.importWebsites() }
+        IconButton { iconName: "export"; text: qsTr("Export Web List"); onClicked: root.webList.exportWebsites() }
         IconButton {
             iconName: "trash"
             text: root.webList.clearTitle.replace("?", "")
@@ -85,13 +86,14 @@ Item {
             required property string visits
 
             width: ListView.view.width
-            height: 52
+            height: Theme.roomFor(52, 2)
             hoverEnabled: true
             focusPolicy: Qt.NoFocus
             onClicked: root.websiteActivated(address, false)
             Accessible.role: Accessible.ListItem
             Accessible.name: title
             Accessible.description: address
+            Accessible.onPressAction: root.websiteActivated(address, false)
 
             TapHandler {
                 acceptedButtons: Qt.MiddleButton
@@ -139,19 +141,19 @@ Item {
                         iconName: "star"
                         iconSize: 16
                         checked: row.isFavorite
-                        text: row.isFavorite ? "Remove from Saved" : "Save"
+                        text: row.isFavorite ? qsTr("Remove from Saved") : qsTr("Save")
                         onClicked: root.webList.toggleFavorite(row.index)
                     }
                     IconButton {
                         iconName: "plus"
                         iconSize: 16
-                        text: "Open in New Tab"
+                        text: qsTr("Open in New Tab")
                         onClicked: root.websiteActivated(row.address, true)
                     }
                     IconButton {
                         iconName: "close"
                         iconSize: 14
-                        text: "Remove"
+                        text: qsTr("Remove")
                         onClicked: root.webList.remove(row.index)
                     }
                 }
@@ -175,7 +177,7 @@ Item {
         sourceComponent: Dialog {
             title: root.webList.clearTitle
             text: root.webList.clearText
-            acceptText: "Clear"
+            acceptText: qsTr("Clear")
             destructive: true
             onAccepted: root.webList.clear()
             onClosed: clearing.active = false

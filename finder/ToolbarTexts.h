@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace lumaro {
@@ -14,29 +15,34 @@ inline QString adBlockerToolTip(bool isEnabled)
 
 inline QString blockListToolTip()
 {
-    return QStringLiteral("Manage Block List (Add or remove blocked domains)");
+    return QCoreApplication::translate("ToolbarTexts",
+                                       "Manage Block List (Add or remove blocked domains)");
 }
 
 inline QString proxyToolTip(bool isEnabled)
 {
-    return isEnabled ? QStringLiteral("VPN / Proxy: Active (Bypassing blocked sites)")
-                     : QStringLiteral("VPN / Proxy: Off (Click to enable)");
+    return isEnabled
+        ? QCoreApplication::translate("ToolbarTexts",
+                                      "VPN / Proxy: Active (Bypassing blocked sites)")
+        : QCoreApplication::translate("ToolbarTexts", "VPN / Proxy: Off (Click to enable)");
 }
 
 inline QString proxySettingsToolTip()
 {
-    return QStringLiteral("Configure Proxy / VPN Server (SOCKS5 / HTTP)");
+    return QCoreApplication::translate("ToolbarTexts",
+                                       "Configure Proxy / VPN Server (SOCKS5 / HTTP)");
 }
 
 inline QString starToolTip(bool isFavorite)
 {
-    return isFavorite ? QStringLiteral("Saved in Web List (Click to unsave)")
-                      : QStringLiteral("Save website to Web List");
+    return isFavorite
+        ? QCoreApplication::translate("ToolbarTexts", "Saved in Web List (Click to unsave)")
+        : QCoreApplication::translate("ToolbarTexts", "Save website to Web List");
 }
 
 inline QString webListToolTip()
 {
-    return QStringLiteral("Show Saved Websites & Visited History");
+    return QCoreApplication::translate("ToolbarTexts", "Show Saved Websites & Visited History");
 }
 
 } // namespace lumaro

@@ -1,16 +1,20 @@
 #include "platform/UserDefaults.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 QString UserDefaultsError::description() const
 {
     switch (kind) {
     case Kind::NoSpace:
-        return QStringLiteral("There is no space left on the disk.");
+        return QCoreApplication::translate("UserDefaultsError",
+                                           "There is no space left on the disk.");
     case Kind::NotPermitted:
-        return QStringLiteral("The settings folder cannot be written to.");
+        return QCoreApplication::translate("UserDefaultsError",
+                                           "The settings folder cannot be written to.");
     case Kind::Failed:
-        return QStringLiteral("The settings could not be saved.");
+        return QCoreApplication::translate("UserDefaultsError", "The settings could not be saved.");
     }
     Q_UNREACHABLE();
 }

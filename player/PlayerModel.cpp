@@ -5,6 +5,7 @@
 #include "platform/NotificationCenter.h"
 #include "player/PlaylistFile.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -81,7 +82,7 @@ Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayNa
     const QUuid requestID = renewRemoteRequest();
     const std::optional<QUrl> url = remoteUrl(normalizedRemoteAddress(address));
     if (!url) {
-        publish(m_errorMessage, QStringLiteral("Enter a valid HTTP or HTTPS address."),
+        publish(m_errorMessage, tr("Enter a valid HTTP or HTTPS address."),
                 &PlayerModel::errorMessageChanged);
         co_return;
     }
@@ -141,9 +142,9 @@ void PlayerModel::playFile(const QUrl &url)
 Task<> PlayerModel::openFile()
 {
     const OpenPanelRequest request{
-        .title = QStringLiteral("Choose Media to Play"),
+        .title = tr("Choose Media to Play"),
         .prompt = {},
-        .typeDescription = QStringLiteral("Media files"),
+        .typeDescription = tr("Media files"),
         .extensions = supportedMediaExtensions(),
     };
     const std::stop_token stop = m_lifetime.get_token();
@@ -184,11 +185,11 @@ Task<> PlayerModel::loadM3U(QUrl url, std::optional<QString> displayName, QUuid 
         m_playlist = *result;
         m_isPlaylistRemote = true;
         Q_EMIT playlistChanged();
-        publish(m_title, trimmedOr(displayName, QStringLiteral("IPTV Playlist")),
+        publish(m_title, trimmedOr(displayName, PlayerModel::tr("IPTV Playlist")),
                 &PlayerModel::titleChanged);
         Q_EMIT sourceOpened(url, displayName.value_or(QString()).trimmed());
     } else {
-        publish(m_errorMessage, u"Could not open playlist: " + result.error(),
+        publish(m_errorMessage, tr("Could not open playlist: %1").arg(result.error()),
                 &PlayerModel::errorMessageChanged);
     }
     updateIsLoading();
@@ -202,8 +203,7 @@ Task<PlayerModel::PlaylistResult> PlayerModel::fetchPlaylist(QUrl url, std::stop
     if (!response)
         co_return std::unexpected(response.error().description());
     if (response->status < 200 || response->status > 299)
-        co_return std::unexpected(
-            QStringLiteral("The server answered with status %1.").arg(response->status));
+        co_return std::unexpected(tr("The server answered with status %1.").arg(response->status));
     if (stop.stop_requested())
         co_return std::unexpected(QString());
     const auto parsing = scheduler.inBackground(
@@ -223,9 +223,9 @@ Task<std::optional<PlaylistEntries>> PlayerModel::importLocalM3U(std::optional<Q
 Task<std::optional<QUrl>> PlayerModel::chooseM3UFile()
 {
     const OpenPanelRequest request{
-        .title = QStringLiteral("Import M3U Playlist"),
-        .prompt = QStringLiteral("Import"),
-        .typeDescription = QStringLiteral("M3U playlists and plain text"),
+        .title = tr("Import M3U Playlist"),
+        .prompt = tr("Import"),
+        .typeDescription = tr("M3U playlists and plain text"),
         .extensions = {QStringLiteral("m3u"), QStringLiteral("txt")},
     };
     const std::stop_token stop = m_lifetime.get_token();
@@ -257,7 +257,7 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
                 &PlayerModel::titleChanged);
         Q_EMIT sourceOpened(file, displayName.value_or(QString()).trimmed());
     } else {
-        result = std::unexpected(u"Could not import playlist: " + result.error());
+        result = std::unexpected(tr("Could not import playlist: %1").arg(result.error()));
         publish(m_errorMessage, result.error(), &PlayerModel::errorMessageChanged);
     }
     m_isImporting = false;
@@ -379,9 +379,8 @@ void PlayerModel::setVolume(double value)
 void PlayerModel::adjustVolume(double delta)
 {
     setVolume(std::clamp(std::round((m_volume + delta) * 100) / 100, 0.0, 1.0));
-    const QString text = m_volume == 0
-        ? QStringLiteral("Volume: 0% (Muted)")
-        : QStringLiteral("Volume: %1%").arg(std::lround(m_volume * 100));
+    const QString text = m_volume == 0 ? tr("Volume: 0% (Muted)")
+                                       : tr("Volume: %1%").arg(std::lround(m_volume * 100));
     showToast(text, volumeToastDuration);
 }
 
@@ -407,9 +406,8 @@ void PlayerModel::showToast(const QString &message, Scheduler::Duration duration
 void PlayerModel::replayLastSourceOrShowToast()
 {
     if (!m_lastPlayableSource) {
-        showToast(
-            QStringLiteral("No media or URL is available. Open a file or enter a stream URL."),
-            toastDuration);
+        showToast(tr("No media or URL is available. Open a file or enter a stream URL."),
+                  toastDuration);
         return;
     }
     if (const auto *media = std::get_if<MediaSource>(&*m_lastPlayableSource)) {

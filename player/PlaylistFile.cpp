@@ -3,6 +3,7 @@
 #include "playlist/PlaylistParser.h"
 #include "playlist/UrlPath.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -42,10 +43,11 @@ std::expected<PlaylistEntries, QString> readPlaylistFile(const QUrl &file, qint6
     const QString path = file.toLocalFile();
     const QFileInfo info(path);
     if (!info.exists())
-        return std::unexpected(QStringLiteral("The file does not exist."));
+        return std::unexpected(
+            QCoreApplication::translate("PlaylistFile", "The file does not exist."));
     // Reading a pipe or a device might never end.
     if (!info.isFile())
-        return std::unexpected(QStringLiteral("It is not a file."));
+        return std::unexpected(QCoreApplication::translate("PlaylistFile", "It is not a file."));
 
     // What its size says need not be what comes.
     QFile input(path);
@@ -60,9 +62,11 @@ std::expected<PlaylistEntries, QString> readPlaylistFile(const QUrl &file, qint6
         }
     }
     if (input.error() != QFileDevice::NoError)
-        return std::unexpected(QStringLiteral("The file could not be read."));
+        return std::unexpected(
+            QCoreApplication::translate("PlaylistFile", "The file could not be read."));
     if (bytes.size() > maximumSize)
-        return std::unexpected(QStringLiteral("The file is too large for a playlist."));
+        return std::unexpected(
+            QCoreApplication::translate("PlaylistFile", "The file is too large for a playlist."));
 
     return readPlaylist(bytes, file);
 }

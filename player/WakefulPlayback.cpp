@@ -3,6 +3,8 @@
 #include "platform/KeepAwake.h"
 #include "player/PlayerModel.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 WakefulPlayback::WakefulPlayback(const PlayerModel &player, KeepAwake &screen, QObject *parent)
@@ -35,7 +37,7 @@ void WakefulPlayback::setAwake(bool awake)
         return;
     m_isAwake = awake;
     if (awake)
-        m_screen.keepAwake(QStringLiteral("Playing a video"));
+        m_screen.keepAwake(QCoreApplication::translate("WakefulPlayback", "Playing a video"));
     else
         m_screen.release();
 }

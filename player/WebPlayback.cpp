@@ -1,5 +1,6 @@
 #include "player/WebPlayback.h"
 
+#include <QCoreApplication>
 #include <QVariantList>
 
 #include <array>
@@ -110,14 +111,19 @@ QString youTubeErrorText(int error)
 {
     switch (error) {
     case 2:
-        return QStringLiteral("YouTube knows no video at this address.");
+        return QCoreApplication::translate("WebPlayback",
+                                           "YouTube knows no video at this address.");
     case 100:
-        return QStringLiteral("This video has been removed, or is private.");
+        return QCoreApplication::translate("WebPlayback",
+                                           "This video has been removed, or is private.");
     case 101:
     case 150:
-        return QStringLiteral("The owner of this video allows it on YouTube's own site only.");
+        return QCoreApplication::translate(
+            "WebPlayback", "The owner of this video allows it on YouTube's own site only.");
     default:
-        return QStringLiteral("YouTube cannot play this video here (error %1).").arg(error);
+        return QCoreApplication::translate("WebPlayback",
+                                           "YouTube cannot play this video here (error %1).")
+            .arg(error);
     }
 }
 

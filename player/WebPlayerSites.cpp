@@ -2,6 +2,8 @@
 #include "player/WebPlayerView.h"
 #include "player/YouTubePage.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 // YouTube
@@ -31,7 +33,8 @@ void YouTubePlayerView::ask(PlayerPage &page, PlayerPage::Answer answer) const
 
 QString YouTubePlayerView::noPlayerText() const
 {
-    return QStringLiteral("YouTube's player does not appear. The connection may be gone.");
+    return QCoreApplication::translate(
+        "WebPlayerSites", "YouTube's player does not appear. The connection may be gone.");
 }
 
 // OK.ru
@@ -61,12 +64,12 @@ void OKVideoPlayerView::ask(PlayerPage &page, PlayerPage::Answer answer) const
 
 QString OKVideoPlayerView::errorText(int) const
 {
-    return QStringLiteral("OK.ru's player cannot play this video.");
+    return QCoreApplication::translate("WebPlayerSites", "OK.ru's player cannot play this video.");
 }
 
 QString OKVideoPlayerView::noPlayerText() const
 {
-    return QStringLiteral("OK.ru shows no video at this address.");
+    return QCoreApplication::translate("WebPlayerSites", "OK.ru shows no video at this address.");
 }
 
 bool OKVideoPlayerView::isPlayerPage(const QUrl &url) const

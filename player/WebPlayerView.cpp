@@ -4,6 +4,8 @@
 #include "platform/Workspace.h"
 #include "player/PlayerModel.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 WebPlayerView::WebPlayerView(const WebPlayerPlatform &platform, WebPlayerRegistry &registry,
@@ -50,8 +52,9 @@ void WebPlayerView::attach(PlayerPage *page, PlayerRecordingSurface *surface)
         announce();
     });
     connect(m_page, &PlayerPage::loadFailed, this, &WebPlayerView::fail);
-    connect(m_page, &PlayerPage::crashed, this,
-            [this] { fail(QStringLiteral("The page with the player has crashed.")); });
+    connect(m_page, &PlayerPage::crashed, this, [this] {
+        fail(QCoreApplication::translate("WebPlayerView", "The page with the player has crashed."));
+    });
     update();
 }
 
@@ -149,7 +152,8 @@ QString WebPlayerView::reasonToGiveUp() const
 {
     const Scheduler::TimePoint now = m_platform.scheduler.now();
     if (m_watch.askedAt && now - *m_watch.askedAt > answerPatience)
-        return QStringLiteral("The page with the player does not answer.");
+        return QCoreApplication::translate("WebPlayerView",
+                                           "The page with the player does not answer.");
     if (m_watch.isReady || m_watch.wasHeard)
         return {};
     if (!m_watch.pageIsThere)
@@ -159,7 +163,9 @@ QString WebPlayerView::reasonToGiveUp() const
 
 QString WebPlayerView::doesNotAnswer() const
 {
-    return siteName() + QStringLiteral(" does not answer. The connection may be gone.");
+    return QCoreApplication::translate("WebPlayerView",
+                                       "%1 does not answer. The connection may be gone.")
+        .arg(siteName());
 }
 
 void WebPlayerView::hear(const QVariant &answer)

@@ -1,5 +1,7 @@
 #include "player/WebPlayers.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 WebPlayers::WebPlayers(const WebPlayerPlatform &platform, YouTubePlayerRegistry &youTube,
@@ -40,7 +42,8 @@ void WebPlayers::requestEngine()
             Q_EMIT hasEngineChanged();
             return;
         }
-        const QString sentence = QStringLiteral("The web player could not be loaded.");
+        const QString sentence =
+            QCoreApplication::translate("WebPlayers", "The web player could not be loaded.");
         m_youTube.fail(sentence);
         m_okVideo.fail(sentence);
     });

@@ -2,6 +2,8 @@
 
 #include "platform/Utf8Text.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace lumaro {
@@ -55,7 +57,7 @@ void ChannelIndex::arrangeByGroup(const PlaylistEntries &entries)
     m_groups.resize(size_t(named) + 1);
     for (int group = 0; group < named; ++group)
         m_groups[size_t(group)].title = shown(entries.groupTitle(group).toUtf8());
-    m_groups.back().title = QStringLiteral("Other");
+    m_groups.back().title = QCoreApplication::translate("ChannelIndex", "Other");
 
     for (qsizetype entry = 0; entry < entries.size(); ++entry)
         ++m_groups[slot(entry)].count;

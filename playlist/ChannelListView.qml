@@ -61,7 +61,8 @@ Item {
             leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
         }
         iconName: "search"
-        placeholderText: "Search %1 channels".arg(root.channels.count.toLocaleString(Qt.locale(), "f", 0))
+        placeholderText: root.channels.count === 1 ? qsTr("Search 1 channel")
+                       : qsTr("Search %Ln channels", "", root.channels.count)
         text: root.channels.filterText
         onTextEdited: root.channels.filterText = text
         onCleared: root.channels.filterText = ""
@@ -85,13 +86,13 @@ Item {
             else
                 root.channels.filterText = "";
         }
-        Accessible.name: "Search channels"
+        Accessible.name: qsTr("Search channels")
     }
 
     ListView {
         id: list
 
-        readonly property int rowHeight: 52
+        readonly property int rowHeight: Theme.roomFor(52, 2)
         // While rows fly past, their logos are not worth fetching.
         readonly property bool isHurried: Math.abs(verticalVelocity) > 3000
 
@@ -111,7 +112,7 @@ Item {
         T.ScrollBar.vertical: ScrollBar {}
 
         Accessible.role: Accessible.List
-        Accessible.name: "Channels"
+        Accessible.name: qsTr("Channels")
 
         Keys.onUpPressed: root.move(-1)
         Keys.onDownPressed: root.move(1)
@@ -153,9 +154,10 @@ Item {
             }
 
             Accessible.role: Accessible.ListItem
-            Accessible.name: isGroup ? "%1, %2 channels".arg(name).arg(channelCount) : name
+            Accessible.name: isGroup ? qsTr("%1, %n channels", "", channelCount).arg(name) : name
             Accessible.description: isGroup ? "" : [country, group].filter(t => t !== "").join(", ")
             Accessible.selected: ListView.isCurrentItem
+            Accessible.onPressAction: if (enabled) clicked()
 
             background: Rectangle {
                 anchors { fill: parent; leftMargin: Theme.spacing; rightMargin: Theme.spacing }
@@ -204,7 +206,7 @@ Item {
         }
         visible: root.channels.matchCount === 0 && root.channels.filterText !== ""
         iconName: "search"
-        title: "No matches"
-        text: "No channel or category contains “%1”.".arg(root.channels.filterText)
+        title: qsTr("No matches")
+        text: qsTr("No channel or category contains “%1”.").arg(root.channels.filterText)
     }
 }

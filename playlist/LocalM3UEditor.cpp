@@ -79,9 +79,9 @@ void LocalM3UEditor::chooseLogoFile()
 Task<> LocalM3UEditor::askForLogoFile(std::stop_token stop)
 {
     const OpenPanelRequest request{
-        .title = QStringLiteral("Choose Logo File"),
-        .prompt = QStringLiteral("Choose"),
-        .typeDescription = QStringLiteral("Images"),
+        .title = tr("Choose Logo File"),
+        .prompt = tr("Choose"),
+        .typeDescription = tr("Images"),
         .extensions = {QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
                        QStringLiteral("gif"), QStringLiteral("bmp"), QStringLiteral("svg"),
                        QStringLiteral("ico")},

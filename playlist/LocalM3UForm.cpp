@@ -3,6 +3,8 @@
 #include "platform/Utf8Text.h"
 #include "playlist/AddressReader.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 namespace {
@@ -24,13 +26,14 @@ QString description(LocalM3UFormError error)
 {
     switch (error) {
     case LocalM3UFormError::emptyName:
-        return QStringLiteral("Enter a channel or video name.");
+        return QCoreApplication::translate("LocalM3UForm", "Enter a channel or video name.");
     case LocalM3UFormError::invalidAddress:
-        return QStringLiteral("Enter a valid HTTP or HTTPS M3U8 URL.");
+        return QCoreApplication::translate("LocalM3UForm", "Enter a valid HTTP or HTTPS M3U8 URL.");
     case LocalM3UFormError::invalidLogoAddress:
-        return QStringLiteral("Enter a valid logo URL.");
+        return QCoreApplication::translate("LocalM3UForm", "Enter a valid logo URL.");
     case LocalM3UFormError::invalidCountryCode:
-        return QStringLiteral("Enter a country code of two characters.");
+        return QCoreApplication::translate("LocalM3UForm",
+                                           "Enter a country code of two characters.");
     }
     Q_UNREACHABLE();
 }

@@ -82,8 +82,8 @@ Item {
         iconName: "search"
         // With nothing typed it is meant for the list.
         takesMenuKey: text !== ""
-        placeholderText: root.links.count === 1 ? "Search 1 link"
-                       : "Search %1 links".arg(root.links.count.toLocaleString(Qt.locale(), "f", 0))
+        placeholderText: root.links.count === 1 ? qsTr("Search 1 link")
+                       : qsTr("Search %Ln links", "", root.links.count)
         text: root.links.filterText
         onTextEdited: root.links.filterText = text
         onCleared: root.links.filterText = ""
@@ -100,13 +100,13 @@ Item {
             else
                 root.links.filterText = "";
         }
-        Accessible.name: "Search Local M3U"
+        Accessible.name: qsTr("Search Local M3U")
     }
 
     ListView {
         id: list
 
-        readonly property int rowHeight: 52
+        readonly property int rowHeight: Theme.roomFor(52, 2)
         // While rows fly past, their logos are not worth fetching.
         readonly property bool isHurried: Math.abs(verticalVelocity) > 3000
 
@@ -125,7 +125,7 @@ Item {
         T.ScrollBar.vertical: ScrollBar {}
 
         Accessible.role: Accessible.List
-        Accessible.name: "Local M3U"
+        Accessible.name: qsTr("Local M3U")
 
         Keys.onPressed: event => root.handleKey(event)
         Keys.onReturnPressed: root.play()
@@ -170,6 +170,7 @@ Item {
             Accessible.name: name
             Accessible.description: [country, group].filter(t => t !== "").join(", ")
             Accessible.selected: isSelected
+            Accessible.onPressAction: if (enabled) clicked()
 
             background: Rectangle {
                 anchors { fill: parent; leftMargin: Theme.spacing; rightMargin: Theme.spacing }
@@ -204,7 +205,7 @@ Item {
                     visible: row.hovered
                     focusPolicy: Qt.NoFocus
                     iconName: "more"
-                    text: "More"
+                    text: qsTr("More")
                     onClicked: root.askForMenu(row.index, more, 0, more.height)
                 }
             }
@@ -219,7 +220,7 @@ Item {
         }
         visible: root.links.matchCount === 0 && root.links.filterText !== ""
         iconName: "search"
-        title: "No matches"
-        text: "No name or category contains “%1”.".arg(root.links.filterText)
+        title: qsTr("No matches")
+        text: qsTr("No name or category contains “%1”.").arg(root.links.filterText)
     }
 }

@@ -27,7 +27,7 @@ QString nameFor(const QUrl &url, const QString &given)
 
 QString failureText(const UserDefaultsError &error)
 {
-    return u"Local M3U could not be saved. " + error.description();
+    return LocalM3UStore::tr("Local M3U could not be saved. %1").arg(error.description());
 }
 
 PlaylistEntries load(UserDefaults &defaults)

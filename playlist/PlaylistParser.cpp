@@ -5,6 +5,8 @@
 #include "playlist/ExtInf.h"
 #include "playlist/UrlPath.h"
 
+#include <QCoreApplication>
+
 namespace lumaro {
 
 namespace {
@@ -102,9 +104,11 @@ QString description(PlaylistError error)
 {
     switch (error) {
     case PlaylistError::invalidEncoding:
-        return QStringLiteral("The playlist text could not be read.");
+        return QCoreApplication::translate("PlaylistParser",
+                                           "The playlist text could not be read.");
     case PlaylistError::empty:
-        return QStringLiteral("No playable address was found in the playlist.");
+        return QCoreApplication::translate("PlaylistParser",
+                                           "No playable address was found in the playlist.");
     }
     Q_UNREACHABLE();
 }

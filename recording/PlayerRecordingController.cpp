@@ -23,17 +23,19 @@ QString qualityWord(PlayerRecordingQuality quality)
 
 SavePanelAccessory stopAfterField(const QUrl &folder)
 {
-    return {.label = QStringLiteral("Stop After (Optional)"),
-            .placeholder = QStringLiteral("30m or 1.2hr"),
-            .toolTip = QStringLiteral("Optional: enter a duration such as 30m or 1.2hr. Leave "
-                                      "blank to stop manually."),
-            .hint = QStringLiteral("Examples: 30m, 90m, 1.2hr. Leave blank for manual Stop."),
+    return {.label = PlayerRecordingController::tr("Stop After (Optional)"),
+            .placeholder = PlayerRecordingController::tr("30m or 1.2hr"),
+            .toolTip = PlayerRecordingController::tr(
+                "Optional: enter a duration such as 30m or 1.2hr. Leave "
+                "blank to stop manually."),
+            .hint = PlayerRecordingController::tr(
+                "Examples: 30m, 90m, 1.2hr. Leave blank for manual Stop."),
             .folder = folder};
 }
 
 QString unknownError()
 {
-    return QStringLiteral("Unknown recording error.");
+    return PlayerRecordingController::tr("Unknown recording error.");
 }
 
 /// Window numbers of the system's capture have 32 bits.
@@ -65,8 +67,9 @@ CaptureConfiguration captureConfiguration(const CaptureArea &area, quint32 windo
 
 QString title(PlayerRecordingQuality quality)
 {
-    return quality == PlayerRecordingQuality::hd ? QStringLiteral("HD Recording (1080p)")
-                                                 : QStringLiteral("Normal Recording");
+    return quality == PlayerRecordingQuality::hd
+        ? PlayerRecordingController::tr("HD Recording (1080p)")
+        : PlayerRecordingController::tr("Normal Recording");
 }
 
 PlayerRecordingController::PlayerRecordingController(RecordingPlatform platform, QObject *parent)
@@ -102,7 +105,7 @@ Task<> PlayerRecordingController::start(PlayerRecordingQuality quality)
 {
     if (m_state != PlayerRecordingState::idle || !requestScreenRecordingPermissionIfNeeded())
         co_return;
-    const QString noSurface = QStringLiteral("The player surface is not available.");
+    const QString noSurface = tr("The player surface is not available.");
     const auto window = m_platform.capture.keyWindow();
     if (!window || !surfaceRect()) {
         setErrorMessage(noSurface);
@@ -118,8 +121,8 @@ Task<> PlayerRecordingController::start(PlayerRecordingQuality quality)
     const QString durationText = choice->text.trimmed();
     const auto limit = parseRecordingDuration(durationText);
     if (!durationText.isEmpty() && !limit) {
-        setErrorMessage(QStringLiteral("Enter a valid duration such as 30m, 90m or 1.2hr, or "
-                                       "leave the field blank for manual Stop."));
+        setErrorMessage(tr("Enter a valid duration such as 30m, 90m or 1.2hr, or "
+                           "leave the field blank for manual Stop."));
         co_return;
     }
     // The panel was open for a while, and may have the keyboard still.
@@ -158,7 +161,7 @@ bool PlayerRecordingController::requestScreenRecordingPermissionIfNeeded()
     const bool allowed = m_platform.capture.preflightAccess() || m_platform.capture.requestAccess();
     setRequiresPermission(!allowed);
     if (!allowed)
-        setErrorMessage(QStringLiteral(
+        setErrorMessage(tr(
             "Lumaro needs Screen & System Audio Recording permission to record the player and its "
             "system audio. Enable it in System Settings, then quit and reopen the app."));
     return allowed;
@@ -171,11 +174,11 @@ QString PlayerRecordingController::timestamp() const
 
 SavePanelRequest PlayerRecordingController::panelRequest(PlayerRecordingQuality quality) const
 {
-    return {.title = QStringLiteral("Save Recording"),
-            .prompt = QStringLiteral("Save"),
+    return {.title = tr("Save Recording"),
+            .prompt = tr("Save"),
             .proposedName =
                 u"Lumaro " + qualityWord(quality) + u" Recording " + timestamp() + u".mp4",
-            .typeDescription = QStringLiteral("MPEG-4 movie"),
+            .typeDescription = tr("MPEG-4 movie"),
             .extension = QStringLiteral("mp4")};
 }
 
@@ -272,7 +275,7 @@ void PlayerRecordingController::didStartRecording()
     setDuration(0);
     setState(PlayerRecordingState::recording);
     m_panelWidth = m_automaticStopAfter ? widePanel : narrowPanel;
-    m_durationLabel = QStringLiteral("REC  00:00");
+    m_durationLabel = tr("REC  %1").arg(formatDuration(0));
     Q_EMIT durationLabelChanged();
     Q_EMIT recordingPanelChanged();
     m_durationTimer.start(tickInterval, [this] { tick(); });
@@ -308,9 +311,11 @@ Task<> PlayerRecordingController::followSurface()
 
 void PlayerRecordingController::updateDurationLabel()
 {
-    QString label = u"REC  " + formatDuration(m_duration);
-    if (m_automaticStopAfter)
-        label += u"  •  LEFT  " + formatDuration(std::max(*m_automaticStopAfter - m_duration, 0.0));
+    const QString label = m_automaticStopAfter
+        ? tr("REC  %1  •  LEFT  %2")
+              .arg(formatDuration(m_duration),
+                   formatDuration(std::max(*m_automaticStopAfter - m_duration, 0.0)))
+        : tr("REC  %1").arg(formatDuration(m_duration));
     if (m_durationLabel == label)
         return;
     m_durationLabel = label;
@@ -392,11 +397,12 @@ void PlayerRecordingController::present(const QString &error)
     for (const QStringView sign : {u"TCC", u"declined", u"permission"})
         refused = refused || error.contains(sign, Qt::CaseInsensitive);
     setRequiresPermission(refused);
-    setErrorMessage(refused ? QStringLiteral("macOS has blocked screen recording permission for "
-                                             "Lumaro. Enable Screen & System Audio Recording in "
-                                             "System Settings, then quit and reopen the app.")
-                        : error.isEmpty() ? unknownError()
-                                          : error);
+    setErrorMessage(
+        refused ? PlayerRecordingController::tr("macOS has blocked screen recording permission for "
+                                                "Lumaro. Enable Screen & System Audio Recording in "
+                                                "System Settings, then quit and reopen the app.")
+            : error.isEmpty() ? unknownError()
+                              : error);
 }
 
 void PlayerRecordingController::setState(PlayerRecordingState state)

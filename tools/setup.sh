@@ -12,10 +12,11 @@ build_packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-declarative-dev qt6-svg-dev libgl-dev qcoro-qt6-dev libmpv-dev
     libavcodec-dev libavformat-dev libswresample-dev libswscale-dev libpulse-dev
-    libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev libdlib-dev
+    libcurl4-openssl-dev zlib1g-dev qt6-webengine-dev libdlib-dev librsvg2-bin
+    qt6-l10n-tools
 )
 test_packages=(
-    clang-format-19 clang-tidy-19 dbus-daemon playerctl xvfb xdotool imagemagick nginx-light ffmpeg
+    appstream desktop-file-utils clang-format-19 clang-tidy-19 dbus-daemon playerctl xvfb xdotool imagemagick nginx-light ffmpeg
     pulseaudio pulseaudio-utils microsocks tinyproxy-bin nodejs opencv-doc openssl procps
 )
 # Some distributions of node bring npm along, and do not get on with the package.

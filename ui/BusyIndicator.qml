@@ -17,7 +17,7 @@ Item {
     visible: running
 
     Accessible.role: Accessible.Indicator
-    Accessible.name: "Busy"
+    Accessible.name: qsTr("Busy")
 
     Icon {
         anchors.centerIn: parent

@@ -34,6 +34,7 @@ T.AbstractButton {
 
     Accessible.name: text
     Accessible.description: shortcutText
+    Accessible.onPressAction: if (enabled) clicked()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }

@@ -16,8 +16,8 @@ T.Dialog {
     id: control
 
     property string text
-    property string acceptText: "OK"
-    property string cancelText: "Cancel"
+    property string acceptText: qsTr("OK")
+    property string cancelText: qsTr("Cancel")
     property bool destructive: false
     property Item initialFocus: null
     property bool closesOnAccept: true

@@ -33,6 +33,7 @@ T.AbstractButton {
 
     Accessible.name: text
     Accessible.description: obstacle === "" ? shortcutText : obstacle
+    Accessible.onPressAction: if (enabled && obstacle === "") clicked()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat && obstacle === "") control.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat && obstacle === "") control.clicked(); }

@@ -21,7 +21,7 @@ T.MenuItem {
     readonly property bool hasLeading: checkable || iconName !== ""
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: 32 + groupGap
+    implicitHeight: Theme.roomFor(32, 1) + groupGap
     topPadding: groupGap
     topInset: groupGap
     leftPadding: 10
@@ -30,6 +30,7 @@ T.MenuItem {
 
     Accessible.name: text
     Accessible.description: shortcutText
+    Accessible.onPressAction: if (enabled) clicked()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }

@@ -165,7 +165,7 @@ Item {
         y: -height - 8
         sourceComponent: Rectangle {
             implicitWidth: time.implicitWidth + 16
-            implicitHeight: 24
+            implicitHeight: Theme.roomFor(24, 1)
             radius: 8
             color: Theme.overlay
             border { width: 1; color: Theme.strokeOnOverlay }

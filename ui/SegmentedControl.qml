@@ -8,12 +8,14 @@ import Lumaro.Ui
 // follow `activated(index)`. The left and right arrows choose, too.
 //   model         a list of { text, iconName, shortcutText }
 //   currentIndex  the chosen section
+//   name          what is chosen, for assistive technology
 //   activated(index)  the user asks for this section
 Item {
     id: root
 
     property var model: []
     property int currentIndex: 0
+    property string name
     signal activated(int index)
 
     readonly property int count: segments.count
@@ -24,6 +26,7 @@ Item {
     activeFocusOnTab: true
 
     Accessible.role: Accessible.PageTabList
+    Accessible.name: name
 
     function choose(index: int): void {
         if (index < 0 || index >= count || index === currentIndex)
@@ -76,6 +79,7 @@ Item {
             Accessible.role: Accessible.PageTab
             Accessible.name: text
             Accessible.selected: isCurrent
+            Accessible.onPressAction: if (enabled) clicked()
 
             contentItem: Item {
                 Row {

@@ -27,6 +27,15 @@ T.Slider {
     onHoveredChanged: hovered ? ToolTips.show(control, Accessible.name, shortcutText) : ToolTips.hide(control)
     onPressedChanged: if (pressed) ToolTips.hide(control)
 
+    Accessible.onIncreaseAction: {
+        increase();
+        moved();
+    }
+    Accessible.onDecreaseAction: {
+        decrease();
+        moved();
+    }
+
     background: Item {
         Rectangle {
             id: groove

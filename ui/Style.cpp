@@ -10,11 +10,14 @@ namespace lumaro {
 
 void applyStyle()
 {
-    QFont font = QGuiApplication::font();
+    // Later it is this application's own.
+    static const QFont desktop = QGuiApplication::font();
+    Theme::followFont(desktop);
+    QFont font = desktop;
     QStringList families{QStringLiteral("Inter"), QStringLiteral("Noto Sans")};
     families += font.families();
     font.setFamilies(families);
-    font.setPixelSize(Theme::fontBody);
+    font.setPixelSize(Theme::fontBody());
     QGuiApplication::setFont(font);
     // Hinted glyphs are crisper at these sizes, and need no distance fields made at start-up.
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);

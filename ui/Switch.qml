@@ -25,6 +25,8 @@ T.AbstractButton {
     Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: isOn
+    Accessible.onPressAction: if (enabled) switched()
+    Accessible.onToggleAction: if (enabled) switched()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }

@@ -21,6 +21,7 @@ T.AbstractButton {
     opacity: enabled ? 1 : 0.38
 
     Accessible.name: text
+    Accessible.onPressAction: if (enabled) clicked()
 
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }

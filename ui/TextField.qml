@@ -94,7 +94,7 @@ T.TextField {
             implicitWidth: 28
             iconName: "close"
             iconSize: 14
-            text: "Clear"
+            text: qsTr("Clear")
             focusPolicy: Qt.NoFocus
             onClicked: {
                 control.clear();
@@ -115,26 +115,26 @@ T.TextField {
         active: false
         sourceComponent: Menu {
             MenuItem {
-                text: "Cut"
+                text: qsTr("Cut")
                 shortcutText: "Ctrl+X"
                 enabled: control.selectedText !== "" && !control.readOnly
                 onTriggered: control.cut()
             }
             MenuItem {
-                text: "Copy"
+                text: qsTr("Copy")
                 shortcutText: "Ctrl+C"
                 enabled: control.selectedText !== ""
                 onTriggered: control.copy()
             }
             MenuItem {
-                text: "Paste"
+                text: qsTr("Paste")
                 shortcutText: "Ctrl+V"
                 enabled: control.canPaste
                 onTriggered: control.paste()
             }
             MenuSeparator {}
             MenuItem {
-                text: "Select All"
+                text: qsTr("Select All")
                 shortcutText: "Ctrl+A"
                 enabled: control.length > 0
                 onTriggered: control.selectAll()

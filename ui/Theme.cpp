@@ -4,6 +4,8 @@
 #include <QFont>
 #include <QGuiApplication>
 
+#include <algorithm>
+
 namespace lumaro {
 
 Theme::Theme(QObject *parent)
@@ -11,6 +13,32 @@ Theme::Theme(QObject *parent)
 {
     followDesktop();
     qGuiApp->installEventFilter(this);
+}
+
+namespace {
+
+// Of all windows, since they are made of the same desktop.
+double textScale = 1;
+
+} // namespace
+
+void Theme::followFont(const QFont &desktop)
+{
+    constexpr double pixelsPerPoint = 96.0 / 72;
+    const double size =
+        desktop.pixelSize() > 0 ? desktop.pixelSize() : desktop.pointSizeF() * pixelsPerPoint;
+    textScale = std::clamp(size / (10 * pixelsPerPoint), 1.0, 2.0);
+}
+
+int Theme::fontSize(int designed)
+{
+    return qRound(designed * textScale);
+}
+
+int Theme::roomFor(int height, int lines)
+{
+    constexpr double lineHeight = 1.3;
+    return height + qRound(lines * lineHeight * (fontBody() - standardFontSize));
 }
 
 QString Theme::fontFamily() const

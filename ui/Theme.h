@@ -11,7 +11,8 @@ namespace lumaro {
 /// What all controls agree on: colours, sizes of type, the 4-pixel grid, radii and durations.
 /// Follows the desktop between dark and light while the application runs; the environment variable
 /// `LUMARO_THEME` (`dark` or `light`) overrules the desktop. Main thread. Lengths are in
-/// device-independent pixels, durations in milliseconds.
+/// device-independent pixels, durations in milliseconds. Type grows with the desktop's font; it
+/// does not shrink, because small type is no smaller than can be read.
 class Theme : public QObject
 {
     Q_OBJECT
@@ -48,13 +49,13 @@ class Theme : public QObject
 
     /// For the few items that would take the desktop's font instead of the application's.
     Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT FINAL)
-    Q_PROPERTY(int fontSmall MEMBER fontSmall CONSTANT FINAL)
-    Q_PROPERTY(int fontBody MEMBER fontBody CONSTANT FINAL)
-    Q_PROPERTY(int fontTitle MEMBER fontTitle CONSTANT FINAL)
-    Q_PROPERTY(int fontHeading MEMBER fontHeading CONSTANT FINAL)
+    Q_PROPERTY(int fontSmall READ fontSmall CONSTANT FINAL)
+    Q_PROPERTY(int fontBody READ fontBody CONSTANT FINAL)
+    Q_PROPERTY(int fontTitle READ fontTitle CONSTANT FINAL)
+    Q_PROPERTY(int fontHeading READ fontHeading CONSTANT FINAL)
 
     Q_PROPERTY(int spacing MEMBER spacing CONSTANT FINAL)
-    Q_PROPERTY(int controlHeight MEMBER controlHeight CONSTANT FINAL)
+    Q_PROPERTY(int controlHeight READ controlHeight CONSTANT FINAL)
     Q_PROPERTY(int iconSize MEMBER iconSize CONSTANT FINAL)
     Q_PROPERTY(int radiusSmall MEMBER radiusSmall CONSTANT FINAL)
     Q_PROPERTY(int radius MEMBER radius CONSTANT FINAL)
@@ -65,12 +66,7 @@ class Theme : public QObject
     Q_PROPERTY(int toolTipDelay MEMBER toolTipDelay CONSTANT FINAL)
 
 public:
-    static constexpr int fontSmall = 12;
-    static constexpr int fontBody = 13;
-    static constexpr int fontTitle = 15;
-    static constexpr int fontHeading = 20;
     static constexpr int spacing = 4;
-    static constexpr int controlHeight = 36;
     static constexpr int iconSize = 20;
     static constexpr int radiusSmall = 6;
     static constexpr int radius = 10;
@@ -112,6 +108,18 @@ public:
     QColor dangerOnOverlay() const { return m_colors.dangerOnOverlay; }
 
     QString fontFamily() const;
+    static int fontSmall() { return fontSize(12); }
+    static int fontBody() { return fontSize(standardFontSize); }
+    static int fontTitle() { return fontSize(15); }
+    static int fontHeading() { return fontSize(20); }
+    static int controlHeight() { return roomFor(36, 1); }
+
+    /// What a height that is right for so many lines of type as designed must be for the type that
+    /// there is.
+    Q_INVOKABLE static int roomFor(int height, int lines);
+    /// Makes type as much larger as designed as `desktop` is larger than 10 points, twice at most.
+    /// To be called before the first view is made.
+    static void followFont(const QFont &desktop);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -119,6 +127,9 @@ Q_SIGNALS:
     void changed();
 
 private:
+    static constexpr int standardFontSize = 13;
+    static int fontSize(int designed);
+
     void followDesktop();
     void apply(ThemeChoice choice);
 

@@ -12,7 +12,7 @@ T.ToolTip {
     property string shortcutText
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: 28
+    implicitHeight: Theme.roomFor(28, 1)
     margins: 8
     leftPadding: 10
     rightPadding: 10

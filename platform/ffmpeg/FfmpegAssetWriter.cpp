@@ -2,6 +2,7 @@
 
 #include "platform/ffmpeg/Mp4Remuxer.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <array>
@@ -15,15 +16,20 @@ namespace {
 QString sentence(int error)
 {
     if (error == AVERROR(ENOSPC) || error == AVERROR(EDQUOT))
-        return QStringLiteral(
+        return QCoreApplication::translate(
+            "FfmpegAssetWriter",
             "The disk is full. The recording was stopped, and what was recorded is kept.");
     // In words that are not taken for the system's refusal to let the screen be captured.
     if (error == AVERROR(EACCES) || error == AVERROR(EPERM))
-        return QStringLiteral("The recording could not be written: this folder is protected. "
-                              "Choose another one.");
+        return QCoreApplication::translate(
+            "FfmpegAssetWriter",
+            "The recording could not be written: this folder is protected. "
+            "Choose another one.");
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(error, text.data(), text.size());
-    return u"The recording could not be written: " + QString::fromLocal8Bit(text.data()) + u'.';
+    return QCoreApplication::translate("FfmpegAssetWriter",
+                                       "The recording could not be written: %1.")
+        .arg(QString::fromLocal8Bit(text.data()));
 }
 
 } // namespace

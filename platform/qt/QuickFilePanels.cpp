@@ -1,5 +1,6 @@
 #include "platform/qt/QuickFilePanels.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -34,7 +35,7 @@ QUrl withScheme(const QUrl &file)
 Task<std::optional<QUrl>> QuickFilePanels::chooseFile(OpenPanelRequest request,
                                                       std::stop_token stop)
 {
-    QStringList filters{QStringLiteral("All files (*)")};
+    QStringList filters{QuickFilePanels::tr("All files (*)")};
     if (!request.extensions.isEmpty())
         filters.prepend(nameFilter(request.typeDescription, request.extensions));
     return show({.kind = Kind::File,

@@ -25,7 +25,7 @@ public:
     /// What a start was asked to do.
     struct Request
     {
-        /// Files and addresses, as they were given.
+        /// The command line's, as they were given.
         QStringList arguments;
         QString workingFolder;
         /// Lets the window come to the front (the desktop's XDG_ACTIVATION_TOKEN); may be empty.

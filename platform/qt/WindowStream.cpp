@@ -184,7 +184,8 @@ WindowStream::~WindowStream()
 Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
 {
     if (!m_window)
-        co_return std::unexpected(QStringLiteral("The window to capture is gone."));
+        co_return std::unexpected(
+            QCoreApplication::translate("WindowStream", "The window to capture is gone."));
     updateSource();
     QQuickWindow *const window = m_window;
     connect(window, &QQuickWindow::afterAnimating, this, [this] {
@@ -221,7 +222,7 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
     connect(
         window, &QQuickWindow::sceneGraphInvalidated, this,
         [failed = m_output.didStopWithError] {
-            failed(QStringLiteral("The window is no longer drawn."));
+            failed(QCoreApplication::translate("WindowStream", "The window is no longer drawn."));
         },
         Qt::DirectConnection);
     if (m_configuration.capturesAudio)

@@ -2,6 +2,7 @@
 
 #include "platform/webengine/PageErrors.h"
 
+#include <QCoreApplication>
 #include <QJSValue>
 
 namespace lumaro {
@@ -45,8 +46,9 @@ void EnginePlayerPage::tellLoading(const QWebEngineLoadingInfo &info)
         return;
     case QWebEngineLoadingInfo::LoadFailedStatus:
         if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain)
-            Q_EMIT loadFailed(
-                QStringLiteral("The site answers with an error (%1).").arg(info.errorCode()));
+            Q_EMIT loadFailed(QCoreApplication::translate("EnginePlayerPage",
+                                                          "The site answers with an error (%1).")
+                                  .arg(info.errorCode()));
         else
             Q_EMIT loadFailed(descriptionOf(info));
         return;

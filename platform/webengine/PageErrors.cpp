@@ -1,5 +1,6 @@
 #include "platform/webengine/PageErrors.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 namespace lumaro {
@@ -17,36 +18,40 @@ QString descriptionOf(const QWebEngineLoadingInfo &info)
     switch (info.errorCode()) {
     case -105:
     case -137:
-        return QStringLiteral("There is no server of that name.");
+        return QCoreApplication::translate("PageErrors", "There is no server of that name.");
     case -106:
-        return QStringLiteral("This computer is not connected to the internet.");
+        return QCoreApplication::translate("PageErrors",
+                                           "This computer is not connected to the internet.");
     case -100:
     case -101:
     case -102:
     case -104:
     case -109:
-        return QStringLiteral("The server cannot be reached.");
+        return QCoreApplication::translate("PageErrors", "The server cannot be reached.");
     case -7:
     case -118:
-        return QStringLiteral("The server takes too long to answer.");
+        return QCoreApplication::translate("PageErrors", "The server takes too long to answer.");
     case -111:
     case -115:
     case -120:
     case -130:
-        return QStringLiteral("The proxy cannot be reached, or does not do what it is asked.");
+        return QCoreApplication::translate(
+            "PageErrors", "The proxy cannot be reached, or does not do what it is asked.");
     case -20:
     case -27:
-        return QStringLiteral("The ad blocker does not let this page through.");
+        return QCoreApplication::translate("PageErrors",
+                                           "The ad blocker does not let this page through.");
     case -310:
-        return QStringLiteral("The page leads round in circles.");
+        return QCoreApplication::translate("PageErrors", "The page leads round in circles.");
     case -324:
-        return QStringLiteral("The server sent nothing.");
+        return QCoreApplication::translate("PageErrors", "The server sent nothing.");
     default:
         break;
     }
     if (info.errorDomain() == QWebEngineLoadingInfo::CertificateErrorDomain)
-        return QStringLiteral("The server could not prove who it is.");
-    return u"The page could not be loaded (" + info.errorString() + u").";
+        return QCoreApplication::translate("PageErrors", "The server could not prove who it is.");
+    return QCoreApplication::translate("PageErrors", "The page could not be loaded (%1).")
+        .arg(info.errorString());
 }
 
 } // namespace lumaro

@@ -1,5 +1,6 @@
 #include "ui/Theme.h"
 
+#include <QFont>
 #include <QGuiApplication>
 #include <QSignalSpy>
 #include <QTest>
@@ -64,6 +65,8 @@ private Q_SLOTS:
     void followsThePaletteOfTheApplication();
     void followsTheDesktop();
     void announcesOnlyRealChanges();
+    void typeFollowsTheDesktopsFont_data();
+    void typeFollowsTheDesktopsFont();
     void textIsReadable_data();
     void textIsReadable();
 };
@@ -147,6 +150,37 @@ void TestTheme::announcesOnlyRealChanges()
     QCOMPARE(changes.count(), 0);
     theme.setDark(!before);
     QCOMPARE(changes.count(), 1);
+}
+
+void TestTheme::typeFollowsTheDesktopsFont_data()
+{
+    QTest::addColumn<QFont>("font");
+    QTest::addColumn<int>("body");
+    QTest::addColumn<int>("twoLines");
+    const auto row = [](const char *name, double points, int pixels, int body, int twoLines) {
+        QFont font;
+        if (pixels > 0)
+            font.setPixelSize(pixels);
+        else
+            font.setPointSizeF(points);
+        QTest::newRow(name) << font << body << twoLines;
+    };
+    row("as designed", 10, 0, 13, 52);
+    row("smaller", 7, 0, 13, 52);
+    row("a little larger", 11, 0, 14, 55);
+    row("large", 15, 0, 20, 70);
+    row("told in pixels", 0, 20, 20, 70);
+    row("larger than windows have room for", 60, 0, 26, 86);
+}
+
+void TestTheme::typeFollowsTheDesktopsFont()
+{
+    QFETCH(const QFont, font);
+    Theme::followFont(font);
+    QTEST(Theme::fontBody(), "body");
+    QTEST(Theme::roomFor(52, 2), "twoLines");
+    Theme::followFont(QFont(QString(), 10));
+    QCOMPARE(Theme::fontSmall(), 12);
 }
 
 void TestTheme::textIsReadable_data()
