@@ -16,7 +16,7 @@ build_packages=(
 )
 test_packages=(
     clang-format-19 clang-tidy-19 dbus-daemon xvfb xdotool imagemagick nginx-light ffmpeg
-    pulseaudio pulseaudio-utils microsocks tinyproxy-bin nodejs opencv-doc openssl procps
+    pulseaudio pulseaudio-utils x11-xserver-utils microsocks tinyproxy-bin nodejs opencv-doc openssl procps
 )
 # Some distributions of node bring npm along, and do not get on with the package.
 command -v npm >/dev/null || test_packages+=(npm)
