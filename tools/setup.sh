@@ -16,8 +16,9 @@ build_packages=(
     qt6-l10n-tools
 )
 test_packages=(
-    appstream desktop-file-utils clang-format-19 clang-tidy-19 dbus-daemon playerctl xvfb xdotool imagemagick nginx-light ffmpeg
-    pulseaudio pulseaudio-utils microsocks tinyproxy-bin nodejs opencv-doc openssl procps
+    appstream desktop-file-utils clang-format-19 clang-tidy-19 dbus-daemon playerctl xvfb xdotool
+    imagemagick nginx-light ffmpeg pulseaudio pulseaudio-utils x11-xserver-utils microsocks
+    tinyproxy-bin nodejs opencv-doc openssl procps
 )
 # Some distributions of node bring npm along, and do not get on with the package.
 command -v npm >/dev/null || test_packages+=(npm)

@@ -121,6 +121,10 @@ PacketSink FfmpegAssetWriter::sink(const AVCodecContext &codec, AVStream *stream
         if (packet.duration == 0 && codec.framerate.num > 0)
             packet.duration = av_rescale_q(1, av_inv_q(codec.framerate), codec.time_base);
         av_packet_rescale_ts(&packet, codec.time_base, stream->time_base);
+        // A fragment that this packet begins begins when it says, however long the last packet of
+        // the one before was expected to last.
+        if (packets > 0)
+            av_opt_set(m_output->priv_data, "movflags", "+frag_discont", 0);
         // Without interleaving: the tracks of a fragment need not take turns, and nothing is held
         // back for a track that is silent.
         const int result = av_write_frame(m_output.get(), &packet);

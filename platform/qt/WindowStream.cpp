@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QLoggingCategory>
+#include <QQuickItem>
 #include <QRunnable>
 #include <QScreen>
 
@@ -193,17 +194,24 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
         // The window itself may have moved below a part of the display that has not.
         updateSource();
     });
+    const auto size = std::make_shared<QSize>();
     // Both on the render thread; in the first one the main thread waits.
     connect(
         window, &QQuickWindow::afterSynchronizing, this,
-        [window, source = m_source, grabber = m_grabber] {
-            const QSizeF size = QSizeF(window->size()) * window->effectiveDevicePixelRatio();
-            grabber->setFrame(size.toSize(), *source);
+        [window, size, source = m_source, grabber = m_grabber] {
+            *size = window->size();
+            // While a window is resized, its content may not have followed yet: no whole picture.
+            const bool isWhole = window->contentItem()->size() == QSizeF(*size);
+            const QSizeF pixels = QSizeF(*size) * window->effectiveDevicePixelRatio();
+            grabber->setFrame(pixels.toSize(), isWhole ? *source : QRect());
         },
         Qt::DirectConnection);
     connect(
         window, &QQuickWindow::afterRendering, this,
-        [window, grabber = m_grabber] {
+        [window, size, grabber = m_grabber] {
+            // Resized since then, and perhaps before it was drawn. Qt itself looks from here.
+            if (window->size() != *size)
+                grabber->setFrame({}, {});
             window->beginExternalCommands();
             grabber->frameRendered();
             window->endExternalCommands();

@@ -143,6 +143,7 @@ class AssetWriterTest : public QObject
 private Q_SLOTS:
     void writesAnOrdinaryFile();
     void leavesOutSilentTracks();
+    void keepsTimes_data();
     void keepsTimes();
     void followsTheSoundsClock_data();
     void followsTheSoundsClock();
@@ -196,17 +197,37 @@ void AssetWriterTest::leavesOutSilentTracks()
     QCOMPARE(complaints(file), QString());
 }
 
+void AssetWriterTest::keepsTimes_data()
+{
+    QTest::addColumn<bool>("withSound");
+    QTest::addColumn<bool>("hurries");
+    QTest::newRow("pictures alone") << false << false;
+    QTest::newRow("with sound") << true << false;
+    QTest::newRow("in fragments") << false << true;
+    QTest::newRow("in fragments, with sound") << true << true;
+}
+
 void AssetWriterTest::keepsTimes()
 {
+    QFETCH(const bool, withSound);
+    QFETCH(const bool, hurries);
     const QTemporaryDir folder;
     const QString file = folder.filePath(u"a.mp4"_s);
     const auto writer = makeWriter(file);
-    for (const MediaTime time : {MediaTime(5s), MediaTime(5s + 40ms), MediaTime(5s + 40ms),
-                                 MediaTime(7s), MediaTime(7s + 500ms)})
+    MediaTime heard = 5s;
+    for (const MediaTime time :
+         {MediaTime(5s), MediaTime(5s + 40ms), MediaTime(5s + 40ms), MediaTime(7s),
+          MediaTime(7s + 450ms), MediaTime(7s + 900ms), MediaTime(8s + 400ms)}) {
+        for (; withSound && heard < time; heard += 10ms)
+            writer->append(sound(heard));
         writer->append(noise(time));
+    }
+    if (hurries)
+        writer->hurry();
     QVERIFY(finish(*writer));
     QCOMPARE(probe(file, u"packet=pts_time"_s, u"v"_s).split(u'\n'),
-             (QStringList{u"0.000000"_s, u"0.040000"_s, u"2.000000"_s, u"2.500000"_s}));
+             (QStringList{u"0.000000"_s, u"0.040000"_s, u"2.000000"_s, u"2.450000"_s, u"2.900000"_s,
+                          u"3.400000"_s}));
 }
 
 void AssetWriterTest::followsTheSoundsClock_data()
