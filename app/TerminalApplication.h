@@ -42,6 +42,7 @@ private:
     {
     public:
         void activateFileViewer(const QList<QUrl> &files) override;
+        void openInBrowser(const QUrl &) override { }
         void openScreenCaptureSettings() override;
     };
     /// Sends the HTTP client's requests through the proxy.
