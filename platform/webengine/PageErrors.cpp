@@ -33,7 +33,8 @@ QString descriptionOf(const QWebEngineLoadingInfo &info)
     case -115:
     case -120:
     case -130:
-        return QStringLiteral("The proxy cannot be reached, or does not do what it is asked.");
+        // Without a proxy too, the engine goes through the relay.
+        return QStringLiteral("The server cannot be reached, or not through the proxy.");
     case -20:
     case -27:
         return QStringLiteral("The ad blocker does not let this page through.");
