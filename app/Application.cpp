@@ -140,9 +140,13 @@ Application::Application(const Folders &folders, const WebServices &services)
             m_finderController.show();
     });
     // What scripts of the views still hold of a page's engine goes with the page.
-    // It is deleted by the event loop, and what it held some time after that.
+    // The page is deleted by the event loop, and what it held some time after that.
     const auto collectGarbage = [this] {
-        m_garbage.start(std::chrono::seconds(1), [this] { m_engine.collectGarbage(); });
+        m_engine.collectGarbage();
+        m_garbage.start(std::chrono::seconds(1), [this] {
+            m_engine.collectGarbage();
+            m_garbage.start(std::chrono::seconds(3), [this] { m_engine.collectGarbage(); });
+        });
     };
     QObject::connect(m_finder.tabs(), &SnifferBrowserTabs::rowsRemoved, &m_engine, collectGarbage,
                      Qt::QueuedConnection);
