@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "platform/WindowFrame.h"
 #include "platform/dlib/DlibFaceDetector.h"
 #include "platform/ffmpeg/FfmpegAssetWriter.h"
 #include "platform/pulse/PulseMonitor.h"
@@ -21,6 +22,9 @@ namespace lumaro {
 
 namespace {
 
+/// At its first start, in points.
+constexpr QSize finderWindowSize(1100, 800);
+
 WindowPlacement::State placementState(QWindow::Visibility visibility)
 {
     switch (visibility) {
@@ -33,6 +37,23 @@ WindowPlacement::State placementState(QWindow::Visibility visibility)
     default:
         return WindowPlacement::State::Passing;
     }
+}
+
+QList<QRect> screenAreas(QRect (QScreen::*area)() const)
+{
+    QList<QRect> areas;
+    for (const QScreen *screen : QGuiApplication::screens())
+        areas.append((screen->*area)());
+    return areas;
+}
+
+/// Of a QML window.
+QVariantMap frameProperties(const QRect &frame)
+{
+    return {{QStringLiteral("x"), frame.x()},
+            {QStringLiteral("y"), frame.y()},
+            {QStringLiteral("width"), frame.width()},
+            {QStringLiteral("height"), frame.height()}};
 }
 
 } // namespace
@@ -135,12 +156,10 @@ Application::Application(const Folders &folders, const WebServices &services)
     // Whoever clears the list wants no traces.
     QObject::connect(&m_recent, &RecentItems::cleared, &m_recent,
                      [this] { m_resumePositions.clear(); });
-    QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController, [this] {
-        if (loadFinder())
-            m_finderController.show();
-    });
-    // What scripts of the views still hold of a page's engine goes with the page.
-    // The page is deleted by the event loop, and what it held some time after that.
+    QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController,
+                     [this] { showFinder(); });
+    // What scripts of the views still hold of a page's engine goes with the page, which the event
+    // loop deletes; and what that held, some time after it.
     const auto collectGarbage = [this] {
         m_engine.collectGarbage();
         m_garbage.start(std::chrono::seconds(1), [this] {
@@ -206,16 +225,9 @@ bool Application::show()
 
 QVariantMap Application::windowProperties() const
 {
-    QList<QRect> screens;
-    for (const QScreen *screen : QGuiApplication::screens())
-        screens.append(screen->availableGeometry());
     QVariantMap properties;
-    if (const auto frame = m_placement.frame(screens)) {
-        properties = {{QStringLiteral("x"), frame->x()},
-                      {QStringLiteral("y"), frame->y()},
-                      {QStringLiteral("width"), frame->width()},
-                      {QStringLiteral("height"), frame->height()}};
-    }
+    if (const auto frame = m_placement.frame(screenAreas(&QScreen::availableGeometry)))
+        properties = frameProperties(*frame);
     if (m_placement.isMaximized())
         properties.insert(QStringLiteral("visibility"), QVariant::fromValue(QWindow::Maximized));
     return properties;
@@ -275,7 +287,10 @@ bool Application::loadFinder()
     }
     QQmlComponent component(&m_engine,
                             QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/FinderWindow.qml")));
-    const QVariantMap properties{
+    const QRect screen = screenOf(m_finderController.frame(), screenAreas(&QScreen::geometry));
+    QVariantMap properties = frameProperties(m_finderController.placedFrame(
+        screen.adjusted(0, WindowPlacement::titleBarHeight, 0, 0), finderWindowSize));
+    properties.insert({
         {QStringLiteral("finder"), QVariant::fromValue(&m_finder)},
         {QStringLiteral("controller"), QVariant::fromValue(&m_finderController)},
         {QStringLiteral("panels"), QVariant::fromValue(&m_panels)},
@@ -283,7 +298,7 @@ bool Application::loadFinder()
         {QStringLiteral("browserCacheFolder"),
          QString(m_folders.cache + QStringLiteral("/browser"))},
         {QStringLiteral("transientParent"), QVariant::fromValue(mainWindow())},
-    };
+    });
     QObject *const made =
         component.isReady() ? component.createWithInitialProperties(properties) : nullptr;
     m_finderWindow = qobject_cast<QQuickWindow *>(made);

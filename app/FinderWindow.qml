@@ -27,8 +27,6 @@ Window {
             controller.frame = Qt.rect(x, y, width, height);
     }
 
-    width: 1100
-    height: 800
     minimumWidth: 820
     minimumHeight: 640
     title: controller.title
@@ -60,25 +58,7 @@ Window {
     onYChanged: moved.restart()
     onWidthChanged: moved.restart()
     onHeightChanged: moved.restart()
-    Component.onCompleted: {
-        // The title bar wants a place too.
-        const bar = 36;
-        const middle = Qt.point(controller.frame.x + controller.frame.width / 2, controller.frame.y + controller.frame.height / 2);
-        const screens = Qt.application.screens;
-        let screen = screens[0];
-        for (let i = 0; i < screens.length; ++i) {
-            const s = screens[i];
-            if (middle.x >= s.virtualX && middle.x < s.virtualX + s.width && middle.y >= s.virtualY && middle.y < s.virtualY + s.height)
-                screen = s;
-        }
-        const area = Qt.rect(screen.virtualX, screen.virtualY + bar, screen.width, screen.height - bar);
-        const frame = controller.placedFrame(area, Qt.size(width, height));
-        x = frame.x;
-        y = frame.y;
-        width = frame.width;
-        height = frame.height;
-        moved.isArmed = true;
-    }
+    Component.onCompleted: moved.isArmed = true
 
     // Not while it is still being moved.
     Timer {

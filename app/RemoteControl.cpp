@@ -82,8 +82,7 @@ void RemoteControl::start()
 
 bool RemoteControl::isActive() const
 {
-    return !m_player.currentURL().isEmpty() || m_player.youtubeContent()
-        || m_player.okVideoContent();
+    return !m_player.currentURL().isEmpty() || m_player.showsWebContent();
 }
 
 bool RemoteControl::canSeek() const

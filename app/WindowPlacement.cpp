@@ -2,8 +2,6 @@
 
 #include "platform/WindowFrame.h"
 
-#include <algorithm>
-
 namespace lumaro {
 
 namespace {
@@ -34,11 +32,7 @@ std::optional<QRect> WindowPlacement::frame(const QList<QRect> &screens) const
 {
     if (m_frame.isEmpty() || screens.isEmpty())
         return std::nullopt;
-    const auto shared = [this](const QRect &screen) {
-        const QSize size = screen.intersected(m_frame).size();
-        return size.isEmpty() ? 0 : qint64(size.width()) * size.height();
-    };
-    const QRect screen = *std::ranges::max_element(screens, {}, shared);
+    const QRect screen = screenOf(m_frame, screens);
     if (screen.contains(m_frame))
         return m_frame;
     return constrainedFrame(m_frame, screen.adjusted(0, titleBarHeight, 0, 0));

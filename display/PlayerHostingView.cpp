@@ -248,8 +248,8 @@ void PlayerHostingView::mouseUngrabEvent()
 
 void PlayerHostingView::endDrag()
 {
-    m_drag.reset();
-    Q_EMIT draggingChanged();
+    if (std::exchange(m_drag, std::nullopt))
+        Q_EMIT draggingChanged();
 }
 
 // Following a face

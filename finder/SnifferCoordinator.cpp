@@ -90,7 +90,13 @@ bool SnifferCoordinator::admits(const QUrl &url, const std::optional<QString> &c
 
 void SnifferCoordinator::report(const QUrl &url, const std::optional<QString> &contentType)
 {
-    if (m_manager && admits(url, contentType))
+    if (admits(url, contentType))
+        note(url, contentType);
+}
+
+void SnifferCoordinator::note(const QUrl &url, const std::optional<QString> &contentType)
+{
+    if (m_manager)
         m_manager->networkMonitor()->observe(url, contentType, std::nullopt, m_manager->pageTitle(),
                                              false);
 }
@@ -101,16 +107,15 @@ void SnifferCoordinator::reportData(const QUrl &url)
         return;
     m_held.append(url);
     if (!m_noting.isPending())
-        m_noting.start(messageDelay, [this] { noteData(); });
+        m_noting.start(messageDelay, [this] { noteHeld(); });
 }
 
-void SnifferCoordinator::noteData()
+void SnifferCoordinator::noteHeld()
 {
     const QList<QUrl> held = std::exchange(m_held, {});
     for (const QUrl &url : held) {
-        if (m_manager && !m_told.contains(url))
-            m_manager->networkMonitor()->observe(url, std::nullopt, std::nullopt,
-                                                 m_manager->pageTitle(), false);
+        if (!m_told.contains(url))
+            note(url, std::nullopt);
     }
 }
 

@@ -40,7 +40,8 @@ public:
 private:
     NavigationDecision judge(const NavigationAction &action) const;
     bool admits(const QUrl &url, const std::optional<QString> &contentType);
-    void noteData();
+    void note(const QUrl &url, const std::optional<QString> &contentType);
+    void noteHeld();
 
     QPointer<SnifferManager> m_manager;
     const SnifferAdBlocker &m_blocker;

@@ -51,7 +51,7 @@ public:
 
     /// Where a new window goes on the screen: where it was, or in the middle. `size` is for the
     /// first time.
-    Q_INVOKABLE QRect placedFrame(const QRect &screen, const QSize &size) const;
+    QRect placedFrame(const QRect &screen, const QSize &size) const;
     /// Shows the window and brings it to the front.
     Q_INVOKABLE void show();
     /// The user asks for it to be closed. The answer is always no: it is hidden instead.

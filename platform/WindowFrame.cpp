@@ -1,6 +1,17 @@
 #include "platform/WindowFrame.h"
 
+#include <algorithm>
+
 namespace lumaro {
+
+QRect screenOf(const QRect &frame, const QList<QRect> &screens)
+{
+    const auto shared = [&frame](const QRect &screen) {
+        const QSize size = screen.intersected(frame).size();
+        return size.isEmpty() ? 0 : qint64(size.width()) * size.height();
+    };
+    return *std::ranges::max_element(screens, {}, shared);
+}
 
 QRect constrainedFrame(QRect frame, const QRect &screen)
 {

@@ -26,8 +26,7 @@ WakefulPlayback::~WakefulPlayback()
 
 void WakefulPlayback::update()
 {
-    const bool hasPicture =
-        m_player.videoAspectRatio() > 0 || m_player.youtubeContent() || m_player.okVideoContent();
+    const bool hasPicture = m_player.videoAspectRatio() > 0 || m_player.showsWebContent();
     setAwake(m_player.isPlaying() && hasPicture);
 }
 

@@ -5,24 +5,20 @@
 #include "platform/contentrules/CompilingRuleListStore.h"
 #include "platform/qt/QtScheduler.h"
 #include "tests/e2e/servers/NginxServer.h"
-#include "tests/e2e/servers/VirtualDisplay.h"
 #include "tests/e2e/servers/Waiting.h"
+#include "tests/e2e/webengine/EngineProgram.h"
 #include "tests/fakes/FakeFilePanels.h"
 #include "tests/fakes/FakeProxyConfigurationTarget.h"
 #include "tests/fakes/FakeUserDefaults.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QTimer>
-#include <QtWebEngineQuick>
 
 #include <algorithm>
-
-#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -155,13 +151,5 @@ Row loading()
 
 int main(int argc, char *argv[])
 {
-    return runInDisplay([&] {
-        // The engine's sandbox does not work for root.
-        if (geteuid() == 0)
-            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
-        QtWebEngineQuick::initialize();
-        const QGuiApplication qt(argc, argv);
-        return report(u"Browser"_s, {loading()});
-    });
+    return runWithEngine(argc, argv, [] { return report(u"Browser"_s, {loading()}); });
 }

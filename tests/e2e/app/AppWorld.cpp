@@ -128,6 +128,12 @@ QString outputOf(const QString &program, const QStringList &arguments)
     return QString::fromUtf8(output.readAll()).trimmed();
 }
 
+bool hasLoadedBrowser()
+{
+    QFile maps(u"/proc/self/maps"_s);
+    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6WebEngineCore");
+}
+
 QStringList channelNames(const PlayerModel &player)
 {
     QStringList names;

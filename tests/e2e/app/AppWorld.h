@@ -81,6 +81,9 @@ private:
 /// What `program` prints, when it has ended well.
 QString outputOf(const QString &program, const QStringList &arguments);
 
+/// The browser's engine is in this process.
+bool hasLoadedBrowser();
+
 /// The names of the player's channels.
 QStringList channelNames(const PlayerModel &player);
 

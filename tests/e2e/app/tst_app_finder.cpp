@@ -51,12 +51,6 @@ qint64 ownMemory()
     return sum;
 }
 
-bool hasLoadedBrowser()
-{
-    QFile maps(u"/proc/self/maps"_s);
-    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6WebEngineCore");
-}
-
 } // namespace
 
 /// The stream finder with a real browser, on pages of a real server. All tests share one program:

@@ -41,12 +41,6 @@ public Q_SLOTS:
     void open(const QUrl &url) { opened.append(url); }
 };
 
-bool hasLoadedBrowser()
-{
-    QFile maps(u"/proc/self/maps"_s);
-    return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("libQt6WebEngineCore");
-}
-
 } // namespace
 
 /// The sites' own players in the real window, on stand-ins for the sites. All tests share one

@@ -3,18 +3,14 @@
 #include "tests/e2e/servers/FreePort.h"
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
-#include "tests/e2e/servers/VirtualDisplay.h"
 #include "tests/e2e/servers/Waiting.h"
+#include "tests/e2e/webengine/EngineProgram.h"
 
-#include <QGuiApplication>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QSignalSpy>
 #include <QTcpSocket>
-#include <QtWebEngineQuick>
-
-#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -162,14 +158,7 @@ void PlayerPageTest::goesNowhereByItself()
 
 int main(int argc, char *argv[])
 {
-    return runInDisplay([&] {
-        // The engine's sandbox does not work for root.
-        if (geteuid() == 0)
-            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
-        QtWebEngineQuick::initialize();
-        const QGuiApplication qt(argc, argv);
-        QGuiApplication::setQuitOnLastWindowClosed(false);
+    return runWithEngine(argc, argv, [&] {
         PlayerPageTest test;
         return QTest::qExec(&test, argc, argv);
     });

@@ -9,18 +9,14 @@
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ProxyServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
-#include "tests/e2e/servers/VirtualDisplay.h"
 #include "tests/e2e/servers/Waiting.h"
+#include "tests/e2e/webengine/EngineProgram.h"
 #include "tests/fakes/FakeUserDefaults.h"
 
-#include <QGuiApplication>
 #include <QNetworkProxy>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QtWebEngineQuick>
-
-#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -283,14 +279,7 @@ void WebEngineTest::pagesTakeTheProxy()
 
 int main(int argc, char *argv[])
 {
-    return runInDisplay([&] {
-        // The engine's sandbox does not work for root.
-        if (geteuid() == 0)
-            qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
-        QtWebEngineQuick::initialize();
-        const QGuiApplication qt(argc, argv);
-        QGuiApplication::setQuitOnLastWindowClosed(false);
+    return runWithEngine(argc, argv, [&] {
         WebEngineTest test;
         return QTest::qExec(&test, argc, argv);
     });
