@@ -81,18 +81,12 @@ QString youTubePlaybackScript()
         return [0, 0, 0, -1, 0];
     if (typeof player !== 'object' || player === null)
         return [1, 0, 0, -1, 0];
-    if (!window.varnFailed && player.addEventListener) {
-        window.varnFailure = 0;
-        window.varnFailed = function (event) { window.varnFailure = Number(event.data) || -1; };
-        player.addEventListener('onError', 'varnFailed');
-    }
-    var failure = window.varnFailure || 0;
     if (!player.getPlayerState)
-        return [1, 0, 0, -1, failure];
+        return [1, 0, 0, -1, varnFailure];
     var state = Number(player.getPlayerState());
     if (state === 1 || state === 3)
-        failure = window.varnFailure = 0;
-    return [2, Number(player.getCurrentTime()), Number(player.getDuration()), state, failure];
+        varnFailure = 0;
+    return [2, Number(player.getCurrentTime()), Number(player.getDuration()), state, varnFailure];
 })())js");
 }
 

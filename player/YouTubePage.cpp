@@ -27,6 +27,7 @@ constexpr char16_t betweenScripts[] = uR"html(/iframe_api"></script>
 
 constexpr char16_t tail[] = uR"html(
 var player = null;
+var varnFailure = 0;
 
 function onYouTubeIframeAPIReady() {
     var playerVars = {
@@ -40,7 +41,10 @@ function onYouTubeIframeAPIReady() {
         width: '100%',
         height: '100%',
         playerVars: playerVars,
-        events: { onReady: function (event) { event.target.playVideo(); } }
+        events: {
+            onReady: function (event) { event.target.playVideo(); },
+            onError: function (event) { varnFailure = Number(event.data) || -1; }
+        }
     };
     if (videoID)
         options.videoId = videoID;

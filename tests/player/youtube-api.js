@@ -9,12 +9,10 @@ var duration = 0;
 var YT = {
     PlayerState: { UNSTARTED: -1, ENDED: 0, PLAYING: 1, PAUSED: 2, BUFFERING: 3, CUED: 5 },
     Player: function (element, options) {
-        const listeners = {};
         made = this;
         this.element = element;
         this.options = options;
-        this.addEventListener = function (event, name) { listeners[event] = name; };
-        this.fail = function (code) { window[listeners.onError]({ data: code }); };
+        this.fail = function (code) { options.events.onError({ data: code }); };
         // The player's functions are there only when it is ready.
         this.becomeReady = function () {
             for (const name of ["playVideo", "pauseVideo", "seekTo", "setVolume", "mute", "unMute"])

@@ -8,7 +8,7 @@
     function Player(element, options) {
         const self = this;
         const info = { time: 0, duration: 0, state: -1 };
-        const listeners = Object.assign({}, options.events);
+        const listeners = options.events;
         const parameters = new URLSearchParams(options.playerVars);
         if (options.videoId)
             parameters.set("v", options.videoId);
@@ -19,12 +19,9 @@
         document.getElementById(element).replaceWith(frame);
 
         function tell(event, data) {
-            const listener = listeners[event];
-            const call = typeof listener === "string" ? window[listener] : listener;
-            if (call)
-                call({ target: self, data: data });
+            if (listeners[event])
+                listeners[event]({ target: self, data: data });
         }
-        self.addEventListener = function (event, listener) { listeners[event] = listener; };
 
         window.addEventListener("message", function (message) {
             if (message.source !== frame.contentWindow || message.origin !== site)
