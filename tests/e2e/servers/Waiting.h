@@ -11,9 +11,9 @@ namespace lumaro {
 /// In milliseconds: as long as the slowest machine may take.
 inline constexpr int longestWait = 30'000;
 
-/// Waits for `condition`, as long as the slowest machine may take. Events are handled as soon as they
-/// come, as in the program: QTest::qWaitFor sleeps between them, which slows a browser's many events
-/// to a tenth of their speed.
+/// Waits for `condition`, as long as the slowest machine may take. Events are handled as soon as
+/// they come, as in the program: QTest::qWaitFor sleeps between them, which slows a browser's many
+/// events to a tenth of their speed.
 template <typename Condition>
 bool becomesTrue(Condition condition)
 {
