@@ -81,13 +81,7 @@ void SnifferDetectedStreamsModel::update()
         }
     }
     const int before = count();
-    const bool sameStreams = std::ranges::equal(
-        rows, this->rows(), {}, [](const auto &row) { return row.stream.id; },
-        [](const auto &row) { return row.stream.id; });
-    if (sameStreams)
-        changeRows(rows);
-    else
-        setRows(rows);
+    followRows(rows, [](const DetectedStreamRow &row) { return row.stream.id; });
     if (count() != before)
         Q_EMIT countChanged();
 }

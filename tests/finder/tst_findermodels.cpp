@@ -41,6 +41,20 @@ struct World
                                            QAbstractItemModelTester::FailureReportingMode::QtTest};
 };
 
+/// Rows that are for the same thing when they begin with the same letter.
+class LetterModel : public RowListModel<QString>
+{
+public:
+    void show(const QStringList &rows)
+    {
+        followRows(rows, [](const QString &row) { return row.front(); });
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        return role == Qt::DisplayRole && index.isValid() ? rows().value(index.row()) : QVariant();
+    }
+};
+
 QStringList texts(const QAbstractItemModel &model, int role)
 {
     QStringList list;
@@ -58,6 +72,8 @@ class FinderModelsTest : public QObject
 private Q_SLOTS:
     void findsChangedRows_data();
     void findsChangedRows();
+    void followsMovedRows_data();
+    void followsMovedRows();
     void listsDomainsNewestFirst();
     void searchesDomains_data();
     void searchesDomains();
@@ -95,6 +111,52 @@ void FinderModelsTest::findsChangedRows()
     QFETCH(const QString, before);
     QFETCH(const QString, after);
     QTEST(RowUpdate::between(before, after), "change");
+}
+
+void FinderModelsTest::followsMovedRows_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<int>("moves");
+    QTest::newRow("same") << u"a b c"_s << u"a b c"_s << 0;
+    QTest::newRow("first again") << u"a b c"_s << u"c2 a b"_s << 1;
+    QTest::newRow("exchanged") << u"a b"_s << u"b a"_s << 1;
+    QTest::newRow("changed in place") << u"a b"_s << u"a b2"_s << 0;
+    QTest::newRow("one new, one gone, one moved") << u"a b c d"_s << u"n d a c"_s << 1;
+    QTest::newRow("from nothing") << QString() << u"a b"_s << 0;
+    QTest::newRow("to nothing") << u"a b"_s << QString() << 0;
+    QTest::newRow("all others") << u"a b"_s << u"c d e"_s << 0;
+}
+
+void FinderModelsTest::followsMovedRows()
+{
+    QFETCH(const QString, before);
+    QFETCH(const QString, after);
+    const QStringList old = before.split(u' ', Qt::SkipEmptyParts);
+    const QStringList now = after.split(u' ', Qt::SkipEmptyParts);
+    LetterModel model;
+    const QAbstractItemModelTester tester(&model,
+                                          QAbstractItemModelTester::FailureReportingMode::QtTest);
+    model.show(old);
+    QList<QPersistentModelIndex> followed;
+    for (int row = 0; row < model.rowCount(); ++row)
+        followed.append(model.index(row));
+    QSignalSpy moves(&model, &QAbstractItemModel::rowsMoved);
+    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    model.show(now);
+    QCOMPARE(texts(model, Qt::DisplayRole), now);
+    QTEST(int(moves.size()), "moves");
+    int changed = 0;
+    for (qsizetype i = 0; i < old.size(); ++i) {
+        const auto is = [&](const QString &row) { return row.front() == old[i].front(); };
+        const auto found = std::ranges::find_if(now, is);
+        QCOMPARE(followed[i].isValid(), found != now.end());
+        if (found != now.end()) {
+            QCOMPARE(followed[i].data().toString(), *found);
+            changed += *found == old[i] ? 0 : 1;
+        }
+    }
+    QCOMPARE(changes.size(), changed);
 }
 
 void FinderModelsTest::listsDomainsNewestFirst()
