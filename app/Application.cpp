@@ -4,6 +4,7 @@
 #include "platform/dlib/DlibFaceDetector.h"
 #include "platform/ffmpeg/FfmpegAssetWriter.h"
 #include "platform/pulse/PulseMonitor.h"
+#include "platform/qt/SoftwareDrawing.h"
 #include "platform/qt/ThreadQueue.h"
 #include "ui/Style.h"
 #include "ui/Theme.h"
@@ -11,7 +12,6 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QIcon>
-#include <QLibrary>
 #include <QQmlComponent>
 #include <QQuickWindow>
 #include <QScreen>
@@ -47,6 +47,13 @@ QList<QRect> screenAreas(QRect (QScreen::*area)() const)
     return areas;
 }
 
+/// For the browser's engine, which reads it when it starts.
+void addBrowserFlag(const QByteArray &flag)
+{
+    constexpr char flags[] = "QTWEBENGINE_CHROMIUM_FLAGS";
+    qputenv(flags, qgetenv(flags) + ' ' + flag);
+}
+
 /// Of a QML window.
 QVariantMap frameProperties(const QRect &frame)
 {
@@ -65,9 +72,7 @@ void Application::prepare()
     // The browser's engine, which comes later, shares its pictures so.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     // Calls between browsers would go past the proxy, and tell the user's own address.
-    constexpr char flags[] = "QTWEBENGINE_CHROMIUM_FLAGS";
-    const QByteArray others = qgetenv(flags);
-    qputenv(flags, others + " --force-webrtc-ip-handling-policy=disable_non_proxied_udp");
+    addBrowserFlag("--force-webrtc-ip-handling-policy=disable_non_proxied_udp");
 }
 
 Application::Application(const Folders &folders, const WebServices &services)
@@ -262,10 +267,16 @@ void Application::followAppearance()
 
 bool Application::loadBrowser()
 {
-    QLibrary browser(QCoreApplication::applicationDirPath() + QStringLiteral("/" LUMARO_BROWSER));
-    if (browser.load())
+    if (m_browser.isLoaded())
         return true;
-    qWarning("The browser cannot be loaded: %s", qPrintable(browser.errorString()));
+    // A thread of its own that draws would not keep to the windows' turns.
+    if (isDrawnInSoftware())
+        addBrowserFlag("--disable-gpu");
+    m_browser.setFileName(QCoreApplication::applicationDirPath()
+                          + QStringLiteral("/" LUMARO_BROWSER));
+    if (m_browser.load())
+        return true;
+    qWarning("The browser cannot be loaded: %s", qPrintable(m_browser.errorString()));
     return false;
 }
 
@@ -306,6 +317,10 @@ bool Application::loadFinder()
         qWarning("%s", qPrintable(component.errorString()));
         delete made;
         return false;
+    }
+    if (isDrawnInSoftware()) {
+        for (QQuickWindow *const window : {mainWindow(), m_finderWindow.data()})
+            drawInTurns(*window);
     }
     // Before the engine goes the models that it shows.
     made->setParent(&m_engine);

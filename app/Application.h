@@ -39,6 +39,7 @@
 #include "player/WebPlayers.h"
 #include "playlist/ChannelListModel.h"
 
+#include <QLibrary>
 #include <QPointer>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
@@ -142,6 +143,7 @@ private:
     DelayedTask m_garbage{m_scheduler};
     QQmlApplicationEngine m_engine;
     /// Made when it is first shown; the engine owns it.
+    QLibrary m_browser;
     QPointer<QQuickWindow> m_finderWindow;
 };
 

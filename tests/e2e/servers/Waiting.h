@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QTimer>
@@ -22,6 +23,8 @@ bool becomesTrue(Condition condition)
     bool isTrue = condition();
     if (isTrue)
         return true;
+    // What was to be deleted outside of any loop, the loop would leave.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QEventLoop loop;
     QTimer looks;
     QObject::connect(&looks, &QTimer::timeout, &loop, [&] {
