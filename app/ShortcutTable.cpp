@@ -54,6 +54,7 @@ constexpr std::array listKeys{
 constexpr std::array finderKeys{
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "New Tab"), "Ctrl+T"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Close Tab"), "Ctrl+W"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Open the Closed Tab Again"), "Ctrl+Shift+T"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Next Tab"), "Ctrl+Tab / Ctrl+PgDown"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Previous Tab"), "Ctrl+Shift+Tab / Ctrl+PgUp"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Type an Address"), "Ctrl+L / Alt+D / F6"},

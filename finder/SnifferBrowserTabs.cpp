@@ -4,6 +4,12 @@
 
 namespace lumaro {
 
+namespace {
+
+constexpr qsizetype mostClosedPages = 10;
+
+} // namespace
+
 SnifferBrowserTabs::SnifferBrowserTabs(SnifferSavedWebsiteStore &websites, WallClock clock,
                                        QObject *parent)
     : QAbstractListModel(parent)
@@ -77,6 +83,11 @@ void SnifferBrowserTabs::closeTab(const QUuid &id)
     if (row < 0)
         return;
     SnifferManager &manager = *m_tabs[size_t(row)].manager;
+    if (const QUrl &page = manager.shownPage(); !page.isEmpty()) {
+        m_closedPages.append(page);
+        if (m_closedPages.size() > mostClosedPages)
+            m_closedPages.removeFirst();
+    }
     manager.clearAddress();
     manager.networkMonitor()->clear();
     // There is never none.
@@ -93,6 +104,12 @@ void SnifferBrowserTabs::closeTab(const QUuid &id)
         selectRow(std::min(row, count() - 1));
     else
         Q_EMIT selectedTabChanged();
+}
+
+void SnifferBrowserTabs::reopenTab()
+{
+    if (!m_closedPages.isEmpty())
+        addTab(m_closedPages.takeLast());
 }
 
 void SnifferBrowserTabs::pauseAllTabsMedia()

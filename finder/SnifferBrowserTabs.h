@@ -44,6 +44,8 @@ public:
     /// The next tab shows then, or the last. Closing the only one leaves an empty one.
     void closeTab(const QUuid &id);
     Q_INVOKABLE void closeRow(int row);
+    /// Adds a tab for the page that was closed last. Those closed earlier follow, ten at most.
+    Q_INVOKABLE void reopenTab();
     /// Has all pages pause what plays.
     Q_INVOKABLE void pauseAllTabsMedia();
 
@@ -70,6 +72,8 @@ private:
     SnifferSavedWebsiteStore &m_websites;
     WallClock m_clock;
     std::vector<SnifferBrowserTab> m_tabs;
+    /// The last is the newest.
+    QList<QUrl> m_closedPages;
     QUuid m_selectedTabID;
 };
 

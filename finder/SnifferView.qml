@@ -31,6 +31,7 @@ FocusScope {
 
     Shortcut { sequence: "Ctrl+T"; onActivated: { root.finder.tabs.addTab(); toolbar.editAddress(); } }
     Shortcut { sequence: "Ctrl+W"; onActivated: root.finder.tabs.closeRow(root.finder.tabs.selectedRow) }
+    Shortcut { sequence: "Ctrl+Shift+T"; onActivated: root.finder.tabs.reopenTab() }
     Shortcut { sequences: ["Ctrl+L", "Alt+D", "F6"]; onActivated: toolbar.editAddress() }
     Shortcut { sequences: ["Ctrl+R", "F5"]; onActivated: root.tab.reload() }
     Shortcut { sequence: "Alt+Left"; onActivated: root.tab.goBack() }

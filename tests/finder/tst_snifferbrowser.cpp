@@ -76,6 +76,7 @@ private Q_SLOTS:
     void scriptsKnowMoreThanTheBrowser();
     void floodsAreNotListed();
     void tabsComeAndGo();
+    void closedTabsComeBack();
     void closingSelectsTheNext_data();
     void closingSelectsTheNext();
     void closedTabsFallSilent();
@@ -405,6 +406,28 @@ void SnifferBrowserTest::tabsComeAndGo()
     QVERIFY(tabs.idAt(0) != last);
     QCOMPARE(tabs.selectedTabID(), tabs.idAt(0));
     QCOMPARE(tabs.selectedTab()->address(), QString());
+}
+
+void SnifferBrowserTest::closedTabsComeBack()
+{
+    World world;
+    SnifferBrowserTabs tabs(world.websites);
+    tabs.reopenTab();
+    QCOMPARE(tabs.count(), 1);
+    for (int i = 0; i < 12; ++i) {
+        tabs.addTab();
+        tabs.selectedTab()->update(QUrl(u"https://site.example/%1"_s.arg(i)), false, {});
+        tabs.closeRow(1);
+    }
+    // An empty one has nothing to come back to.
+    tabs.addTab();
+    tabs.closeRow(1);
+    for (int i = 0; i < 12; ++i)
+        tabs.reopenTab();
+    QCOMPARE(tabs.count(), 11);
+    QCOMPARE(tabs.index(1).data().toString(), u"https://site.example/11"_s);
+    QCOMPARE(tabs.index(10).data().toString(), u"https://site.example/2"_s);
+    QCOMPARE(tabs.selectedRow(), 10);
 }
 
 void SnifferBrowserTest::closingSelectsTheNext_data()
