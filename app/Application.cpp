@@ -10,6 +10,7 @@
 #include "ui/Theme.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QQmlComponent>
@@ -296,6 +297,8 @@ bool Application::loadFinder()
             PlayerModel::toastDuration);
         return false;
     }
+    // What pages were saving when the program was last cut off.
+    QDir(m_folders.cache + QStringLiteral("/browser/unfinished")).removeRecursively();
     QQmlComponent component(&m_engine,
                             QUrl(QStringLiteral("qrc:/qt/qml/Lumaro/App/FinderWindow.qml")));
     const QRect screen = screenOf(m_finderController.frame(), screenAreas(&QScreen::geometry));

@@ -23,6 +23,7 @@ FocusScope {
         view.zoomFactor = by === 0 ? 1 : Math.max(0.3, Math.min(3, view.zoomFactor * Math.pow(1.1, by)));
     }
     function leaveFullScreen(): void { view.fullScreenCancelled(); }
+    function find(): void { findBar.open(); }
 
     onManagerChanged: finder.attach(manager, view.page)
     // The engine hands on only to the view's parent what the page does with no key.
@@ -210,6 +211,14 @@ FocusScope {
             primary: true
             onClicked: view.answer(false)
         }
+    }
+
+    FindBar {
+        id: findBar
+
+        anchors { right: parent.right; top: parent.top; margins: Theme.spacing * 2 }
+        view: view
+        onClosed: view.forceActiveFocus()
     }
 
     Connections {

@@ -65,6 +65,7 @@ constexpr std::array finderKeys{
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Larger"), "Ctrl++ / Ctrl+="},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Smaller"), "Ctrl+-"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Original Size"), "Ctrl+0"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Find in Page"), "Ctrl+F"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Save or Forget the Website"), "Ctrl+D"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Saved Websites and History"), "Ctrl+H"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "More or Fewer Streams"), "+ / -"},

@@ -5,8 +5,8 @@ import Lumaro.Finder
 import Lumaro.Ui
 
 // The stream finder: tabs, toolbar, the pages, and below them the streams that they loaded.
-//   webPage           makes the pages of one tab, which has `manager`, `isFullScreen`, `zoom(by)`
-//                     and `leaveFullScreen()`
+//   webPage           makes the pages of one tab, which has `manager`, `isFullScreen`, `zoom(by)`,
+//                     `find()` and `leaveFullScreen()`
 //   isPageFullScreen  a page wants the whole screen
 FocusScope {
     id: root
@@ -41,6 +41,7 @@ FocusScope {
     Shortcut { sequences: ["Ctrl++", "Ctrl+="]; onActivated: root.page?.zoom(1) }
     Shortcut { sequence: "Ctrl+-"; onActivated: root.page?.zoom(-1) }
     Shortcut { sequence: "Ctrl+0"; onActivated: root.page?.zoom(0) }
+    Shortcut { sequence: "Ctrl+F"; onActivated: root.page?.find() }
     Shortcut { sequence: "Ctrl+D"; onActivated: root.finder.toggleStar() }
     Shortcut { sequence: "Ctrl+H"; onActivated: toolbar.openWebList() }
     Shortcut {

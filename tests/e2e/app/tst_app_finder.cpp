@@ -80,6 +80,7 @@ private Q_SLOTS:
     void pagesFillTheScreen();
     void pagesTalkOverThemselves();
     void keysReachThePanel();
+    void textIsFound();
     void pagesReachNoFiles();
     void crashesStayInTheirTab();
     void brokenCertificatesStop();
@@ -472,6 +473,32 @@ void AppFinderTest::keysReachThePanel()
     QVERIFY(becomesTrue([&] { return !m_world->finder().isStreamsExpanded(); }));
     QTest::keyClick(m_window, Qt::Key_Plus);
     QVERIFY(becomesTrue([&] { return m_world->finder().isStreamsExpanded(); }));
+}
+
+void AppFinderTest::textIsFound()
+{
+    QVERIFY(opens(u"/plain.html"_s));
+    QTest::keyClick(m_window, Qt::Key_F, Qt::ControlModifier);
+    for (const char letter : "here"_ba)
+        QTest::keyClick(m_window, letter);
+    const auto counts = [&](const QString &text) {
+        const QQuickItem *const count = page()->findChild<QQuickItem *>(u"findCount"_s);
+        return count && count->isVisible() && count->property("text") == text;
+    };
+    QVERIFY(becomesTrue([&] { return counts(u"1 of 2"_s); }));
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return counts(u"2 of 2"_s); }));
+    QTest::keyClick(m_window, Qt::Key_F3, Qt::ShiftModifier);
+    QVERIFY(becomesTrue([&] { return counts(u"1 of 2"_s); }));
+    QTest::keyClick(m_window, 'x');
+    QVERIFY(becomesTrue([&] { return counts(u"Nothing"_s); }));
+    if (const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS"); !folder.isEmpty())
+        QVERIFY(m_window->grabWindow().save(folder + u"/find.png"_s));
+    // The page has the keys again.
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QTest::keyClick(m_window, Qt::Key_Minus);
+    QVERIFY(becomesTrue([&] { return !m_world->finder().isStreamsExpanded(); }));
+    m_world->finder().setStreamsExpanded(true);
 }
 
 void AppFinderTest::pagesReachNoFiles()
