@@ -24,8 +24,8 @@ test_packages=(
 command -v npm >/dev/null || test_packages+=(npm)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
 bench_packages=(
-    mpv libx11-dev libxext-dev curl yt-dlp libopencv-objdetect-dev opencv-data opencv-doc
-    python3-skimage
+    bsdextrautils mpv libx11-dev libxext-dev curl yt-dlp libopencv-objdetect-dev opencv-data
+    opencv-doc python3-skimage
 )
 
 # need_packages NAME…: installs those that are not there yet, and says which.

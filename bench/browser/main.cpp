@@ -1,4 +1,5 @@
 // How much longer a page takes because the stream finder watches it and blocks advertising.
+//   bench_browser [ROUNDS]
 
 #include "bench/report/Report.h"
 #include "finder/SnifferViewModel.h"
@@ -18,15 +19,12 @@
 #include <QQuickView>
 #include <QTimer>
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
 
 namespace {
 
 constexpr int requests = 500;
-constexpr int rounds = 15;
 /// For one page.
 constexpr std::chrono::seconds patience{60};
 
@@ -61,14 +59,8 @@ bool waitForTitle(const QObject &views, const char *property, const QString &tit
     return limit.isActive();
 }
 
-Seconds median(QList<Seconds> times)
-{
-    std::ranges::sort(times);
-    return times[times.size() / 2];
-}
-
 /// The median with the finder's scripts and rules, and that without.
-Measured<std::pair<Seconds, Seconds>> measure()
+Measured<std::pair<Seconds, Seconds>> measure(int rounds)
 {
     const auto site = NginxServer::start();
     if (!site)
@@ -133,14 +125,16 @@ Measured<std::pair<Seconds, Seconds>> measure()
     return std::pair(median(own), median(bare));
 }
 
-Row loading()
+Row loading(int rounds)
 {
-    const auto times = measure();
-    Row row{u"page with %1 requests, watched to bare"_s.arg(requests), std::unexpected(QString()),
-            QString(), Limit{Limit::Kind::AtMost, 1.05}};
+    const auto times = measure(rounds);
+    Row row{u"page with %1 requests, watched to bare"_s.arg(requests),
+            0,
+            {},
+            Limit{Limit::Kind::AtMost, 1.05}};
     if (times) {
         row.ratio = times->first / times->second;
-        row.detail = milliseconds(times->first) + u" to " + milliseconds(times->second);
+        row.detail = milliseconds(times->first) + u", bare " + milliseconds(times->second);
     } else {
         row.ratio = std::unexpected(times.error());
     }
@@ -151,5 +145,6 @@ Row loading()
 
 int main(int argc, char *argv[])
 {
-    return runWithEngine(argc, argv, [] { return report(u"Browser"_s, {loading()}); });
+    const int rounds = roundsAsked(argc, argv, 15);
+    return runWithEngine(argc, argv, [rounds] { return report(u"browser"_s, {loading(rounds)}); });
 }

@@ -1,5 +1,5 @@
 // A tick of the face's follower on a frame of 1920x1080 against the same detector on the whole
-// frame, and pictures shown in smart mode against normal mode.  bench_display APP [--seconds N]
+// frame, and pictures shown in smart mode against normal mode.  bench_display [ROUNDS]
 
 #include "bench/display/FaceFrames.h"
 #include "bench/playback/PlayerRun.h"
@@ -9,7 +9,6 @@
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/VirtualDisplay.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
@@ -21,23 +20,23 @@ using namespace lumaro;
 namespace {
 
 constexpr qsizetype frameCount = 24;
-constexpr int rounds = 3;
+constexpr std::chrono::seconds playingTime(12);
 
 struct Detection
 {
-    double medianTime = 0;
+    Seconds medianTime{};
     int found = 0;
 };
 
 Detection detect(FaceDetector &detector, const QList<FaceFrame> &frames)
 {
     Detection result;
-    QList<double> times;
+    QList<Seconds> times;
     (void)detector.detect(frames.first().picture);
     for (const FaceFrame &frame : frames) {
         const auto start = std::chrono::steady_clock::now();
         const auto faces = detector.detect(frame.picture).value_or(QList<FaceObservation>());
-        times.append(Seconds(std::chrono::steady_clock::now() - start).count());
+        times.append(std::chrono::steady_clock::now() - start);
         result.found += std::ranges::any_of(faces, [&](const FaceObservation &face) {
             const QPointF middle = face.boundingBox.center();
             return frame.face.contains(
@@ -50,12 +49,12 @@ Detection detect(FaceDetector &detector, const QList<FaceFrame> &frames)
 
 QList<Row> measureTicks()
 {
-    const QString what = u"detection tick, 1080p, to the whole frame"_s;
+    const QString what = u"detection tick on 1080p, to the whole frame"_s;
     QList<FaceFrame> frames;
     for (const double height : {0.05, 0.1, 0.2, 0.3, 0.4}) {
         const auto some = faceFrames(FaceKind::Frontal, height);
         if (!some)
-            return {Row{what, std::unexpected(some.error()), {}, {}}};
+            return {{what, std::unexpected(some.error())}};
         frames += some->first(frameCount);
     }
     DlibFaceDetector follower;
@@ -66,23 +65,20 @@ QList<Row> measureTicks()
     const QList<FaceFrame> distant = frames.first(frameCount);
     const Detection smallDistant = detect(follower, distant);
     const Detection largeDistant = detect(full, distant);
-    return {Row{what, small.medianTime / large.medianTime,
-                milliseconds(Seconds(small.medianTime)) + u" and "_s
-                    + milliseconds(Seconds(large.medianTime)),
-                Limit{Limit::Kind::AtMost, 0.34}},
-            Row{u"the same, faces of 5 % only"_s,
-                smallDistant.medianTime / largeDistant.medianTime,
-                milliseconds(Seconds(smallDistant.medianTime)) + u" and "_s
-                    + milliseconds(Seconds(largeDistant.medianTime)),
-                {}},
-            Row{u"faces found, to the whole frame"_s, double(small.found) / large.found,
-                u"%1 and %2 of %3"_s.arg(small.found).arg(large.found).arg(frames.size()),
-                Limit{Limit::Kind::AtLeast, 1}}};
+    const auto compared = [](const Detection &own, const Detection &peer) -> QString {
+        return milliseconds(own.medianTime) + u", the whole "_s + milliseconds(peer.medianTime);
+    };
+    return {{what, small.medianTime / large.medianTime, compared(small, large),
+             Limit{Limit::Kind::AtMost, 0.34}},
+            {what + u", faces of 5 % only"_s, smallDistant.medianTime / largeDistant.medianTime,
+             compared(smallDistant, largeDistant)},
+            {u"faces found, to the whole frame"_s, double(small.found) / large.found,
+             u"%1 and %2 of %3"_s.arg(small.found).arg(large.found).arg(frames.size()),
+             Limit{Limit::Kind::AtLeast, 1}}};
 }
 
-/// Pictures a second in the middle of the window, with the mode called `title`.
-Measured<double> pictureRate(const QString &app, const QString &file, const QString &title,
-                             int seconds)
+/// The film played with the mode called `title`.
+Measured<PlayerRun::Load> play(const QString &file, const QString &title)
 {
     const QTemporaryDir settings;
     preparePlayerEnvironment(settings.path());
@@ -93,13 +89,17 @@ Measured<double> pictureRate(const QString &app, const QString &file, const QStr
     if (!screen)
         return std::unexpected(u"There is no display."_s);
     PlayerRun run(*screen);
-    const auto load = run.startAndMeasure(lumaroCommand(app, file), std::chrono::seconds(seconds));
-    if (!load)
-        return std::unexpected(load.error());
-    return load->pictureRate;
+    return run.startAndMeasure(lumaroCommand(file), playingTime);
 }
 
-Row measureRates(const QString &app, int seconds)
+struct Mode
+{
+    QString title;
+    QList<double> pictureRates{};
+    QList<qint64> memory{};
+};
+
+Row measureRates(int rounds)
 {
     Row row{u"pictures shown, smart to normal"_s, 0, {}, Limit{Limit::Kind::AtLeast, 0.99}};
     const auto file =
@@ -108,23 +108,24 @@ Row measureRates(const QString &app, int seconds)
         row.ratio = std::unexpected(file.error());
         return row;
     }
-    QList<double> normal;
-    QList<double> smart;
+    Mode normal{u"Normal"_s};
+    Mode smart{u"Smart Reframe"_s};
     for (int round = 0; round < rounds; ++round) {
-        for (const auto &[title, rates] :
-             {std::pair(u"Normal"_s, &normal), std::pair(u"Smart Reframe"_s, &smart)}) {
-            const auto rate = pictureRate(app, *file, title, seconds);
-            if (!rate) {
-                row.ratio = std::unexpected(rate.error());
+        for (Mode *mode : {&normal, &smart}) {
+            const auto load = play(*file, mode->title);
+            if (!load) {
+                row.ratio = std::unexpected(load.error());
                 return row;
             }
-            rates->append(*rate);
+            say(u"%1: %2 pictures a second"_s.arg(mode->title).arg(load->pictureRate, 0, 'f', 1));
+            mode->pictureRates.append(load->pictureRate);
+            mode->memory.append(load->peakMemory);
         }
     }
-    row.ratio = median(smart) / median(normal);
-    row.detail = u"%1 and %2 a second, medians of %3"_s.arg(median(smart), 0, 'f', 1)
-                     .arg(median(normal), 0, 'f', 1)
-                     .arg(rounds);
+    row.ratio = median(smart.pictureRates) / median(normal.pictureRates);
+    row.detail = u"%1 a second, normal %2"_s.arg(median(smart.pictureRates), 0, 'f', 1)
+                     .arg(median(normal.pictureRates), 0, 'f', 1);
+    row.memory = Memory{.own = median(smart.memory), .peer = median(normal.memory)};
     return row;
 }
 
@@ -133,22 +134,11 @@ Row measureRates(const QString &app, int seconds)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QCommandLineOption secondsOption(u"seconds"_s, u"How long each mode plays, at most 60."_s,
-                                           u"N"_s, u"12"_s);
-    parser.addOption(secondsOption);
-    parser.addHelpOption();
-    parser.addPositionalArgument(u"app"_s, u"Lumaro's program file."_s);
-    parser.process(application);
-    const int seconds = parser.value(secondsOption).toInt();
-    if (parser.positionalArguments().size() != 1 || seconds < 1 || seconds > 60)
-        parser.showHelp(2);
-
+    const int rounds = roundsAsked(argc, argv, 3);
     QList<Row> rows = measureTicks();
-    const auto display = VirtualDisplay::start();
-    if (display)
-        rows += measureRates(parser.positionalArguments().first(), seconds);
+    if (const auto display = VirtualDisplay::start())
+        rows.append(measureRates(rounds));
     else
-        rows += Row{u"pictures shown, smart to normal"_s, std::unexpected(display.error()), {}, {}};
-    return report(u"display modes"_s, rows);
+        rows.append({u"pictures shown, smart to normal"_s, std::unexpected(display.error())});
+    return report(u"display"_s, rows);
 }

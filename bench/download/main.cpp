@@ -1,18 +1,17 @@
 // Saving a stream from nginx on this machine, Lumaro, curl, ffmpeg and yt-dlp by turns.
-//   bench_download APP [--rounds N]
+//   bench_download [ROUNDS]
 
+#include "bench/report/ProcessMemory.h"
 #include "bench/report/Report.h"
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/NginxServer.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <thread>
 
 using namespace std::chrono_literals;
@@ -27,6 +26,8 @@ constexpr double processorLimit = 0.25;
 constexpr qint64 memoryLimit = 8 * 1024 * 1024;
 constexpr Seconds stopLimit = 200ms;
 constexpr auto patience = 5min;
+/// The peak is asked for until the end, for an ended program has no memory any more.
+constexpr auto sampleInterval = 4ms;
 
 struct Command
 {
@@ -56,13 +57,16 @@ Measured<Run> measure(const Command &command)
                       {.logFile = command.writesToOutput ? command.file : QString()});
     if (!started)
         return std::unexpected(started.error());
-    const bool ended = process.waitForFinished(patience);
+    qint64 memory = 0;
+    while (!process.waitForFinished(sampleInterval)
+           && std::chrono::steady_clock::now() - begin < patience)
+        memory = std::max(memory, peakMemory(process.processId()));
     const Seconds wall = std::chrono::steady_clock::now() - begin;
     const qint64 size = QFileInfo(command.file).size();
     QFile::remove(command.file);
-    if (!ended || process.exitCode() != 0 || size == 0)
+    if (process.exitCode() != 0 || size == 0 || memory == 0)
         return std::unexpected(QString(command.name + u" failed."_s));
-    return Run{wall, process.processorTime(), process.peakMemory(), size};
+    return Run{wall, process.processorTime(), memory, size};
 }
 
 /// The longest time from the signal to the end, for stops at different moments.
@@ -84,12 +88,6 @@ Measured<Seconds> slowestStop(const Command &command)
         QFile::remove(command.file);
     }
     return slowest;
-}
-
-double median(QList<double> values)
-{
-    std::ranges::sort(values);
-    return values.at(values.size() / 2);
 }
 
 template <typename Value>
@@ -122,7 +120,7 @@ qint64 memoryOf(const QList<Run> &runs)
 class Course
 {
 public:
-    static Measured<std::unique_ptr<Course>> open(const QString &app)
+    static Measured<std::unique_ptr<Course>> open()
     {
         const auto playlist =
             MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::LargeHls);
@@ -131,7 +129,7 @@ public:
         auto server = NginxServer::start();
         if (!server)
             return std::unexpected(server.error());
-        std::unique_ptr<Course> course(new Course(app, std::move(*server)));
+        std::unique_ptr<Course> course(new Course(std::move(*server)));
         if (!course->publish(*playlist))
             return std::unexpected(u"The stream cannot be published."_s);
         return course;
@@ -162,9 +160,8 @@ public:
     }
 
 private:
-    Course(const QString &app, std::unique_ptr<NginxServer> server)
-        : m_app(app)
-        , m_server(std::move(server))
+    explicit Course(std::unique_ptr<NginxServer> server)
+        : m_server(std::move(server))
     {
     }
 
@@ -177,7 +174,7 @@ private:
     Command lumaro(const QString &name, const QString &playlist) const
     {
         return {.name = name,
-                .program = m_app,
+                .program = lumaroProgram(),
                 .arguments = {u"--download"_s, address(playlist), u"--to"_s, m_folder.path(),
                               u"--name"_s, u"lumaro"_s},
                 .file = file(u"lumaro.ts"_s)};
@@ -204,7 +201,6 @@ private:
                                        + "\n#EXT-X-ENDLIST\n");
     }
 
-    QString m_app;
     std::unique_ptr<NginxServer> m_server;
     QTemporaryDir m_folder;
 };
@@ -221,20 +217,15 @@ Measured<QList<QList<Run>>> measureRounds(const QList<Command> &commands, int ro
         }
     }
     for (qsizetype i = 0; i < commands.size(); ++i)
-        std::printf("  %-22s %6.2f s, %6.3f s of processor time a GB, %4lld MB of memory\n",
-                    qPrintable(commands.at(i).name), wallOf(runs.at(i)), processorOf(runs.at(i)),
-                    static_cast<long long>(memoryOf(runs.at(i)) / 1'000'000));
+        say(u"%1: %2 s, %3 s of processor time a GB"_s.arg(commands.at(i).name)
+                .arg(wallOf(runs.at(i)), 0, 'f', 2)
+                .arg(processorOf(runs.at(i)), 0, 'f', 3));
     return runs;
 }
 
-QString megabytes(qint64 bytes)
+Measured<QList<Row>> measureAll(int rounds)
 {
-    return u"%1 MB"_s.arg(double(bytes) / 1e6, 0, 'f', 1);
-}
-
-Measured<QList<Row>> measureAll(const QString &app, int rounds)
-{
-    const auto course = Course::open(app);
+    const auto course = Course::open();
     if (!course)
         return std::unexpected(course.error());
     const QList<Command> commands = (*course)->commands();
@@ -246,23 +237,26 @@ Measured<QList<Row>> measureAll(const QString &app, int rounds)
         return std::unexpected(stop.error());
 
     const QList<Run> &lumaro = runs->at(0);
-    const auto ratio = [&](auto value, int peer) { return value(lumaro) / value(runs->at(peer)); };
-    const qint64 growth = memoryOf(lumaro) - memoryOf(runs->at(1));
-    using enum Limit::Kind;
+    const auto compared = [&](const QString &what, auto value, const QString &unit, int peer,
+                              double limit) {
+        const QList<Run> &theirs = runs->at(peer);
+        return Row{what, value(lumaro) / value(theirs),
+                   u"%1 %3, the peer %2 %3"_s.arg(QString::number(value(lumaro), 'f', 2),
+                                                  QString::number(value(theirs), 'f', 2), unit),
+                   Limit{Limit::Kind::AtMost, limit},
+                   Memory{.own = memoryOf(lumaro), .peer = memoryOf(theirs)}};
+    };
+    const Memory own{.own = memoryOf(lumaro)};
+    const qint64 growth = own.own - memoryOf(runs->at(1));
+    const Limit once{Limit::Kind::AtMost, 1};
     return QList<Row>{
-        {u"wall time, to one curl"_s, ratio(wallOf, 2), milliseconds(Seconds(wallOf(lumaro))),
-         Limit{AtMost, wallLimit}},
-        {u"processor time a GB, to ffmpeg -c copy"_s,
-         ratio(processorOf, 3),
-         {},
-         Limit{AtMost, processorLimit}},
-        {u"processor time a GB, to yt-dlp"_s,
-         ratio(processorOf, 4),
-         {},
-         Limit{AtMost, processorLimit}},
+        compared(u"wall time of 200 segments of 2 MB, to one curl"_s, wallOf, u"s"_s, 2, wallLimit),
+        compared(u"processor time a GB, to ffmpeg -c copy"_s, processorOf, u"s"_s, 3,
+                 processorLimit),
+        compared(u"processor time a GB, to yt-dlp"_s, processorOf, u"s"_s, 4, processorLimit),
         {u"memory beyond that for two segments, to 8 MB"_s, double(growth) / double(memoryLimit),
-         megabytes(growth), Limit{AtMost, 1}},
-        {u"slowest stop, to 200 ms"_s, *stop / stopLimit, milliseconds(*stop), Limit{AtMost, 1}}};
+         megabytes(growth), once, own},
+        {u"slowest stop, to 200 ms"_s, *stop / stopLimit, milliseconds(*stop), once, own}};
 }
 
 } // namespace
@@ -270,20 +264,8 @@ Measured<QList<Row>> measureAll(const QString &app, int rounds)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QCommandLineOption roundsOption(u"rounds"_s, u"How often each runs."_s, u"N"_s, u"3"_s);
-    parser.addOption(roundsOption);
-    parser.addHelpOption();
-    parser.addPositionalArgument(u"app"_s, u"Lumaro's program file."_s);
-    parser.process(application);
-    const int rounds = parser.value(roundsOption).toInt();
-    if (parser.positionalArguments().size() != 1 || rounds < 1)
-        parser.showHelp(2);
-
-    const auto rows = measureAll(parser.positionalArguments().first(), rounds);
-    if (!rows) {
-        std::fprintf(stderr, "download: %s\n", qPrintable(rows.error()));
-        return 2;
-    }
-    return report(u"download of 200 segments of 2 MB"_s, *rows);
+    const auto rows = measureAll(roundsAsked(argc, argv, 3));
+    return report(u"download"_s,
+                  rows ? *rows
+                       : QList<Row>{{u"200 segments of 2 MB"_s, std::unexpected(rows.error())}});
 }

@@ -1,6 +1,8 @@
 // Deciding requests by the ad blocker's rules with 100,000 domains of the user's, and recording
-// visits.  bench_finder PEER_FOLDER PEER_SCRIPT
+// visits.  bench_finder
 
+#include "bench/report/NpmPeer.h"
+#include "bench/report/ProcessMemory.h"
 #include "bench/report/Report.h"
 #include "finder/SnifferAdBlocker.h"
 #include "finder/SnifferSavedWebsiteStore.h"
@@ -16,13 +18,12 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <atomic>
 #include <random>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -31,21 +32,15 @@ namespace {
 
 constexpr int domainCount = 100'000;
 constexpr int requestCount = 20'000;
-constexpr double longestRequest = 1e-6;
-constexpr double frame = 0.016;
-constexpr double longestVisit = 0.002;
+constexpr Seconds longestRequest = std::chrono::microseconds(1);
+constexpr Seconds frame = std::chrono::milliseconds(16);
+constexpr Seconds longestVisit = std::chrono::milliseconds(2);
 
 const QString page = u"https://www.video-page.tv/watch/4711"_s;
 
 Seconds elapsed(const QElapsedTimer &clock)
 {
     return std::chrono::nanoseconds(clock.nsecsElapsed());
-}
-
-double medianOf(std::vector<double> values)
-{
-    std::ranges::sort(values);
-    return values[values.size() / 2];
 }
 
 QString word(std::mt19937 &random, unsigned shortest, unsigned longest)
@@ -107,6 +102,7 @@ struct Deciding
     Seconds compiling;
     Seconds request;
     int blocked = 0;
+    qint64 memory = 0; ///< at its peak, of the whole process, in bytes
 };
 
 Measured<Deciding> measureOwn(const QString &rules, const QStringList &requests)
@@ -120,18 +116,18 @@ Measured<Deciding> measureOwn(const QString &rules, const QStringList &requests)
     std::vector<ContentRequest> all;
     for (const QString &request : requests)
         all.push_back({QUrl(request), QUrl(page), ResourceType::Script});
-    std::vector<double> times;
+    QList<Seconds> times;
     for (const ContentRequest &request : all) {
         clock.restart();
         result.blocked += compiled->list->blocks(request) ? 1 : 0;
-        times.push_back(elapsed(clock).count());
+        times.append(elapsed(clock));
     }
-    result.request = Seconds(medianOf(std::move(times)));
+    result.request = median(times);
+    result.memory = peakMemory(getpid());
     return result;
 }
 
-Measured<Deciding> measurePeer(const QString &folder, const QString &script,
-                               const QStringList &domains, const QStringList &requests)
+Measured<Deciding> measurePeer(const QStringList &domains, const QStringList &requests)
 {
     const QTemporaryDir temporary;
     QFile input(temporary.filePath(u"input.json"_s));
@@ -142,13 +138,13 @@ Measured<Deciding> measurePeer(const QString &folder, const QString &script,
                                           {u"requests"_s, QJsonArray::fromStringList(requests)}})
                     .toJson(QJsonDocument::Compact));
     input.close();
-    QProcess node;
-    node.start(u"node"_s, {script, folder, input.fileName()});
-    if (!node.waitForFinished(120'000) || node.exitCode() != 0)
-        return std::unexpected(u"node failed: "_s + QString::fromUtf8(node.readAllStandardError()));
-    const QJsonObject said = QJsonDocument::fromJson(node.readAllStandardOutput()).object();
-    return Deciding{Seconds(said[u"compiling"].toDouble()), Seconds(said[u"request"].toDouble()),
-                    said[u"blocked"].toInt()};
+    const auto said =
+        askNpmPeer(u"finder"_s, u"@ghostery/adblocker"_s, u"2.18"_s, {input.fileName()});
+    if (!said)
+        return std::unexpected(said.error());
+    return Deciding{Seconds((*said)[u"compiling"].toDouble()),
+                    Seconds((*said)[u"request"].toDouble()), (*said)[u"blocked"].toInt(),
+                    (*said)[u"peakMemory"].toInteger()};
 }
 
 /// The longest time for which an edit of the list keeps the window from answering.
@@ -207,7 +203,7 @@ Seconds measureVisit()
     QtScheduler scheduler;
     FakeFilePanels panels;
     SnifferSavedWebsiteStore store(defaults, scheduler, panels);
-    std::vector<double> times;
+    QList<Seconds> times;
     for (int i = 0; i < 300; ++i) {
         const int before = defaults.writes;
         QElapsedTimer clock;
@@ -216,9 +212,9 @@ Seconds measureVisit()
         while (defaults.writes == before)
             QCoreApplication::processEvents();
         if (i > 100)
-            times.push_back(elapsed(clock).count());
+            times.append(elapsed(clock));
     }
-    return Seconds(medianOf(std::move(times)));
+    return median(times);
 }
 
 } // namespace
@@ -226,8 +222,6 @@ Seconds measureVisit()
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    if (argc != 3)
-        return 2;
     std::mt19937 random(1);
     const QStringList domains = makeDomains(random);
     const QStringList requests = makeRequests(domains, random);
@@ -243,8 +237,7 @@ int main(int argc, char *argv[])
         QCoreApplication::processEvents();
 
     const auto own = measureOwn(blocker.generateRulesJSON(), requests);
-    const auto peer = measurePeer(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]),
-                                  domains, requests);
+    const auto peer = measurePeer(domains, requests);
     const auto ratio = [&](Seconds Deciding::*time) -> Measured<double> {
         if (!own || !peer)
             return std::unexpected(own ? peer.error() : own.error());
@@ -258,31 +251,26 @@ int main(int argc, char *argv[])
     };
     const Deciding ours = own.value_or(Deciding());
     const Deciding theirs = peer.value_or(Deciding());
+    const Memory memory{.own = ours.memory, .peer = theirs.memory};
+    const Measured<double> toLimit =
+        own ? Measured<double>(ours.request / longestRequest) : std::unexpected(own.error());
     const Seconds hold = measureHold(blocker);
     const Seconds visit = measureVisit();
-    return report(u"100,000 domains of the user's"_s,
-                  {
-                      {.what = u"deciding a request, median, to 1 µs"_s,
-                       .ratio = ours.request.count() / longestRequest,
-                       .detail = inMicroseconds(ours.request),
-                       .limit = Limit{Limit::Kind::AtMost, 1}},
-                      {.what = u"the same, to @ghostery/adblocker"_s,
-                       .ratio = ratio(&Deciding::request),
-                       .detail = inMicroseconds(ours.request) + u", the peer "
-                           + inMicroseconds(theirs.request),
-                       .limit = Limit{Limit::Kind::AtMost, 0.4}},
-                      {.what = u"compiling, to @ghostery/adblocker"_s,
-                       .ratio = ratio(&Deciding::compiling),
-                       .detail = milliseconds(ours.compiling) + u", the peer "
-                           + milliseconds(theirs.compiling),
-                       .limit = Limit{Limit::Kind::AtMost, 1}},
-                      {.what = u"longest hold of the main thread by an edit, to 16 ms"_s,
-                       .ratio = hold.count() / frame,
-                       .detail = milliseconds(hold),
-                       .limit = Limit{Limit::Kind::Below, 1}},
-                      {.what = u"recording a visit and writing it, median, to 2 ms"_s,
-                       .ratio = visit.count() / longestVisit,
-                       .detail = milliseconds(visit),
-                       .limit = Limit{Limit::Kind::Below, 1}},
-                  });
+    using enum Limit::Kind;
+    return report(
+        u"finder"_s,
+        {
+            {u"deciding a request with 100,000 domains, to 1 µs"_s, toLimit,
+             inMicroseconds(ours.request), Limit{AtMost, 1}, Memory{.own = ours.memory}},
+            {u"deciding a request, to @ghostery/adblocker"_s, ratio(&Deciding::request),
+             inMicroseconds(ours.request) + u", the peer " + inMicroseconds(theirs.request),
+             Limit{AtMost, 0.4}, memory},
+            {u"compiling 100,000 domains, to @ghostery/adblocker"_s, ratio(&Deciding::compiling),
+             milliseconds(ours.compiling) + u", the peer " + milliseconds(theirs.compiling),
+             Limit{AtMost, 1}, memory},
+            {u"longest hold of the main thread by an edit, to 16 ms"_s, hold / frame,
+             milliseconds(hold), Limit{Below, 1}},
+            {u"recording a visit and writing it, to 2 ms"_s, visit / longestVisit,
+             milliseconds(visit), Limit{Below, 1}},
+        });
 }

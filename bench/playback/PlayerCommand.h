@@ -6,7 +6,7 @@
 
 namespace lumaro {
 
-/// A player to be measured, playing one file.
+/// A player to be measured, playing one file, or none when its name is empty.
 struct PlayerCommand
 {
     QString name;
@@ -15,7 +15,7 @@ struct PlayerCommand
 };
 
 /// Lumaro, in a window of the size that it chooses.
-PlayerCommand lumaroCommand(const QString &program, const QString &file);
+PlayerCommand lumaroCommand(const QString &file);
 /// mpv in a window at `window`, with nothing drawn over the picture.
 PlayerCommand mpvCommand(const QString &file, const QRect &window);
 /// The bare libmpv window, which lies beside the measuring program.

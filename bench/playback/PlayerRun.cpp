@@ -1,8 +1,9 @@
 #include "bench/playback/PlayerRun.h"
 
+#include "bench/report/ProcessMemory.h"
+
 #include <QDir>
 
-#include <algorithm>
 #include <ctime>
 #include <thread>
 
@@ -20,7 +21,7 @@ constexpr auto watchInterval = 8ms;
 /// Starting up has an end some time after the first picture.
 constexpr auto settlingTime = 2s;
 
-std::optional<PlayerRun::Duration> processorTimeSoFar(pid_t process)
+std::optional<Seconds> processorTimeSoFar(pid_t process)
 {
     clockid_t clock{};
     timespec time{};
@@ -43,7 +44,7 @@ bool waitFor(ChildProcess &process, Condition condition)
 }
 
 /// How often the picture changes within `duration`.
-int watchPictures(const Screen &screen, PlayerRun::Duration duration)
+int watchPictures(const Screen &screen, Seconds duration)
 {
     const auto end = PlayerRun::Clock::now() + duration;
     size_t last = screen.picture();
@@ -58,7 +59,7 @@ int watchPictures(const Screen &screen, PlayerRun::Duration duration)
 
 } // namespace
 
-PlayerRun::Result<void> PlayerRun::start(const PlayerCommand &command)
+Measured<void> PlayerRun::start(const PlayerCommand &command)
 {
     const auto started = m_process.start(command.program, command.arguments, {});
     if (!started)
@@ -66,8 +67,7 @@ PlayerRun::Result<void> PlayerRun::start(const PlayerCommand &command)
     return {};
 }
 
-PlayerRun::Result<PlayerRun::Start> PlayerRun::startUntilColor(const PlayerCommand &command,
-                                                               QRgb color)
+Measured<PlayerRun::Start> PlayerRun::startUntilColor(const PlayerCommand &command, QRgb color)
 {
     if (m_screen.shows(color))
         return std::unexpected(u"The screen already shows the picture that is waited for."_s);
@@ -76,12 +76,13 @@ PlayerRun::Result<PlayerRun::Start> PlayerRun::startUntilColor(const PlayerComma
         return std::unexpected(started.error());
     if (!waitFor(m_process, [&] { return m_screen.shows(color); }))
         return std::unexpected(QString(command.name + u" shows no picture."_s));
-    const Duration time = Clock::now() - begin;
-    return Start{.time = time, .window = m_screen.window().value_or(QRect())};
+    const Seconds time = Clock::now() - begin;
+    return Start{.time = time,
+                 .window = m_screen.window().value_or(QRect()),
+                 .peakMemory = peakMemory(m_process.processId())};
 }
 
-PlayerRun::Result<PlayerRun::Load> PlayerRun::startAndMeasure(const PlayerCommand &command,
-                                                              Duration duration)
+Measured<PlayerRun::Load> PlayerRun::startAndMeasure(const PlayerCommand &command, Seconds duration)
 {
     if (const auto started = start(command); !started)
         return std::unexpected(started.error());
@@ -101,17 +102,35 @@ PlayerRun::Result<PlayerRun::Load> PlayerRun::startAndMeasure(const PlayerComman
     const QRect window = m_screen.window().value_or(QRect());
     const auto before = processorTimeSoFar(m_process.processId());
     const int pictures = watchPictures(m_screen, duration);
+    const qint64 memory = peakMemory(m_process.processId());
     if (!before || !m_process.isRunning())
         return std::unexpected(QString(command.name + u" ended while it was measured."_s));
     // The total of an ended process contains its children, which its clock does not.
     if (const auto ended = end(); !ended)
         return std::unexpected(ended.error());
-    return Load{.processorTime = Duration(m_process.processorTime()) - *before,
+    return Load{.processorTime = Seconds(m_process.processorTime()) - *before,
                 .pictureRate = pictures / duration.count(),
-                .window = window};
+                .window = window,
+                .peakMemory = memory};
 }
 
-PlayerRun::Result<void> PlayerRun::end()
+Measured<PlayerRun::Idle> PlayerRun::startAndIdle(const PlayerCommand &command)
+{
+    if (const auto started = start(command); !started)
+        return std::unexpected(started.error());
+    if (!waitFor(m_process, [&] { return m_screen.window().has_value(); }))
+        return std::unexpected(QString(command.name + u" shows no window."_s));
+    std::this_thread::sleep_for(settlingTime);
+    const Idle idle{.window = m_screen.window().value_or(QRect()),
+                    .peakMemory = peakMemory(m_process.processId())};
+    if (!m_process.isRunning())
+        return std::unexpected(QString(command.name + u" ended while it was measured."_s));
+    if (const auto ended = end(); !ended)
+        return std::unexpected(ended.error());
+    return idle;
+}
+
+Measured<void> PlayerRun::end()
 {
     m_process.stop(5s);
     const auto deadline = Clock::now() + patience;
@@ -130,14 +149,6 @@ void preparePlayerEnvironment(const QString &folder)
     qputenv("LIBVA_DRIVER_NAME", "none");
     qputenv("VDPAU_DRIVER", "none");
     qputenv("CUDA_VISIBLE_DEVICES", "-1");
-}
-
-double median(QList<double> values)
-{
-    std::ranges::sort(values);
-    const qsizetype middle = values.size() / 2;
-    return values.size() % 2 == 1 ? values.at(middle)
-                                  : (values.at(middle - 1) + values.at(middle)) / 2;
 }
 
 } // namespace lumaro

@@ -2,6 +2,7 @@
 
 #include "bench/playback/PlayerCommand.h"
 #include "bench/playback/Screen.h"
+#include "bench/report/Measure.h"
 #include "tests/e2e/servers/ChildProcess.h"
 
 namespace lumaro {
@@ -12,9 +13,6 @@ class PlayerRun
 {
 public:
     using Clock = std::chrono::steady_clock;
-    using Duration = std::chrono::duration<double>;
-    template <typename T>
-    using Result = std::expected<T, QString>;
 
     explicit PlayerRun(const Screen &screen)
         : m_screen(screen)
@@ -23,27 +21,37 @@ public:
 
     struct Start
     {
-        Duration time; ///< from before the process existed
-        QRect window;
+        Seconds time{}; ///< from before the process existed
+        QRect window{};
+        qint64 peakMemory = 0; ///< bytes
     };
     /// Starts the player and waits until the middle of the screen is `color`.
-    Result<Start> startUntilColor(const PlayerCommand &command, QRgb color);
+    Measured<Start> startUntilColor(const PlayerCommand &command, QRgb color);
 
     struct Load
     {
-        Duration processorTime;
+        Seconds processorTime{};
         double pictureRate = 0; ///< changes seen on the screen, a second
-        QRect window;
+        QRect window{};
+        qint64 peakMemory = 0; ///< bytes
     };
     /// Starts the player, waits until its picture moves and it has settled, and measures it for
     /// `duration` from then on. The player is ended.
-    Result<Load> startAndMeasure(const PlayerCommand &command, Duration duration);
+    Measured<Load> startAndMeasure(const PlayerCommand &command, Seconds duration);
+
+    struct Idle
+    {
+        QRect window{};
+        qint64 peakMemory = 0; ///< bytes
+    };
+    /// Starts the player, waits until its window has settled, and ends it.
+    Measured<Idle> startAndIdle(const PlayerCommand &command);
 
     /// Ends the player and waits until its picture is gone.
-    Result<void> end();
+    Measured<void> end();
 
 private:
-    Result<void> start(const PlayerCommand &command);
+    Measured<void> start(const PlayerCommand &command);
 
     const Screen &m_screen;
     ChildProcess m_process;
@@ -51,7 +59,5 @@ private:
 
 /// So that each player decodes with the processor and none meets the user's settings.
 void preparePlayerEnvironment(const QString &folder);
-
-double median(QList<double> values);
 
 } // namespace lumaro

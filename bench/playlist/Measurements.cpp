@@ -1,5 +1,7 @@
 #include "bench/playlist/Measurements.h"
 
+#include "bench/report/NpmPeer.h"
+#include "bench/report/ProcessMemory.h"
 #include "platform/qt/QtScheduler.h"
 #include "playlist/ChannelListModel.h"
 #include "playlist/PlaylistParser.h"
@@ -8,13 +10,13 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QHash>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -23,20 +25,6 @@ namespace lumaro {
 namespace {
 
 const QUrl address(u"http://host/list.m3u"_s);
-
-Seconds median(QList<Seconds> times)
-{
-    std::ranges::sort(times);
-    return times[times.size() / 2];
-}
-
-template <typename Work>
-Seconds timeOf(Work work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::steady_clock::now() - start;
-}
 
 /// `parse` turns bytes into what has a size.
 template <typename Parse>
@@ -50,32 +38,6 @@ Parsing measure(const QByteArray &list, int rounds, Parse parse)
         parsing.time = std::min(parsing.time, time);
     }
     return parsing;
-}
-
-Measured<QByteArray> outputOf(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(program, arguments);
-    constexpr int patience = 300'000;
-    if (!process.waitForFinished(patience) || process.exitStatus() != QProcess::NormalExit
-        || process.exitCode() != 0)
-        return std::unexpected(u"%1 failed."_s.arg(program));
-    return process.readAllStandardOutput();
-}
-
-/// A value of /proc/self/status (proc(5)), in bytes; 0 when there is none.
-qint64 processStatus(QByteArrayView key)
-{
-    QFile file(u"/proc/self/status"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith(key))
-            return line.sliced(key.size()).simplified().split(' ').first().toLongLong() * 1024;
-    }
-    return 0;
 }
 
 using Texts = QHash<QString, QList<Seconds>>;
@@ -103,39 +65,39 @@ Measured<Parsing> measureParsingToValues(const QByteArray &list, int rounds)
     });
 }
 
-Measured<Parsing> measurePeer(const QString &folder, const QString &script, const QString &file,
-                              int rounds)
+Measured<Parsing> measurePeer(const QString &file, int rounds)
 {
-    const auto output = outputOf(u"node"_s, {script, folder, file, QString::number(rounds)});
-    if (!output)
-        return std::unexpected(output.error());
-    const QJsonObject result = QJsonDocument::fromJson(*output).object();
-    const Seconds time(result[u"seconds"_s].toDouble());
-    if (time <= Seconds::zero())
-        return std::unexpected(u"iptv-playlist-parser was not measured."_s);
-    return Parsing{result[u"entries"_s].toInteger(), time};
+    const auto said = askNpmPeer(u"playlist"_s, u"iptv-playlist-parser"_s, u"0.15"_s,
+                                 {file, QString::number(rounds)});
+    if (!said)
+        return std::unexpected(said.error());
+    return Parsing{.entries = (*said)[u"entries"_s].toInteger(),
+                   .time = Seconds((*said)[u"seconds"_s].toDouble()),
+                   .memory = (*said)[u"peakMemory"_s].toInteger()};
 }
 
-Measured<qint64> measurePeakMemory(const QString &file)
+Measured<ReadingMemory> measureReadingMemory(const QString &file)
 {
-    const auto output =
-        outputOf(QCoreApplication::applicationFilePath(), {u"--print-peak-memory"_s, file});
-    if (!output)
-        return std::unexpected(output.error());
-    const qint64 bytes = output->trimmed().toLongLong();
-    if (bytes <= 0)
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(),
+                  {QString::fromLatin1(printMemoryOption), file});
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit
+        || process.exitCode() != 0)
         return std::unexpected(u"The memory was not measured."_s);
-    return bytes;
+    const QByteArrayList numbers = process.readAllStandardOutput().trimmed().split(' ');
+    return ReadingMemory{.added = numbers.value(0).toLongLong(),
+                         .whole = numbers.value(1).toLongLong()};
 }
 
-int printPeakMemory(const QString &file)
+int printReadingMemory(const QString &file)
 {
     QFile list(file);
-    const qint64 before = processStatus("VmRSS:");
+    const qint64 before = residentMemory(getpid());
     if (before == 0 || !list.open(QIODevice::ReadOnly))
         return 2;
     const auto entries = PlaylistParser::read(list.readAll(), address);
-    std::printf("%lld\n", static_cast<long long>(processStatus("VmHWM:") - before));
+    const qint64 peak = peakMemory(getpid());
+    std::printf("%lld %lld\n", static_cast<long long>(peak - before), static_cast<long long>(peak));
     return entries ? 0 : 2;
 }
 

@@ -1,5 +1,5 @@
 // Recording a film while it plays, and ffmpeg grabbing the same picture from the X server with the
-// same encoder settings, by turns.  bench_recording [SECONDS]
+// same encoder settings, by turns.  bench_recording [ROUNDS]
 
 #include "app/Application.h"
 #include "bench/report/Report.h"
@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 #include <ctime>
 
 using namespace Qt::Literals::StringLiterals;
@@ -25,7 +24,7 @@ using namespace lumaro;
 
 namespace {
 
-constexpr int rounds = 3;
+constexpr std::chrono::seconds length(10);
 constexpr double mostToPeer = 1.1;
 constexpr double leastCaptured = 0.95;
 constexpr double frameInterval = 1.0 / 30;
@@ -78,11 +77,10 @@ int framesIn(const QString &file)
 class Bench
 {
 public:
-    Bench(Application &application, QString folder, std::chrono::seconds length)
+    Bench(Application &application, QString folder)
         : m_application(application)
         , m_window(qobject_cast<QQuickWindow *>(application.engine().rootObjects().value(0)))
         , m_folder(std::move(folder))
-        , m_length(length)
     {
         QObject::connect(
             m_window, &QQuickWindow::frameSwapped, m_window, [this] { ++m_shown; },
@@ -99,7 +97,7 @@ public:
             return std::unexpected(u"The film does not play."_s);
         Round round;
         double begin = processorTime();
-        wait(m_length);
+        wait(length);
         round.playing = processorTime() - begin;
         if (const auto recorded = record(round); !recorded)
             return std::unexpected(recorded.error());
@@ -122,8 +120,8 @@ private:
             return std::unexpected(u"Nothing is recorded: "_s + controller.errorMessage());
         const double begin = processorTime();
         const int shown = m_shown;
-        wait(m_length);
-        const int possible = std::min(m_shown - shown, int(m_length.count() * 30));
+        wait(length);
+        const int possible = std::min(m_shown - shown, int(length.count() * 30));
         round.recording = processorTime() - begin;
         m_application.recording().stop();
         if (!becomesTrue([&] { return controller.state() == PlayerRecordingState::idle; }))
@@ -155,7 +153,7 @@ private:
                                            u"-i"_s,
                                            qEnvironmentVariable("DISPLAY"),
                                            u"-t"_s,
-                                           QString::number(m_length.count()),
+                                           QString::number(length.count()),
                                            u"-pix_fmt"_s,
                                            u"yuv420p"_s,
                                            u"-c:v"_s,
@@ -186,23 +184,16 @@ private:
     /// What 30 frames a second would have cost: a busy machine makes both leave some out.
     double forAllFrames(double cost, int frames) const
     {
-        return cost * (double(m_length.count()) * 30 / std::max(frames, 1));
+        return cost * (double(length.count()) * 30 / std::max(frames, 1));
     }
 
     Application &m_application;
     QQuickWindow *m_window;
     QString m_folder;
-    std::chrono::seconds m_length;
     std::atomic<int> m_shown = 0;
 };
 
-double median(QList<double> values)
-{
-    std::ranges::sort(values);
-    return values.at(values.size() / 2);
-}
-
-Measured<QList<Round>> measure(std::chrono::seconds length)
+Measured<QList<Round>> measure(int rounds)
 {
     const auto film = MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::Movie);
     if (!film)
@@ -212,15 +203,17 @@ Measured<QList<Round>> measure(std::chrono::seconds length)
         {folder.path() + u"/settings", folder.path() + u"/cache", {folder.path()}, folder.path()});
     if (!application.show())
         return std::unexpected(u"The window cannot be shown."_s);
-    Bench bench(application, folder.path(), length);
+    Bench bench(application, folder.path());
     QList<Round> done;
     while (done.size() < rounds) {
         const auto round = bench.run(*film);
         if (!round)
             return std::unexpected(round.error());
-        std::printf("  playing %.2f s, recording too %.2f s, x11grab %.2f s; captured %.3f\n",
-                    round->playing, round->recording, round->peer, round->captured);
-        std::fflush(stdout);
+        say(u"playing %1 s, recording too %2 s, x11grab %3 s; captured %4"_s
+                .arg(round->playing, 0, 'f', 2)
+                .arg(round->recording, 0, 'f', 2)
+                .arg(round->peer, 0, 'f', 2)
+                .arg(round->captured, 0, 'f', 3));
         done.append(*round);
     }
     return done;
@@ -230,11 +223,11 @@ Measured<QList<Round>> measure(std::chrono::seconds length)
 
 int main(int argc, char *argv[])
 {
+    const int rounds = roundsAsked(argc, argv, 3);
     const auto display = VirtualDisplay::start();
-    if (!display) {
-        std::fprintf(stderr, "%s\n", qPrintable(display.error()));
-        return 2;
-    }
+    if (!display)
+        return report(u"recording"_s,
+                      {{u"recording 1280x720"_s, std::unexpected(display.error())}});
     // No sound on either side.
     qputenv("PULSE_SERVER", "unix:/nowhere");
     qputenv("QT_LOGGING_RULES", "lumaro.capture.debug=true");
@@ -244,8 +237,7 @@ int main(int argc, char *argv[])
     });
     Application::prepare();
     const QGuiApplication qt(argc, argv);
-    const int seconds = argc > 1 ? std::clamp(std::atoi(argv[1]), 1, 15) : 10;
-    const auto measured = measure(std::chrono::seconds(seconds));
+    const auto measured = measure(rounds);
     const auto over =
         [&measured](const std::function<double(const Round &)> &value) -> Measured<double> {
         if (!measured)
@@ -255,17 +247,23 @@ int main(int argc, char *argv[])
             values.append(value(round));
         return median(values);
     };
-    return report(u"recording 1280x720"_s,
-                  {{.what = u"frames captured, of those shown up to 30 a second"_s,
-                    .ratio = over([](const Round &r) { return r.captured; }),
-                    .detail = {},
-                    .limit = Limit{Limit::Kind::AtLeast, leastCaptured}},
-                   {.what = u"processor time added, to ffmpeg -f x11grab"_s,
-                    .ratio = over([](const Round &r) { return r.added / r.peer; }),
-                    .detail = {},
-                    .limit = Limit{Limit::Kind::AtMost, mostToPeer}},
-                   {.what = u"render thread's time for a captured frame, of a frame's interval"_s,
-                    .ratio = over([](const Round &r) { return r.renderThread / frameInterval; }),
-                    .detail = {},
-                    .limit = std::nullopt}});
+    const auto text = [&over](auto value, int digits) {
+        return QString::number(over(value).value_or(0), 'f', digits);
+    };
+    const auto added = [](const Round &round) { return round.added; };
+    const auto peer = [](const Round &round) { return round.peer; };
+    const auto renderThread = [](const Round &round) { return round.renderThread * 1000; };
+    using enum Limit::Kind;
+    return report(
+        u"recording"_s,
+        {{u"frames captured, of those shown up to 30 a second"_s,
+          over([](const Round &r) { return r.captured; }), u"1280x720, %1 s"_s.arg(length.count()),
+          Limit{AtLeast, leastCaptured}},
+         {u"processor time added, to ffmpeg -f x11grab"_s,
+          over([](const Round &r) { return r.added / r.peer; }),
+          u"%1 s, the peer %2 s, for %3 s"_s.arg(text(added, 2), text(peer, 2)).arg(length.count()),
+          Limit{AtMost, mostToPeer}},
+         {u"render thread for a captured frame, of a frame's interval"_s,
+          over([](const Round &r) { return r.renderThread / frameInterval; }),
+          text(renderThread, 1) + u" ms"_s}});
 }

@@ -1,7 +1,11 @@
 #include "bench/report/Report.h"
 
-#include <algorithm>
+#include "bench/report/ProcessMemory.h"
+
 #include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -37,6 +41,11 @@ QString text(std::optional<Limit> limit)
     Q_UNREACHABLE();
 }
 
+QString ratioText(std::optional<double> ratio)
+{
+    return ratio ? QString::number(*ratio, 'f', 2) : u"-"_s;
+}
+
 int status(const Row &row)
 {
     if (!row.ratio)
@@ -44,25 +53,58 @@ int status(const Row &row)
     return !row.limit || keeps(*row.ratio, *row.limit) ? 0 : 1;
 }
 
-} // namespace
-
-QString milliseconds(Seconds time)
+QString result(const Row &row)
 {
-    return u"%1 ms"_s.arg(time.count() * 1000, 0, 'f', 1);
+    switch (status(row)) {
+    case 0:
+        return row.limit ? u"kept"_s : u"-"_s;
+    case 1:
+        return u"MISSED"_s;
+    default:
+        return u"NOT MEASURED"_s;
+    }
 }
 
-int report(const QString &title, const QList<Row> &rows)
+QString detail(const Row &row)
 {
-    int result = 0;
-    std::printf("  %-52s %8s  %-12s %s\n", qPrintable(title), "ratio", "limit", "");
+    const QString text = (row.ratio ? row.detail : row.ratio.error()).simplified();
+    return text.isEmpty() ? u"-"_s : text;
+}
+
+} // namespace
+
+int roundsAsked(int argc, char *const argv[], int usual)
+{
+    if (argc == 1)
+        return usual;
+    bool isNumber = false;
+    const int rounds = QByteArray(argv[1]).toInt(&isNumber);
+    if (argc == 2 && isNumber && rounds > 0)
+        return rounds;
+    std::fprintf(stderr, "usage: %s [ROUNDS]\n", argv[0]);
+    std::exit(2); // NOLINT(concurrency-mt-unsafe): there is no other thread yet
+}
+
+int report(const QString &group, const QList<Row> &rows)
+{
+    int worst = 0;
     for (const Row &row : rows) {
-        const QString ratio = row.ratio ? QString::number(*row.ratio, 'f', 2) : u"?"_s;
-        std::printf("  %-52s %8s  %-12s %s%s\n", qPrintable(row.what), qPrintable(ratio),
-                    qPrintable(text(row.limit)), status(row) == 1 ? "MISSED: " : "",
-                    qPrintable(row.ratio ? row.detail : row.ratio.error()));
-        result = std::max(result, status(row));
+        const Memory memory = row.memory.value_or(Memory{.own = peakMemory(getpid())});
+        const auto toPeer =
+            memory.peer ? std::optional(double(memory.own) / double(*memory.peer)) : std::nullopt;
+        const auto ratio = row.ratio ? std::optional(*row.ratio) : std::nullopt;
+        const QStringList parts{group,
+                                row.what,
+                                ratioText(ratio),
+                                text(row.limit),
+                                result(row),
+                                row.ratio ? megabytes(memory.own) : u"-"_s,
+                                ratioText(row.ratio ? toPeer : std::nullopt),
+                                detail(row)};
+        std::printf("%s\n", parts.join(u'\t').toUtf8().constData());
+        worst = std::max(worst, status(row));
     }
-    return result;
+    return worst;
 }
 
 } // namespace lumaro

@@ -162,8 +162,6 @@ bool ChildProcess::reap(int options)
         if (WIFEXITED(status))
             m_exitCode = WEXITSTATUS(status);
         m_processorTime = microseconds(usage.ru_utime) + microseconds(usage.ru_stime);
-        // Counted in units of 1024 bytes.
-        m_peakMemory = qint64(usage.ru_maxrss) * 1024;
     }
     return true;
 }

@@ -49,8 +49,6 @@ public:
     std::optional<int> exitCode() const { return m_exitCode; }
     /// User and system time of the ended program and of the children it has waited for.
     std::chrono::microseconds processorTime() const { return m_processorTime; }
-    /// The most memory that the ended program had in use at once, in bytes.
-    qint64 peakMemory() const { return m_peakMemory; }
 
 private:
     bool reap(int options);
@@ -59,7 +57,6 @@ private:
     bool m_running = false;
     std::optional<int> m_exitCode;
     std::chrono::microseconds m_processorTime{};
-    qint64 m_peakMemory = 0;
 };
 
 } // namespace lumaro

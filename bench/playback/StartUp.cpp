@@ -1,30 +1,25 @@
-// From the start of the process to the first frame of a film on the screen, Lumaro and mpv by turns
-// in windows of the same size.  bench_playback_startup APP [--rounds N]
+#include "bench/playback/StartUp.h"
 
 #include "bench/playback/PlayerRun.h"
 #include "tests/e2e/servers/MediaFixtures.h"
-#include "tests/e2e/servers/VirtualDisplay.h"
 
-#include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QTemporaryDir>
 
-#include <cstdio>
-
 using namespace Qt::Literals::StringLiterals;
-using namespace lumaro;
+
+namespace lumaro {
 
 namespace {
-
-constexpr double limit = 2;
 
 struct Times
 {
     QList<double> lumaro;
     QList<double> mpv;
+    /// Until the first picture.
+    Memory memory;
 };
 
-std::expected<PlayerRun::Start, QString> measure(const Screen &screen, const PlayerCommand &command)
+Measured<PlayerRun::Start> measure(const Screen &screen, const PlayerCommand &command)
 {
     PlayerRun run(screen);
     auto start = run.startUntilColor(command, MediaFixtures::solidColor);
@@ -35,7 +30,7 @@ std::expected<PlayerRun::Start, QString> measure(const Screen &screen, const Pla
     return start;
 }
 
-std::expected<Times, QString> measureRounds(const QString &app, int rounds)
+Measured<Times> measureRounds(int rounds)
 {
     const auto file =
         MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::SolidColor);
@@ -46,7 +41,7 @@ std::expected<Times, QString> measureRounds(const QString &app, int rounds)
         return std::unexpected(u"There is no display."_s);
 
     // The first two fill the caches and do not count.
-    const PlayerCommand lumaro = lumaroCommand(app, *file);
+    const PlayerCommand lumaro = lumaroCommand(*file);
     const auto first = measure(*screen, lumaro);
     if (!first)
         return std::unexpected(first.error());
@@ -65,6 +60,8 @@ std::expected<Times, QString> measureRounds(const QString &app, int rounds)
             if (!start)
                 return std::unexpected(start.error());
             list->append(start->time.count());
+            (command == &lumaro ? times.memory.own : times.memory.peer.emplace()) =
+                start->peakMemory;
         }
     }
     return times;
@@ -72,33 +69,26 @@ std::expected<Times, QString> measureRounds(const QString &app, int rounds)
 
 } // namespace
 
-int main(int argc, char *argv[])
+Row measureStartUp(int rounds)
 {
-    const QCoreApplication application(argc, argv);
-    QCommandLineParser parser;
-    const QCommandLineOption rounds(u"rounds"_s, u"How often each is started."_s, u"N"_s, u"9"_s);
-    parser.addOption(rounds);
-    parser.addHelpOption();
-    parser.addPositionalArgument(u"app"_s, u"Lumaro's program file."_s);
-    parser.process(application);
-    if (parser.positionalArguments().size() != 1 || parser.value(rounds).toInt() < 1)
-        parser.showHelp(2);
-
-    const auto display = VirtualDisplay::start();
+    Row row{.what = u"start to the first picture, to mpv --vo=gpu"_s,
+            .ratio = 0,
+            .limit = Limit{Limit::Kind::AtMost, 2}};
     const QTemporaryDir settings;
     preparePlayerEnvironment(settings.path());
-    const auto times = display
-        ? measureRounds(parser.positionalArguments().first(), parser.value(rounds).toInt())
-        : std::unexpected(display.error());
+    const auto times = measureRounds(rounds);
     if (!times) {
-        std::fprintf(stderr, "start to first frame: %s\n", qPrintable(times.error()));
-        return 2;
+        row.ratio = std::unexpected(times.error());
+        return row;
     }
     const double lumaro = median(times->lumaro);
     const double mpv = median(times->mpv);
-    std::printf("  lumaro %.0f ms, mpv --vo=gpu %.0f ms (medians of %d)\n", lumaro * 1000,
-                mpv * 1000, parser.value(rounds).toInt());
-    std::printf("start to first frame: %.2f times mpv --vo=gpu (limit: at most %g)\n", lumaro / mpv,
-                limit);
-    return lumaro / mpv <= limit ? 0 : 1;
+    row.ratio = lumaro / mpv;
+    row.detail = u"%1, mpv %2, medians of %3"_s
+                     .arg(milliseconds(Seconds(lumaro)), milliseconds(Seconds(mpv)))
+                     .arg(rounds);
+    row.memory = times->memory;
+    return row;
 }
+
+} // namespace lumaro
