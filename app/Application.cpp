@@ -187,6 +187,12 @@ Application::Application(const Folders &folders, const WebServices &services)
                      });
 }
 
+Application::~Application()
+{
+    // Before the engine: what its views do when they go, such as hiding a panel, still needs that.
+    delete m_finderWindow;
+}
+
 bool Application::show()
 {
     applyStyle();
@@ -325,8 +331,6 @@ bool Application::loadFinder()
         for (QQuickWindow *const window : {mainWindow(), m_finderWindow.data()})
             drawInTurns(*window);
     }
-    // Before the engine goes the models that it shows.
-    made->setParent(&m_engine);
     return true;
 }
 
