@@ -1,6 +1,7 @@
 #include "player/WebPlayerRegistry.h"
 
 #include <QLocale>
+#include <QThread>
 
 #include <cmath>
 
@@ -42,7 +43,9 @@ void WebPlayerRegistry::clear(const ScriptRunner *view)
 
 void WebPlayerRegistry::evaluate(const QString &script) const
 {
-    if (m_view)
+    if (QThread::currentThread() != m_home.thread())
+        QMetaObject::invokeMethod(&m_home, [this, script] { evaluate(script); });
+    else if (m_view)
         m_view->evaluate(script);
 }
 

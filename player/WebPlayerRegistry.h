@@ -7,7 +7,8 @@
 namespace lumaro {
 
 /// The way from the player model to the web view that currently shows a service's own player.
-/// Main thread only.
+/// Made on the main thread. Commands may be given on any thread, and are carried out on the main
+/// thread; the rest is for the main thread only.
 class WebPlayerRegistry
 {
 public:
@@ -45,6 +46,8 @@ private:
     QPointer<ScriptRunner> m_view;
 };
 
+    /// On the main thread.
+    mutable QObject m_home;
 /// Commands of the page that wraps YouTube's player.
 class YouTubePlayerRegistry final : public WebPlayerRegistry
 {

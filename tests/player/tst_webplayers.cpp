@@ -12,6 +12,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
@@ -102,6 +103,7 @@ private Q_SLOTS:
     void staleAnswersAreDropped();
     void asksOneQuestionAtATime();
     void volumeHoldsForTheNextPage_data();
+    void commandsFromOtherThreadsMove();
     void volumeHoldsForTheNextPage();
     void seeksWithinTheLength();
 
@@ -250,6 +252,27 @@ void WebPlayersTest::followsThePage()
     QCOMPARE(world.model.duration(), 60.0);
     QVERIFY(world.model.isPlaying());
     // The user pauses in the page itself.
+void WebPlayersTest::commandsFromOtherThreadsMove()
+{
+    class Page : public ScriptRunner
+    {
+    public:
+        void evaluate(const QString &) override { threads.append(QThread::currentThread()); }
+        QList<QThread *> threads;
+    } page;
+    OKVideoPlayerRegistry registry;
+    registry.setCurrentView(&page);
+    const std::unique_ptr<QThread> other(QThread::create([&registry] {
+        registry.setMuted(true);
+        registry.skip(5);
+    }));
+    other->start();
+    QVERIFY(other->wait());
+    QCOMPARE(page.threads.size(), 0);
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(page.threads, QList<QThread *>(2, thread()));
+}
+
     QVERIFY(world.tell(paused));
     QVERIFY(!world.model.isPlaying());
     QVERIFY(world.tell(u"nonsense"_s));
