@@ -83,12 +83,19 @@ FocusScope {
             readonly property bool canBeMade: root.webPlayers.hasEngine
 
             anchors.fill: parent
-            onCanBeMadeChanged: setSource("WebPlayer.qml", {
-                webPlayers: root.webPlayers,
-                shell: root.shell,
-                folder: root.webPlayerFolder,
-                cacheFolder: root.webPlayerCacheFolder
-            })
+            onCanBeMadeChanged: {
+                if (!canBeMade) {
+                    source = "";
+                    return;
+                }
+                setSource("WebPlayer.qml", {
+                    webPlayers: root.webPlayers,
+                    shell: root.shell,
+                    folder: root.webPlayerFolder,
+                    cacheFolder: root.webPlayerCacheFolder
+                });
+            }
+            onStatusChanged: if (status === Loader.Error) root.webPlayers.failToShow()
         }
 
         PictureStatus {

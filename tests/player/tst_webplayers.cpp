@@ -130,6 +130,7 @@ private:
 
 void WebPlayersTest::loadsWhatIsNew()
 {
+    void viewsMayBeMissing();
     World &world = *m_world;
     WebPlayerView &view = world.show(clip);
     QCOMPARE(view.loadedContentID(), u"clip|"_s);
@@ -649,3 +650,19 @@ void WebPlayersTest::oneClickOpensOnePage()
 
 QTEST_GUILESS_MAIN(WebPlayersTest)
 #include "tst_webplayers.moc"
+void WebPlayersTest::viewsMayBeMissing()
+{
+    World &world = *m_world;
+    world.open(clip);
+    world.scheduler.advance(0s);
+    QVERIFY(world.players.hasEngine());
+    world.players.failToShow();
+    QCOMPARE(world.players.failure(), u"The web player could not be loaded."_s);
+    QVERIFY(!world.players.isLoading());
+    QVERIFY(!world.players.hasEngine());
+    world.players.retry();
+    world.scheduler.advance(0s);
+    QVERIFY(world.players.hasEngine());
+    QCOMPARE(world.engineRequests, 2);
+}
+
