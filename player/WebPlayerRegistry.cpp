@@ -54,6 +54,11 @@ QString YouTubePlayerRegistry::toggleScript() const
     return QStringLiteral("varnToggle();");
 }
 
+QString YouTubePlayerRegistry::pauseScript() const
+{
+    return QStringLiteral("if(player&&player.pauseVideo){player.pauseVideo();}");
+}
+
 QString YouTubePlayerRegistry::skipScript(double seconds) const
 {
     return u"varnSkip(" + decimalText(seconds) + u");";
@@ -77,6 +82,11 @@ QString YouTubePlayerRegistry::muteScript(bool muted) const
 QString OKVideoPlayerRegistry::toggleScript() const
 {
     return withVideoElement(QStringLiteral("v.paused?v.play():v.pause();"));
+}
+
+QString OKVideoPlayerRegistry::pauseScript() const
+{
+    return withVideoElement(QStringLiteral("v.pause();"));
 }
 
 QString OKVideoPlayerRegistry::skipScript(double seconds) const

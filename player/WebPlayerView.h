@@ -58,7 +58,7 @@ public:
     virtual QString siteName() const = 0;
     bool isShown() const { return !contentID().isEmpty(); }
     bool wantsPage() const { return isShown() && m_failure.isEmpty(); }
-    bool isLoading() const { return wantsPage() && !m_watch.pageIsThere && !m_watch.wasReady; }
+    bool isLoading() const;
     const QString &failure() const { return m_failure; }
     /// The content that the page shows; empty for none.
     const QString &loadedContentID() const { return m_loadedContentID; }
@@ -98,6 +98,8 @@ private:
     virtual QString noPlayerText() const = 0;
     /// Where the page may take itself.
     virtual bool isPlayerPage(const QUrl &url) const = 0;
+    /// The page has nothing of its own to show before its player is ready.
+    virtual bool isBlankUntilReady() const = 0;
 
     /// What is known of the page since it was last loaded.
     struct Watch
@@ -113,6 +115,8 @@ private:
         std::optional<Scheduler::TimePoint> errorSince;
     };
 
+        /// Since when it tells neither that it plays nor that it does not.
+        std::optional<Scheduler::TimePoint> undecidedSince;
     void announce();
     void update();
     void dismantle();
@@ -120,7 +124,9 @@ private:
     void hear(const QVariant &answer);
     void hearError(int error);
     /// Why waiting for the page has no use any more; empty while it has.
+    void hearPlayback(WebPlayback playback);
     QString reasonToGiveUp() const;
+    bool standsStill(const WebPlayback &playback);
     QString doesNotAnswer() const;
     bool mayGo(const NavigationAction &action);
     void openOutside(const NavigationAction &action);
@@ -158,6 +164,7 @@ private:
     QString noPlayerText() const override;
     bool isPlayerPage(const QUrl &) const override { return false; }
 };
+    bool isBlankUntilReady() const override { return true; }
 
 /// Shows the player model's OK.ru content.
 class OKVideoPlayerView final : public WebPlayerView
@@ -178,5 +185,7 @@ private:
     QString noPlayerText() const override;
     bool isPlayerPage(const QUrl &url) const override;
 };
+    /// It may ask for something to be agreed to.
+    bool isBlankUntilReady() const override { return false; }
 
 } // namespace lumaro
