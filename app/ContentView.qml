@@ -98,6 +98,15 @@ FocusScope {
             onStatusChanged: if (status === Loader.Error) root.webPlayers.failToShow()
         }
 
+        // A page brings its own pointer. The window looks for the one that counts when an item gets
+        // one or loses its own, not when an item with one appears.
+        MouseArea {
+            anchors.fill: webPlayer
+            visible: root.shell.cursorHidden && root.webPlayers.wantsPage
+            acceptedButtons: Qt.NoButton
+            cursorShape: visible ? Qt.BlankCursor : undefined
+        }
+
         PictureStatus {
             anchors.fill: parent
             player: root.player
