@@ -95,7 +95,7 @@ void WebPlayerView::dismantle()
     m_poll.cancel();
     ++m_loadNumber;
     m_loadedContentID.clear();
-    m_clickedAt.reset();
+    m_inputAt.reset();
     m_watch = {};
     if (m_page) {
         m_page->disconnect(this);
@@ -237,12 +237,16 @@ void WebPlayerView::hearError(int error)
 
 // The user
 
+void WebPlayerView::inputGiven()
+{
+    m_inputAt = m_platform.scheduler.now();
+    // There may be something to be agreed to before a player comes.
+    m_watch.since = *m_inputAt;
+}
+
 void WebPlayerView::surfaceClicked(QObject *window)
 {
-    const Scheduler::TimePoint now = m_platform.scheduler.now();
-    m_clickedAt = now;
-    // There may be something to be agreed to before a player comes.
-    m_watch.since = now;
+    inputGiven();
     m_platform.notifications.post(QString::fromUtf16(notification::playerSurfaceClicked), window);
 }
 
@@ -260,11 +264,11 @@ bool WebPlayerView::mayGo(const NavigationAction &action)
 void WebPlayerView::openOutside(const NavigationAction &action)
 {
     const bool isOfTheWeb = action.url.scheme() == u"https" || action.url.scheme() == u"http";
-    if (!action.isLinkClick || !isOfTheWeb || !m_clickedAt)
+    if (!action.isLinkClick || !isOfTheWeb || !m_inputAt)
         return;
-    // One click opens one page.
-    const Scheduler::TimePoint clickedAt = *std::exchange(m_clickedAt, std::nullopt);
-    if (m_platform.scheduler.now() - clickedAt <= clickFreshness)
+    // One input opens one page.
+    const Scheduler::TimePoint inputAt = *std::exchange(m_inputAt, std::nullopt);
+    if (m_platform.scheduler.now() - inputAt <= clickFreshness)
         m_platform.workspace.openInBrowser(action.url);
 }
 
