@@ -26,9 +26,8 @@ void YouTubeHostingView::componentComplete()
 
 bool YouTubeHostingView::childMouseEventFilter(QQuickItem *item, QEvent *event)
 {
-    const bool isPress =
-        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::TouchBegin;
-    if (isPress && m_player)
+    // Of touches, Qt makes such besides.
+    if (event->type() == QEvent::MouseButtonPress && m_player)
         m_player->surfaceClicked(window());
     return QQuickItem::childMouseEventFilter(item, event);
 }
