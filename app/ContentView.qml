@@ -83,12 +83,28 @@ FocusScope {
             readonly property bool canBeMade: root.webPlayers.hasEngine
 
             anchors.fill: parent
-            onCanBeMadeChanged: setSource("WebPlayer.qml", {
-                webPlayers: root.webPlayers,
-                shell: root.shell,
-                folder: root.webPlayerFolder,
-                cacheFolder: root.webPlayerCacheFolder
-            })
+            onCanBeMadeChanged: {
+                if (!canBeMade) {
+                    source = "";
+                    return;
+                }
+                setSource("WebPlayer.qml", {
+                    webPlayers: root.webPlayers,
+                    shell: root.shell,
+                    folder: root.webPlayerFolder,
+                    cacheFolder: root.webPlayerCacheFolder
+                });
+            }
+            onStatusChanged: if (status === Loader.Error) root.webPlayers.failToShow()
+        }
+
+        // A page brings its own pointer. The window looks for the one that counts when an item gets
+        // one or loses its own, not when an item with one appears.
+        MouseArea {
+            anchors.fill: webPlayer
+            visible: root.shell.cursorHidden && root.webPlayers.wantsPage
+            acceptedButtons: Qt.NoButton
+            cursorShape: visible ? Qt.BlankCursor : undefined
         }
 
         PictureStatus {

@@ -24,8 +24,9 @@ public:
 
     using ScriptRunner::ScriptRunner;
 
+    /// Ends the page before, and shows another. From now on, what this class tells is of that one.
     virtual void load(const QUrl &url) = 0;
-    /// Shows `html` as if it had come from `base`.
+    /// The same with `html`, as if it had come from `base`.
     virtual void loadHtml(const QString &html, const QUrl &base) = 0;
     /// Runs `script` in the page's main frame. There is no answer when the page goes meanwhile.
     virtual void ask(const QString &script, World world, Answer answer) = 0;

@@ -297,6 +297,7 @@ void PlayerModel::togglePlayback()
         web->togglePlayback();
         m_webPlayStateIsOldUntil = m_platform.scheduler.now() + webCommandDuration;
         publish(m_isPlaying, !m_isPlaying, &PlayerModel::isPlayingChanged);
+        m_webPauseIsDue = !m_webPlayerHasBegun && !m_isPlaying;
         return;
     }
     MediaPlayer &player = m_platform.player;
@@ -428,6 +429,7 @@ void PlayerModel::showWebContent(const LastPlayableSource &source)
     setWebContent(youTube ? std::optional(youTube->content) : std::nullopt,
                   okVideo ? std::optional(okVideo->content) : std::nullopt);
     publish(m_title, youTube ? youTube->title : okVideo->title, &PlayerModel::titleChanged);
+    m_webPauseIsDue = false;
     publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
 }
 
@@ -439,6 +441,7 @@ void PlayerModel::setWebContent(const std::optional<YouTubeContent> &youTube,
     const bool wasShown = showsWebContent();
     m_webPlayStateIsOldUntil = {};
     m_webTimeIsOldUntil = {};
+    m_webPlayerHasBegun = false;
     // What ends goes first: nobody sees both.
     if (!youTube)
         publish(m_youtubeContent, youTube, &PlayerModel::youtubeContentChanged);
@@ -485,6 +488,12 @@ void PlayerModel::observeWebPlayback(const WebPlayback &playback)
     if (now >= m_webTimeIsOldUntil)
         publish(m_currentTime, playback.time, &PlayerModel::currentTimeChanged);
     publish(m_duration, playback.duration, &PlayerModel::durationChanged);
+    if (playback.isPlaying.value_or(false) && !std::exchange(m_webPlayerHasBegun, true)
+        && m_webPauseIsDue) {
+        m_webPauseIsDue = false;
+        activeWebPlayer()->pause();
+        m_webPlayStateIsOldUntil = now + webCommandDuration;
+    }
     if (playback.isPlaying && now >= m_webPlayStateIsOldUntil)
         publish(m_isPlaying, *playback.isPlaying, &PlayerModel::isPlayingChanged);
 }
@@ -500,8 +509,11 @@ void PlayerModel::webPlaybackFailed()
 
 void PlayerModel::webPlaybackRestarted()
 {
-    if (showsWebContent())
-        publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
+    if (!showsWebContent())
+        return;
+    m_webPlayerHasBegun = false;
+    m_webPauseIsDue = false;
+    publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
 }
 
 // Observing the platform player

@@ -243,6 +243,9 @@ private:
     /// Until then, the web player's play state and its position may be from before a command.
     Scheduler::TimePoint m_webPlayStateIsOldUntil;
     Scheduler::TimePoint m_webTimeIsOldUntil;
+    /// The web player has played; before that, the user may have paused it in vain.
+    bool m_webPlayerHasBegun = false;
+    bool m_webPauseIsDue = false;
     QString m_toastMessage;
     QUrl m_currentURL;
 

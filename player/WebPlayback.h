@@ -32,8 +32,7 @@ struct WebPlayback
 /// be meant.
 std::optional<WebPlayback> readWebPlayback(const QVariant &answer);
 
-/// For the page around YouTube's player, among its own scripts. Also begins to listen for what goes
-/// wrong, which YouTube tells once.
+/// For the page around YouTube's player, among its own scripts.
 QString youTubePlaybackScript();
 /// For any page, out of its reach: its first video element.
 QString videoPlaybackScript();

@@ -1,6 +1,7 @@
 #include "player/WebPlayerRegistry.h"
 
 #include <QLocale>
+#include <QThread>
 
 #include <cmath>
 
@@ -42,13 +43,20 @@ void WebPlayerRegistry::clear(const ScriptRunner *view)
 
 void WebPlayerRegistry::evaluate(const QString &script) const
 {
-    if (m_view)
+    if (QThread::currentThread() != m_home.thread())
+        QMetaObject::invokeMethod(&m_home, [this, script] { evaluate(script); });
+    else if (m_view)
         m_view->evaluate(script);
 }
 
 QString YouTubePlayerRegistry::toggleScript() const
 {
     return QStringLiteral("varnToggle();");
+}
+
+QString YouTubePlayerRegistry::pauseScript() const
+{
+    return QStringLiteral("if(player&&player.pauseVideo){player.pauseVideo();}");
 }
 
 QString YouTubePlayerRegistry::skipScript(double seconds) const
@@ -74,6 +82,11 @@ QString YouTubePlayerRegistry::muteScript(bool muted) const
 QString OKVideoPlayerRegistry::toggleScript() const
 {
     return withVideoElement(QStringLiteral("v.paused?v.play():v.pause();"));
+}
+
+QString OKVideoPlayerRegistry::pauseScript() const
+{
+    return withVideoElement(QStringLiteral("v.pause();"));
 }
 
 QString OKVideoPlayerRegistry::skipScript(double seconds) const

@@ -7,7 +7,8 @@
 namespace lumaro {
 
 /// The way from the player model to the web view that currently shows a service's own player.
-/// Main thread only.
+/// Made on the main thread. Commands may be given on any thread, and are carried out on the main
+/// thread; the rest is for the main thread only.
 class WebPlayerRegistry
 {
 public:
@@ -28,6 +29,7 @@ public:
     void evaluate(const QString &script) const;
 
     void togglePlayback() const { evaluate(toggleScript()); }
+    void pause() const { evaluate(pauseScript()); }
     void skip(double seconds) const { evaluate(skipScript(seconds)); }
     /// `seconds` is not negative.
     void seek(double seconds) const { evaluate(seekScript(seconds)); }
@@ -37,18 +39,22 @@ public:
 
 private:
     virtual QString toggleScript() const = 0;
+    virtual QString pauseScript() const = 0;
     virtual QString skipScript(double seconds) const = 0;
     virtual QString seekScript(double seconds) const = 0;
     virtual QString volumeScript(double volume) const = 0;
     virtual QString muteScript(bool muted) const = 0;
 
     QPointer<ScriptRunner> m_view;
+    /// On the main thread.
+    mutable QObject m_home;
 };
 
 /// Commands of the page that wraps YouTube's player.
 class YouTubePlayerRegistry final : public WebPlayerRegistry
 {
     QString toggleScript() const override;
+    QString pauseScript() const override;
     QString skipScript(double seconds) const override;
     QString seekScript(double seconds) const override;
     QString volumeScript(double volume) const override;
@@ -59,6 +65,7 @@ class YouTubePlayerRegistry final : public WebPlayerRegistry
 class OKVideoPlayerRegistry final : public WebPlayerRegistry
 {
     QString toggleScript() const override;
+    QString pauseScript() const override;
     QString skipScript(double seconds) const override;
     QString seekScript(double seconds) const override;
     QString volumeScript(double volume) const override;

@@ -27,6 +27,12 @@ WebPlayerView::~WebPlayerView()
     dismantle();
 }
 
+bool WebPlayerView::isLoading() const
+{
+    const bool isBlank = !m_watch.pageIsThere || isBlankUntilReady();
+    return wantsPage() && !m_watch.wasReady && isBlank;
+}
+
 void WebPlayerView::announce()
 {
     Q_EMIT changed();
@@ -49,6 +55,8 @@ void WebPlayerView::attach(PlayerPage *page, PlayerRecordingSurface *surface)
     connect(m_page, &PlayerPage::loadFinished, this, [this] {
         m_watch.pageIsThere = true;
         m_watch.since = m_platform.scheduler.now();
+        // What was asked before may have gone to the document that was there before.
+        m_watch.askedAt.reset();
         announce();
     });
     connect(m_page, &PlayerPage::loadFailed, this, &WebPlayerView::fail);
@@ -87,7 +95,7 @@ void WebPlayerView::dismantle()
     m_poll.cancel();
     ++m_loadNumber;
     m_loadedContentID.clear();
-    m_clickedAt.reset();
+    m_inputAt.reset();
     m_watch = {};
     if (m_page) {
         m_page->disconnect(this);
@@ -178,19 +186,40 @@ void WebPlayerView::hear(const QVariant &answer)
         fail(doesNotAnswer());
         return;
     }
-    m_watch.isReady = playback->stage == WebPlayback::Stage::Ready;
+    hearPlayback(*playback);
+    hearError(playback->error);
+}
+
+void WebPlayerView::hearPlayback(WebPlayback playback)
+{
+    m_watch.isReady = playback.stage == WebPlayback::Stage::Ready;
     if (m_watch.isReady) {
         const bool isFirst = !std::exchange(m_watch.wasReady, true);
-        const bool hasMedia = playback->duration > 0 || playback->isPlaying.value_or(false);
+        const bool hasMedia = playback.duration > 0 || playback.isPlaying.value_or(false);
         const bool hasFirstMedia = hasMedia && !std::exchange(m_watch.wasHeard, true);
         // Sites that remember a volume may set theirs when the media comes.
         if (isFirst || hasFirstMedia)
             player().webPlayerBecameReady();
         if (isFirst)
             announce();
-        player().observeWebPlayback(*playback);
     }
-    hearError(playback->error);
+    const bool isStill = standsStill(playback);
+    if (isStill)
+        playback.isPlaying = false;
+    if (m_watch.isReady || isStill)
+        player().observeWebPlayback(playback);
+}
+
+bool WebPlayerView::standsStill(const WebPlayback &playback)
+{
+    if (!m_watch.wasReady || playback.isPlaying) {
+        m_watch.undecidedSince.reset();
+        return false;
+    }
+    const Scheduler::TimePoint now = m_platform.scheduler.now();
+    if (!m_watch.undecidedSince)
+        m_watch.undecidedSince = now;
+    return now - *m_watch.undecidedSince >= playerPatience;
 }
 
 void WebPlayerView::hearError(int error)
@@ -208,12 +237,16 @@ void WebPlayerView::hearError(int error)
 
 // The user
 
+void WebPlayerView::inputGiven()
+{
+    m_inputAt = m_platform.scheduler.now();
+    // There may be something to be agreed to before a player comes.
+    m_watch.since = *m_inputAt;
+}
+
 void WebPlayerView::surfaceClicked(QObject *window)
 {
-    const Scheduler::TimePoint now = m_platform.scheduler.now();
-    m_clickedAt = now;
-    // There may be something to be agreed to before a player comes.
-    m_watch.since = now;
+    inputGiven();
     m_platform.notifications.post(QString::fromUtf16(notification::playerSurfaceClicked), window);
 }
 
@@ -231,11 +264,11 @@ bool WebPlayerView::mayGo(const NavigationAction &action)
 void WebPlayerView::openOutside(const NavigationAction &action)
 {
     const bool isOfTheWeb = action.url.scheme() == u"https" || action.url.scheme() == u"http";
-    if (!action.isLinkClick || !isOfTheWeb || !m_clickedAt)
+    if (!action.isLinkClick || !isOfTheWeb || !m_inputAt)
         return;
-    // One click opens one page.
-    const Scheduler::TimePoint clickedAt = *std::exchange(m_clickedAt, std::nullopt);
-    if (m_platform.scheduler.now() - clickedAt <= clickFreshness)
+    // One input opens one page.
+    const Scheduler::TimePoint inputAt = *std::exchange(m_inputAt, std::nullopt);
+    if (m_platform.scheduler.now() - inputAt <= clickFreshness)
         m_platform.workspace.openInBrowser(action.url);
 }
 

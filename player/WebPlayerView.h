@@ -49,7 +49,7 @@ public:
     static constexpr std::chrono::seconds answerPatience{15};
     /// Players try the next source, or the next video of a playlist, by themselves.
     static constexpr std::chrono::seconds errorPatience{2};
-    /// How long a click accounts for what the page then opens, as in the engine.
+    /// How long an input accounts for what the page then opens, as in the engine.
     static constexpr std::chrono::seconds clickFreshness{5};
 
     ~WebPlayerView() override;
@@ -58,7 +58,7 @@ public:
     virtual QString siteName() const = 0;
     bool isShown() const { return !contentID().isEmpty(); }
     bool wantsPage() const { return isShown() && m_failure.isEmpty(); }
-    bool isLoading() const { return wantsPage() && !m_watch.pageIsThere && !m_watch.wasReady; }
+    bool isLoading() const;
     const QString &failure() const { return m_failure; }
     /// The content that the page shows; empty for none.
     const QString &loadedContentID() const { return m_loadedContentID; }
@@ -67,8 +67,10 @@ public:
     void attach(PlayerPage *page, PlayerRecordingSurface *surface);
     /// To be called when `page` goes; another that has taken its place stays.
     void detach(const PlayerPage *page);
-    /// The user presses a mouse button on the page, which is in `window`.
+    /// The user presses a mouse button or a finger on the page, which is in `window`.
     void surfaceClicked(QObject *window);
+    /// The user presses something in the page that may follow a link.
+    void inputGiven();
     /// Loads everything anew.
     void retry();
     /// Gives up, for the reason that `sentence` tells the user.
@@ -96,6 +98,8 @@ private:
     virtual QString errorText(int error) const = 0;
     /// There is a page, but no player comes to be in it.
     virtual QString noPlayerText() const = 0;
+    /// The page has nothing of its own to show before its player is ready.
+    virtual bool isBlankUntilReady() const = 0;
     /// Where the page may take itself.
     virtual bool isPlayerPage(const QUrl &url) const = 0;
 
@@ -111,6 +115,8 @@ private:
         bool wasHeard = false;
         std::optional<Scheduler::TimePoint> askedAt;
         std::optional<Scheduler::TimePoint> errorSince;
+        /// Since when it tells neither that it plays nor that it does not.
+        std::optional<Scheduler::TimePoint> undecidedSince;
     };
 
     void announce();
@@ -118,7 +124,9 @@ private:
     void dismantle();
     void tick();
     void hear(const QVariant &answer);
+    void hearPlayback(WebPlayback playback);
     void hearError(int error);
+    bool standsStill(const WebPlayback &playback);
     /// Why waiting for the page has no use any more; empty while it has.
     QString reasonToGiveUp() const;
     QString doesNotAnswer() const;
@@ -135,7 +143,7 @@ private:
     Watch m_watch;
     /// Answers to questions before the last load are stale.
     quint64 m_loadNumber = 0;
-    std::optional<Scheduler::TimePoint> m_clickedAt;
+    std::optional<Scheduler::TimePoint> m_inputAt;
     DelayedTask m_poll;
 };
 
@@ -156,6 +164,7 @@ private:
     void ask(PlayerPage &page, PlayerPage::Answer answer) const override;
     QString errorText(int error) const override { return youTubeErrorText(error); }
     QString noPlayerText() const override;
+    bool isBlankUntilReady() const override { return true; }
     bool isPlayerPage(const QUrl &) const override { return false; }
 };
 
@@ -176,6 +185,8 @@ private:
     void ask(PlayerPage &page, PlayerPage::Answer answer) const override;
     QString errorText(int error) const override;
     QString noPlayerText() const override;
+    /// It may ask for something to be agreed to.
+    bool isBlankUntilReady() const override { return false; }
     bool isPlayerPage(const QUrl &url) const override;
 };
 

@@ -37,16 +37,26 @@ void WebPlayers::requestEngine()
         return;
     // It takes a while, so the window first shows that something happens.
     m_loading.start({}, [this] {
-        m_hasEngine = m_loadEngine();
-        if (m_hasEngine) {
-            Q_EMIT hasEngineChanged();
-            return;
-        }
-        const QString sentence =
-            QCoreApplication::translate("WebPlayers", "The web player could not be loaded.");
-        m_youTube.fail(sentence);
-        m_okVideo.fail(sentence);
+        if (m_loadEngine())
+            setHasEngine(true);
+        else
+            failToShow();
     });
+}
+
+void WebPlayers::setHasEngine(bool hasEngine)
+{
+    if (std::exchange(m_hasEngine, hasEngine) != hasEngine)
+        Q_EMIT hasEngineChanged();
+}
+
+void WebPlayers::failToShow()
+{
+    const QString sentence =
+        QCoreApplication::translate("WebPlayers", "The web player could not be loaded.");
+    m_youTube.fail(sentence);
+    m_okVideo.fail(sentence);
+    setHasEngine(false);
 }
 
 } // namespace lumaro

@@ -37,6 +37,9 @@ public:
     const QString &failure() const;
 
     Q_INVOKABLE void retry();
+    /// To be called when the players' views cannot be made although there is an engine. The next
+    /// try begins with the engine.
+    Q_INVOKABLE void failToShow();
 
 Q_SIGNALS:
     void changed();
@@ -44,6 +47,7 @@ Q_SIGNALS:
 
 private:
     void requestEngine();
+    void setHasEngine(bool hasEngine);
 
     YouTubePlayerView m_youTube;
     OKVideoPlayerView m_okVideo;

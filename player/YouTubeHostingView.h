@@ -7,8 +7,8 @@
 
 namespace lumaro {
 
-/// Holds the web view of a site's player: sees each press on it before the page does, and can be
-/// recorded.
+/// Holds the web view of a site's player: sees each press on it, and the keys that follow links,
+/// before the page does, and can be recorded.
 class YouTubeHostingView : public QQuickItem, public PlayerRecordingSurface
 {
     Q_OBJECT
@@ -31,10 +31,16 @@ Q_SIGNALS:
 protected:
     void componentComplete() override;
     bool childMouseEventFilter(QQuickItem *item, QEvent *event) override;
+    void itemChange(ItemChange change, const ItemChangeData &data) override;
+    /// For the window's keys: the page's item takes them before any item around it.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    bool holdsFocus() const;
+
     QPointer<WebPlayerView> m_player;
     QPointer<PlayerPage> m_page;
+    QPointer<QQuickWindow> m_window;
 };
 
 } // namespace lumaro

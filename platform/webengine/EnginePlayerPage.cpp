@@ -7,25 +7,67 @@
 
 namespace lumaro {
 
+namespace {
+
+const QUrl &emptyPage()
+{
+    static const QUrl url(QStringLiteral("about:blank"));
+    return url;
+}
+
+} // namespace
+
 void EnginePlayerPage::load(const QUrl &url)
 {
-    m_answers.clear();
-    m_ownLoad = url;
-    Q_EMIT loadRequested(url);
+    begin({.url = url, .html = {}});
 }
 
 void EnginePlayerPage::loadHtml(const QString &html, const QUrl &base)
 {
+    begin({.url = base, .html = html});
+}
+
+void EnginePlayerPage::begin(Load load)
+{
     m_answers.clear();
+    m_load = std::move(load);
+    if (m_stage == Stage::Unused)
+        goOn();
+    else if (m_stage != Stage::Leaving)
+        leave();
+}
+
+void EnginePlayerPage::leave()
+{
+    m_stage = Stage::Leaving;
+    m_ownLoad = emptyPage();
+    Q_EMIT loadRequested(m_ownLoad);
+}
+
+void EnginePlayerPage::goOn()
+{
+    m_stage = Stage::Loading;
+    m_wasSentAway = false;
     // The engine makes an address of the page's text; pages themselves cannot go to such.
-    m_ownLoad = QUrl(QStringLiteral("data:"));
-    Q_EMIT htmlRequested(html, base);
+    m_ownLoad = m_load.html ? QUrl(QStringLiteral("data:")) : m_load.url;
+    if (m_load.html)
+        Q_EMIT htmlRequested(*m_load.html, m_load.url);
+    else
+        Q_EMIT loadRequested(m_load.url);
+}
+
+void EnginePlayerPage::evaluate(const QString &script)
+{
+    if (m_stage != Stage::Leaving)
+        Q_EMIT evaluationRequested(script);
 }
 
 void EnginePlayerPage::ask(const QString &script, World world, Answer answer)
 {
     m_answers[++m_lastQuestion] = std::move(answer);
-    Q_EMIT asked(m_lastQuestion, script, world == World::Isolated);
+    // A document that is about to go is only asked whether it still moves.
+    const QString question = m_stage == Stage::Leaving ? QStringLiteral("undefined") : script;
+    Q_EMIT asked(m_lastQuestion, question, world == World::Isolated);
 }
 
 void EnginePlayerPage::answer(int question, const QVariant &value)
@@ -40,22 +82,57 @@ void EnginePlayerPage::answer(int question, const QVariant &value)
 
 void EnginePlayerPage::tellLoading(const QWebEngineLoadingInfo &info)
 {
-    switch (info.status()) {
-    case QWebEngineLoadingInfo::LoadSucceededStatus:
-        Q_EMIT loadFinished();
+    using Info = QWebEngineLoadingInfo;
+    if (info.status() == Info::LoadStartedStatus)
         return;
-    case QWebEngineLoadingInfo::LoadFailedStatus:
-        if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain)
-            Q_EMIT loadFailed(QCoreApplication::translate("EnginePlayerPage",
-                                                          "The site answers with an error (%1).")
-                                  .arg(info.errorCode()));
+    if (m_stage == Stage::Leaving) {
+        if (info.url() != emptyPage())
+            return;
+        if (info.status() == Info::LoadSucceededStatus)
+            goOn();
         else
-            Q_EMIT loadFailed(descriptionOf(info));
-        return;
-    case QWebEngineLoadingInfo::LoadStartedStatus:
-    case QWebEngineLoadingInfo::LoadStoppedStatus:
+            leave();
         return;
     }
+    if (info.status() == Info::LoadSucceededStatus)
+        finish();
+    else if (info.status() == Info::LoadStoppedStatus)
+        lookWhatIsThere();
+    else if (info.errorDomain() == Info::HttpStatusCodeDomain)
+        fail(QCoreApplication::translate("EnginePlayerPage", "The site answers with an error (%1).")
+                 .arg(info.errorCode()));
+    else
+        fail(descriptionOf(info));
+}
+
+void EnginePlayerPage::lookWhatIsThere()
+{
+    if (m_stage != Stage::Loading)
+        return;
+    ask(QStringLiteral("location.href"), World::Isolated, [this](const QVariant &address) {
+        if (m_stage != Stage::Loading)
+            return;
+        if (address.toString() != emptyPage().toString())
+            finish();
+        else if (m_wasSentAway)
+            fail(QCoreApplication::translate(
+                "EnginePlayerPage", "The site leads to another page in place of its player."));
+        else
+            fail(QCoreApplication::translate("EnginePlayerPage",
+                                             "What the site sends is not a page."));
+    });
+}
+
+void EnginePlayerPage::finish()
+{
+    m_stage = Stage::Loaded;
+    Q_EMIT loadFinished();
+}
+
+void EnginePlayerPage::fail(const QString &description)
+{
+    m_stage = Stage::Loaded;
+    Q_EMIT loadFailed(description);
 }
 
 bool EnginePlayerPage::isOwnLoad(const QUrl &url)
@@ -80,6 +157,7 @@ void EnginePlayerPage::decideNavigation(QWebEngineNavigationRequest *request)
                   .target = request->isMainFrame() ? NavigationAction::Target::MainFrame
                                                    : NavigationAction::Target::SubFrame,
                   .isLinkClick = request->navigationType() == Request::LinkClickedNavigation});
+    m_wasSentAway = m_wasSentAway || (!accepted && request->isMainFrame());
     if (accepted)
         request->accept();
     else

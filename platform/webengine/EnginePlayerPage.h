@@ -8,6 +8,8 @@
 #include <QWebEngineNewWindowRequest>
 #include <QtQml/qqmlregistration.h>
 
+#include <optional>
+
 namespace lumaro {
 
 /// A player's page in Qt WebEngine. A PlayerPageView shows it: it tells what happens there and does
@@ -20,7 +22,7 @@ class EnginePlayerPage : public PlayerPage
 public:
     using PlayerPage::PlayerPage;
 
-    void evaluate(const QString &script) override { Q_EMIT evaluationRequested(script); }
+    void evaluate(const QString &script) override;
     void load(const QUrl &url) override;
     void loadHtml(const QString &html, const QUrl &base) override;
     void ask(const QString &script, World world, Answer answer) override;
@@ -41,12 +43,37 @@ Q_SIGNALS:
     void asked(int question, const QString &script, bool isolated);
 
 private:
+    /// The engine keeps a document until the next one's first bytes have come, and tells of both
+    /// alike. So that what it tells is of the next one, an empty page comes in between.
+    enum class Stage {
+        Unused, ///< empty, as the engine makes it
+        Leaving, ///< the document before is there; the empty page has been asked for
+        Loading, ///< the empty page is there, or the next document
+        Loaded, ///< that or its failure has been told
+    };
+    struct Load
+    {
+        /// The address, or what `html` is relative to.
+        QUrl url;
+        std::optional<QString> html;
+    };
+
+    void begin(Load load);
+    void leave();
+    void goOn();
+    void lookWhatIsThere();
+    void finish();
+    void fail(const QString &description);
     bool isOwnLoad(const QUrl &url);
     bool mayGo(const NavigationAction &action) const;
 
     NavigationPolicy m_policy;
-    /// What load() or loadHtml() began, until the engine asks about it.
+    Stage m_stage = Stage::Unused;
+    Load m_load;
+    /// What was begun here, until the engine asks about it.
     QUrl m_ownLoad;
+    /// Something sent the load elsewhere, where it may not go.
+    bool m_wasSentAway = false;
     QHash<int, Answer> m_answers;
     int m_lastQuestion = 0;
 };

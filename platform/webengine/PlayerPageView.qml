@@ -40,7 +40,11 @@ WebEngineView {
     onContextMenuRequested: request => request.accepted = true
     onJavaScriptDialogRequested: request => {
         request.accepted = true;
-        request.dialogReject();
+        // To reject that one would keep the page.
+        if (request.type === JavaScriptDialogRequest.DialogTypeBeforeUnload)
+            request.dialogAccept();
+        else
+            request.dialogReject();
     }
     onFileDialogRequested: request => {
         request.accepted = true;

@@ -12,6 +12,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
@@ -76,6 +77,12 @@ struct World
         scheduler.advance(WebPlayerView::pollInterval);
         return page.answer(answer);
     }
+    /// It gives the same answer for as long as that takes.
+    void goOnTelling(const QVariant &answer, std::chrono::milliseconds time)
+    {
+        for (auto passed = 0ms; passed < time; passed += WebPlayerView::pollInterval)
+            tell(answer);
+    }
 };
 
 } // namespace
@@ -96,11 +103,18 @@ private Q_SLOTS:
     void leavesItsSuccessorAlone();
     void registryHoldsWeakly();
     void commandsNeedAView();
+    void commandsFromOtherThreadsMove();
 
     void followsThePage();
     void oldStateDoesNotUndoCommands();
     void staleAnswersAreDropped();
     void asksOneQuestionAtATime();
+    void asksTheNewDocumentAnew();
+    void isLoadingWhileItIsBlank_data();
+    void isLoadingWhileItIsBlank();
+    void beginsPausedIfPausedBefore_data();
+    void beginsPausedIfPausedBefore();
+    void countsAsPlayingForAWhile();
     void volumeHoldsForTheNextPage_data();
     void volumeHoldsForTheNextPage();
     void seeksWithinTheLength();
@@ -116,6 +130,7 @@ private Q_SLOTS:
 
     void engineIsLoadedOnce();
     void engineMayBeMissing();
+    void viewsMayBeMissing();
 
     void clicksAreTold();
     void staysOnThePlayersPage_data();
@@ -237,6 +252,27 @@ void WebPlayersTest::commandsNeedAView()
     QCOMPARE(page.scripts, (QStringList{u"varnSetMuted(true);"_s, u"1"_s, u"2"_s}));
 }
 
+void WebPlayersTest::commandsFromOtherThreadsMove()
+{
+    class Page : public ScriptRunner
+    {
+    public:
+        void evaluate(const QString &) override { threads.append(QThread::currentThread()); }
+        QList<QThread *> threads;
+    } page;
+    OKVideoPlayerRegistry registry;
+    registry.setCurrentView(&page);
+    const std::unique_ptr<QThread> other(QThread::create([&registry] {
+        registry.setMuted(true);
+        registry.skip(5);
+    }));
+    other->start();
+    QVERIFY(other->wait());
+    QCOMPARE(page.threads.size(), 0);
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(page.threads, QList<QThread *>(2, thread()));
+}
+
 void WebPlayersTest::followsThePage()
 {
     World &world = *m_world;
@@ -302,6 +338,104 @@ void WebPlayersTest::asksOneQuestionAtATime()
     QCOMPARE(world.page.questions.size(), 1);
 }
 
+void WebPlayersTest::asksTheNewDocumentAnew()
+{
+    World &world = *m_world;
+    WebPlayerView &view = world.show(clip);
+    // What the document before was asked may be lost with it.
+    world.scheduler.advance(WebPlayerView::pollInterval);
+    world.page.questions.clear();
+    Q_EMIT world.page.loadFinished();
+    world.goOnTelling(playing, 20s);
+    QCOMPARE(view.failure(), QString());
+    QCOMPARE(world.model.currentTime(), 1.5);
+}
+
+void WebPlayersTest::isLoadingWhileItIsBlank_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<bool>("pageIsBlank");
+    QTest::newRow("YouTube") << clip << true;
+    QTest::newRow("OK.ru") << okVideo << false;
+}
+
+void WebPlayersTest::isLoadingWhileItIsBlank()
+{
+    QFETCH(const QString, address);
+    World &world = *m_world;
+    WebPlayerView &view = world.show(address);
+    world.tell(QVariantList{1, 0, 0, -1, 0});
+    QVERIFY(view.isLoading());
+    const QSignalSpy changed(&world.players, &WebPlayers::changed);
+    Q_EMIT world.page.loadFinished();
+    QTEST(view.isLoading(), "pageIsBlank");
+    world.tell(QVariantList{2, 0, 0, -1, 0});
+    QVERIFY(!view.isLoading());
+    QCOMPARE(changed.count(), 2);
+}
+
+void WebPlayersTest::beginsPausedIfPausedBefore_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<int>("presses");
+    QTest::addColumn<bool>("begins");
+    QTest::addColumn<QString>("pause");
+    const QString youTube = u"if(player&&player.pauseVideo){player.pauseVideo();}"_s;
+    const QString ok = u"var v=document.querySelector('video'); if(v){v.pause();}"_s;
+    QTest::newRow("YouTube") << clip << 1 << false << youTube;
+    QTest::newRow("OK.ru") << okVideo << 1 << false << ok;
+    QTest::newRow("paused and played") << clip << 2 << true << youTube;
+    QTest::newRow("not paused") << okVideo << 0 << true << ok;
+}
+
+void WebPlayersTest::beginsPausedIfPausedBefore()
+{
+    QFETCH(const QString, address);
+    QFETCH(const int, presses);
+    QFETCH(const bool, begins);
+    QFETCH(const QString, pause);
+    World &world = *m_world;
+    world.open(okVideo + u"6"_s);
+    world.model.togglePlayback();
+    world.show(address);
+    QVERIFY(world.model.isPlaying());
+    for (int i = 0; i < presses; ++i)
+        world.model.togglePlayback();
+    // A video element that has yet to begin is paused.
+    world.goOnTelling(QVariantList{2, 0, 60, address == clip ? -1 : 2, 0}, 2s);
+    for (int i = 0; i < 4; ++i) {
+        world.tell(playing);
+        if (!begins)
+            QVERIFY(!world.model.isPlaying());
+    }
+    QCOMPARE(world.page.scripts.count(pause), begins ? 0 : 1);
+    // Later on it is the page that says.
+    world.goOnTelling(playing, 2s);
+    QVERIFY(world.model.isPlaying());
+    QCOMPARE(world.page.scripts.count(pause), begins ? 0 : 1);
+}
+
+void WebPlayersTest::countsAsPlayingForAWhile()
+{
+    World &world = *m_world;
+    WebPlayerView &view = world.show(clip);
+    Q_EMIT world.page.loadFinished();
+    const QVariantList unstarted{2, 0, 60, -1, 0};
+    world.goOnTelling(unstarted, WebPlayerView::playerPatience);
+    QVERIFY(world.model.isPlaying());
+    world.goOnTelling(unstarted, 1s);
+    QVERIFY(!world.model.isPlaying());
+    QCOMPARE(world.model.duration(), 60.0);
+    QCOMPARE(view.failure(), QString());
+    world.tell(playing);
+    QVERIFY(world.model.isPlaying());
+    // Nor does what has lost its video play.
+    world.goOnTelling(QVariantList{1, 0, 0, -1, 0}, WebPlayerView::playerPatience);
+    QVERIFY(world.model.isPlaying());
+    world.goOnTelling(QVariantList{1, 0, 0, -1, 0}, 1s);
+    QVERIFY(!world.model.isPlaying());
+}
+
 void WebPlayersTest::volumeHoldsForTheNextPage_data()
 {
     QTest::addColumn<QString>("address");
@@ -358,11 +492,6 @@ void WebPlayersTest::saysWhyItDoesNotPlay_data()
     QTest::addColumn<QString>("failure");
     using Event = std::function<void(World &)>;
     const auto loaded = [](World &w) { Q_EMIT w.page.loadFinished(); };
-    // Answers each question for as long as that takes.
-    const auto goOn = [](World &w, const QVariant &answer, std::chrono::seconds time) {
-        for (auto passed = 0ms; passed < time; passed += WebPlayerView::pollInterval)
-            w.tell(answer);
-    };
     const QVariantList none{0, 0, 0, -1, 0};
     const QVariantList preparing{1, 0, 0, -1, 0};
     QTest::newRow("offline") << clip << Event([=](World &w) {
@@ -370,32 +499,32 @@ void WebPlayersTest::saysWhyItDoesNotPlay_data()
         w.tell(none);
     }) << u"YouTube does not answer. The connection may be gone."_s;
     QTest::newRow("offline, not told by the network")
-        << clip << Event([=](World &w) { goOn(w, none, 46s); })
+        << clip << Event([=](World &w) { w.goOnTelling(none, 46s); })
         << u"YouTube does not answer. The connection may be gone."_s;
     QTest::newRow("no player") << clip << Event([=](World &w) {
         loaded(w);
-        goOn(w, preparing, 21s);
+        w.goOnTelling(preparing, 21s);
     }) << u"YouTube's player does not appear. The connection may be gone."_s;
     QTest::newRow("refused") << clip << Event([=](World &w) {
-        goOn(w, QVariantList{2, 0, 0, -1, 150}, 3s);
+        w.goOnTelling(QVariantList{2, 0, 0, -1, 150}, 3s);
     }) << u"The owner of this video allows it on YouTube's own site only."_s;
     QTest::newRow("refused before the player is ready")
-        << clip << Event([=](World &w) { goOn(w, QVariantList{1, 0, 0, -1, 100}, 3s); })
+        << clip << Event([=](World &w) { w.goOnTelling(QVariantList{1, 0, 0, -1, 100}, 3s); })
         << u"This video has been removed, or is private."_s;
     QTest::newRow("page not there") << okVideo << Event([](World &w) {
         Q_EMIT w.page.loadFailed(u"There is no server of that name."_s);
     }) << u"There is no server of that name."_s;
     QTest::newRow("page without a video") << okVideo << Event([=](World &w) {
         loaded(w);
-        goOn(w, preparing, 21s);
+        w.goOnTelling(preparing, 21s);
     }) << u"OK.ru shows no video at this address."_s;
     QTest::newRow("page that takes its video away") << okVideo << Event([=](World &w) {
         w.tell(QVariantList{2, 0, 0, 2, 0});
         loaded(w);
-        goOn(w, preparing, 21s);
+        w.goOnTelling(preparing, 21s);
     }) << u"OK.ru shows no video at this address."_s;
     QTest::newRow("broken video") << okVideo << Event([=](World &w) {
-        goOn(w, QVariantList{2, 0, 0, 2, 4}, 3s);
+        w.goOnTelling(QVariantList{2, 0, 0, 2, 4}, 3s);
     }) << u"OK.ru's player cannot play this video."_s;
     QTest::newRow("crash") << clip << Event([](World &w) {
         w.tell(playing);
@@ -431,8 +560,7 @@ void WebPlayersTest::waitsWhileTheUserClicks()
     WebPlayerView &view = world.show(okVideo);
     Q_EMIT world.page.loadFinished();
     for (int i = 0; i < 5; ++i) {
-        for (auto passed = 0ms; passed < 15s; passed += WebPlayerView::pollInterval)
-            world.tell(QVariantList{1, 0, 0, -1, 0});
+        world.goOnTelling(QVariantList{1, 0, 0, -1, 0}, 15s);
         QCOMPARE(view.failure(), QString());
         view.surfaceClicked(nullptr);
     }
@@ -443,13 +571,11 @@ void WebPlayersTest::waitsForTheUserToPlay()
     World &world = *m_world;
     WebPlayerView &view = world.show(okVideo);
     Q_EMIT world.page.loadFinished();
-    for (auto passed = 0ms; passed < 1min; passed += WebPlayerView::pollInterval)
-        world.tell(QVariantList{2, 0, 0, 2, 0});
+    world.goOnTelling(QVariantList{2, 0, 0, 2, 0}, 1min);
     QCOMPARE(view.failure(), QString());
     // Between two videos there may be none for a while.
     world.tell(playing);
-    for (auto passed = 0ms; passed < 1min; passed += WebPlayerView::pollInterval)
-        world.tell(QVariantList{1, 0, 0, -1, 0});
+    world.goOnTelling(QVariantList{1, 0, 0, -1, 0}, 1min);
     QCOMPARE(view.failure(), QString());
 }
 
@@ -531,6 +657,22 @@ void WebPlayersTest::engineMayBeMissing()
     world.scheduler.advance(0s);
     QVERIFY(world.players.hasEngine());
     QCOMPARE(world.players.failure(), QString());
+}
+
+void WebPlayersTest::viewsMayBeMissing()
+{
+    World &world = *m_world;
+    world.open(clip);
+    world.scheduler.advance(0s);
+    QVERIFY(world.players.hasEngine());
+    world.players.failToShow();
+    QCOMPARE(world.players.failure(), u"The web player could not be loaded."_s);
+    QVERIFY(!world.players.isLoading());
+    QVERIFY(!world.players.hasEngine());
+    world.players.retry();
+    world.scheduler.advance(0s);
+    QVERIFY(world.players.hasEngine());
+    QCOMPARE(world.engineRequests, 2);
 }
 
 void WebPlayersTest::clicksAreTold()

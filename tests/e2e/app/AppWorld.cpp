@@ -112,8 +112,18 @@ bool AppWorld::playsTo(double seconds)
 
 bool AppWorld::pictureChanges()
 {
-    const QImage before = screen();
-    return becomesTrue([&] { return screen() != before; });
+    // Right of the sidebar, below the bar at the top and what may hang from it, and above the
+    // middle.
+    const QSize size = m_window->size();
+    const QRect inPicture(size.width() * 3 / 5, size.height() / 4, size.width() / 5,
+                          size.height() / 8);
+    const auto look = [&] {
+        const QImage whole = screen();
+        const qreal scale = whole.devicePixelRatio();
+        return whole.copy(QRect(inPicture.topLeft() * scale, inPicture.size() * scale));
+    };
+    const QImage before = look();
+    return becomesTrue([&] { return look() != before; });
 }
 
 QString outputOf(const QString &program, const QStringList &arguments)

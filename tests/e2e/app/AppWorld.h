@@ -66,7 +66,7 @@ public:
 
     /// Plays at least until `seconds`.
     bool playsTo(double seconds);
-    /// The picture moves.
+    /// The picture moves, where nothing else is.
     bool pictureChanges();
 
 private:

@@ -84,6 +84,12 @@ Recipe recipeFor(Fixture fixture)
         return {u"fullhd.mp4"_s,
                 words(testPicture(u"1920x1080"_s, 75) + encoding + u"-b:v 3000k "_s + mp4
                       + u"fullhd.mp4"_s)};
+    case Fixture::SmallMovie:
+        return {u"small.mp4"_s,
+                words(testPicture(u"320x180"_s, 60) + encoding + mp4 + u"small.mp4"_s)};
+    case Fixture::SmallClip:
+        return {u"clip.mp4"_s,
+                words(testPicture(u"320x180"_s, 10) + encoding + mp4 + u"clip.mp4"_s)};
     case Fixture::LongMovie:
         return {u"long.mp4"_s,
                 words(u"-f lavfi -i testsrc2=size=320x180:rate=5 -t 900 -c:v libx264 -preset "

@@ -33,6 +33,7 @@ http {
     access_log access.log line;
     log_format source '$remote_addr $request_uri';
     access_log sources.log source;
+    limit_req_zone $uri zone=late:1m rate=30r/m;
     absolute_redirect off;
     default_type application/octet-stream;
     types {
@@ -52,6 +53,8 @@ http {
         root root;
         location = /server-folder { default_type text/plain; return 200 "%FOLDER%"; }
         location /videoembed/ { default_type text/html; }
+        location = /videoembed/late { default_type text/html; limit_req zone=late burst=9; }
+        location = /videoembed/elsewhere { return 302 http://localhost:%PORT%/outside.html; }
         location = /iframe_api { expires -1; }
         location = /redirect { return 302 $arg_to; }
         location = /redirect-loop/a { return 302 /redirect-loop/b; }
@@ -167,10 +170,17 @@ bool NginxServer::publish(const QString &source, const QString &path) const
 
 QStringList NginxServer::accessLog() const
 {
-    QStringList lines =
-        readText(m_folder.filePath(u"access.log"_s)).split(u'\n', Qt::SkipEmptyParts);
-    lines.removeIf([](const QString &line) { return line.startsWith(u"GET /server-folder "); });
-    return lines;
+    QFile file(m_folder.filePath(u"access.log"_s));
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(m_accessLogEnd))
+        return m_accessLog;
+    for (;;) {
+        const QByteArray line = file.readLine();
+        if (!line.endsWith('\n'))
+            return m_accessLog;
+        m_accessLogEnd += line.size();
+        if (!line.startsWith("GET /server-folder "))
+            m_accessLog.append(QString::fromUtf8(line).chopped(1));
+    }
 }
 
 QStringList NginxServer::sources() const

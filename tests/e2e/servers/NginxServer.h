@@ -19,6 +19,8 @@ namespace lumaro {
 /// /slow/RATE/PATH            the file PATH at RATE bytes a second
 /// /whole/RATE/PATH           the same without byte ranges; RATE 0 for no limit
 /// /videoembed/NAME           the file videoembed/NAME as HTML
+/// /videoembed/late           the same, but two seconds after it was asked for before
+/// /videoembed/elsewhere      302 to outside.html under another name of this server
 /// /iframe_api                the file iframe_api, not to be kept in caches
 ///
 /// Needs an application object.
@@ -52,6 +54,9 @@ private:
     QString errorLog() const;
 
     QTemporaryDir m_folder;
+    /// What has been read of the access log, which grows and is looked at often.
+    mutable QStringList m_accessLog;
+    mutable qint64 m_accessLogEnd = 0;
     ChildProcess m_nginx;
     quint16 m_port = 0;
 };

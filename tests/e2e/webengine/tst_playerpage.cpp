@@ -1,5 +1,6 @@
 #include "platform/PlayerPage.h"
 #include "tests/e2e/servers/ChildProcess.h"
+#include "tests/e2e/servers/FaultServer.h"
 #include "tests/e2e/servers/FreePort.h"
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
@@ -25,6 +26,8 @@ private Q_SLOTS:
 
     void answersFromItsWorlds();
     void answersOnlyWhileThePageIsThere();
+    void answersForTheNewPageOnly_data();
+    void answersForTheNewPageOnly();
     void failuresAreTold_data();
     void failuresAreTold();
     void brokenCertificatesStop();
@@ -45,6 +48,7 @@ private:
     }
 
     std::unique_ptr<NginxServer> m_site;
+    std::unique_ptr<FaultServer> m_faults;
     std::unique_ptr<QQuickView> m_window;
     PlayerPage *m_page = nullptr;
 };
@@ -58,6 +62,15 @@ void PlayerPageTest::initTestCase()
                               "var own = 5; Array.prototype.toJSON = () => 'forged';"
                               "document.querySelector = () => ({ currentTime: 'forged' });"
                               "</script>"));
+    m_faults = valueOrFail(FaultServer::start());
+    QVERIFY(m_faults);
+    FaultResponse nothing;
+    nothing.status = 204;
+    m_faults->route("/nothing", nothing);
+    FaultResponse endless = FaultResponse::of(
+        "text/html", "<!DOCTYPE html><script>var own = 5;</script>" + QByteArray(4096, ' '));
+    endless.stallAfter = 4096;
+    m_faults->route("/endless.html", endless);
     QVERIFY(m_site->writeFile(u"away.html"_s,
                               "<!DOCTYPE html><script>"
                               "setTimeout(() => { location = '/page.html'; }, 0);"
@@ -95,6 +108,47 @@ void PlayerPageTest::answersOnlyWhileThePageIsThere()
     QCOMPARE(answers, 0);
 }
 
+void PlayerPageTest::answersForTheNewPageOnly_data()
+{
+    QTest::addColumn<bool>("isHtml");
+    QTest::addColumn<QString>("before");
+    QTest::newRow("address") << false << u"/page.html"_s;
+    QTest::newRow("text") << true << u"/page.html"_s;
+    QTest::newRow("while the one before is loading") << false << u"/endless.html"_s;
+}
+
+void PlayerPageTest::answersForTheNewPageOnly()
+{
+    QFETCH(const bool, isHtml);
+    QFETCH(const QString, before);
+    const QByteArray text = "<!DOCTYPE html><title>New</title><script>var own = 7;</script>";
+    FaultResponse late = FaultResponse::of("text/html", text);
+    late.delay = std::chrono::seconds(2);
+    m_faults->route("/late.html", late);
+    m_page->load(before == u"/page.html" ? m_site->url(before) : m_faults->url(before.toLatin1()));
+    QVERIFY(becomesTrue(
+        [&] { return answer(u"typeof own"_s, PlayerPage::World::Page) == u"number"_s; }));
+
+    const QSignalSpy loaded(m_page, &PlayerPage::loadFinished);
+    const QSignalSpy failed(m_page, &PlayerPage::loadFailed);
+    if (isHtml)
+        m_page->loadHtml(QString::fromLatin1(text), m_site->url({}));
+    else
+        m_page->load(m_faults->url("/late.html"));
+    QStringList answers;
+    QVERIFY(becomesTrue([&] {
+        answers += answer(u"typeof own === 'number' ? String(own) : ''"_s, PlayerPage::World::Page)
+                       .toString();
+        return loaded.count() > 0;
+    }));
+    answers.removeAll(QString());
+    answers.removeDuplicates();
+    QVERIFY2(answers.isEmpty() || answers == QStringList(u"7"_s), qPrintable(answers.join(u' ')));
+    QCOMPARE(answer(u"own"_s, PlayerPage::World::Page), 7);
+    QCOMPARE(loaded.count(), 1);
+    QCOMPARE(failed.count(), 0);
+}
+
 void PlayerPageTest::failuresAreTold_data()
 {
     QTest::addColumn<QUrl>("url");
@@ -103,6 +157,10 @@ void PlayerPageTest::failuresAreTold_data()
                             << u"The site answers with an error (403)."_s;
     QTest::newRow("nobody there") << QUrl(u"http://127.0.0.1:%1/"_s.arg(freePort()))
                                   << u"The server cannot be reached."_s;
+    QTest::newRow("led elsewhere") << m_site->url(u"/redirect?to=http://localhost:1/"_s)
+                                   << u"The site leads to another page in place of its player."_s;
+    QTest::newRow("no page") << m_faults->url("/nothing")
+                             << u"What the site sends is not a page."_s;
 }
 
 void PlayerPageTest::failuresAreTold()
