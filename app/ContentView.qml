@@ -95,7 +95,11 @@ FocusScope {
                     cacheFolder: root.webPlayerCacheFolder
                 });
             }
-            onStatusChanged: if (status === Loader.Error) root.webPlayers.failToShow()
+            // Later: this may be told while canBeMade is changing, which it then could not undo.
+            onStatusChanged: {
+                if (status === Loader.Error)
+                    Qt.callLater(() => root.webPlayers.failToShow());
+            }
         }
 
         // A page brings its own pointer. The window looks for the one that counts when an item gets
