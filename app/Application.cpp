@@ -348,7 +348,8 @@ void Application::bringToFront(const QByteArray &activationToken)
     if (!activationToken.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", activationToken);
     window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
-    window->show();
+    // show() would make it an ordinary window again.
+    window->setVisible(true);
     window->raise();
     window->requestActivate();
 }

@@ -23,6 +23,8 @@ private Q_SLOTS:
     void keyboardReachesTheFadedControls();
     void doubleClickTogglesFullScreen();
     void clickOnThePictureEndsTyping();
+    void comesToTheFrontAsItIs_data();
+    void comesToTheFrontAsItIs();
     void dropsPlay_data();
     void dropsPlay();
     void programStartsPlaysAndQuits();
@@ -143,6 +145,36 @@ void AppWindowTest::clickOnThePictureEndsTyping()
     m_world->press(Qt::Key_Space);
     QVERIFY(!m_world->player().isPlaying());
     QCOMPARE(m_world->shell().addressText(), QString());
+}
+
+void AppWindowTest::comesToTheFrontAsItIs_data()
+{
+    QTest::addColumn<Qt::WindowStates>("before");
+    QTest::addColumn<QWindow::Visibility>("after");
+    const auto row = [](const char *name, Qt::WindowStates before, QWindow::Visibility after) {
+        QTest::newRow(name) << before << after;
+    };
+    row("ordinary", Qt::WindowNoState, QWindow::Windowed);
+    row("maximised", Qt::WindowMaximized, QWindow::Maximized);
+    row("full screen", Qt::WindowFullScreen, QWindow::FullScreen);
+    row("minimised", Qt::WindowMinimized, QWindow::Windowed);
+    row("minimised, maximised before", Qt::WindowMinimized | Qt::WindowMaximized,
+        QWindow::Maximized);
+}
+
+void AppWindowTest::comesToTheFrontAsItIs()
+{
+    QFETCH(const Qt::WindowStates, before);
+    QFETCH(const QWindow::Visibility, after);
+    QQuickWindow &window = m_world->window();
+    window.setWindowStates(before);
+    m_world->bringToFront();
+    QCOMPARE(window.visibility(), after);
+    QVERIFY(window.isVisible());
+    // Nor does it change its mind.
+    QVERIFY(becomesTrue([&] { return window.isActive(); }));
+    QCOMPARE(window.visibility(), after);
+    QCOMPARE(m_world->shell().isFullScreen(), after == QWindow::FullScreen);
 }
 
 void AppWindowTest::dropsPlay_data()
