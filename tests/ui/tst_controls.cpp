@@ -76,6 +76,8 @@ private Q_SLOTS:
     void seekDisabledWhileDraggingCommitsNothing();
     void clearButtonTellsFromTyping();
     void segmentsAreChosenOutside();
+    void segmentsAreStops();
+    void sliderMovesAndStaysBound();
     void menuIsUsedByKeys();
     void dialogKeys_data();
     void dialogKeys();
@@ -152,9 +154,11 @@ void TestControls::seekArrowKeysCommitSteps()
     stage.key(Qt::Key_Left);
     stage.window->setProperty("bound", 2);
     stage.key(Qt::Key_Left);
-    QCOMPARE(
-        stage.log(),
-        (QStringList{u"committed 15"_s, u"committed 20"_s, u"committed 15"_s, u"committed 0"_s}));
+    stage.key(Qt::Key_PageUp);
+    stage.key(Qt::Key_PageUp); // beyond the end
+    QCOMPARE(stage.log(),
+             (QStringList{u"committed 15"_s, u"committed 20"_s, u"committed 15"_s, u"committed 0"_s,
+                          u"committed 60"_s, u"committed 100"_s}));
 }
 
 void TestControls::seekSurvivesAnEmptyRange()
@@ -212,6 +216,48 @@ void TestControls::segmentsAreChosenOutside()
     stage.key(Qt::Key_Right); // there is no third
     stage.key(Qt::Key_Left);
     QCOMPARE(stage.log(), (QStringList{u"asked for 1"_s, u"asked for 1"_s, u"asked for 0"_s}));
+}
+
+void TestControls::segmentsAreStops()
+{
+    const Stage stage(uR"(
+        SegmentedControl {
+            id: control
+            width: 200
+            model: [{ "text": "A" }, { "text": "B" }]
+            currentIndex: bound - 10
+            onActivated: index => { note("asked for " + index); bound = 10 + index; }
+        })"_s);
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_Return); // is chosen already
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_Return);
+    stage.key(Qt::Key_Backtab);
+    stage.key(Qt::Key_Space);
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_Enter);
+    QCOMPARE(stage.log(), (QStringList{u"asked for 1"_s, u"asked for 0"_s, u"asked for 1"_s}));
+}
+
+void TestControls::sliderMovesAndStaysBound()
+{
+    const Stage stage(uR"(
+        Slider {
+            id: control
+            from: 0; to: 20; value: bound; stepSize: 1
+            onMoved: { note("moved " + value); bound = value; }
+        })"_s);
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_PageUp);
+    stage.key(Qt::Key_PageDown);
+    stage.key(Qt::Key_PageDown);
+    stage.key(Qt::Key_Right);
+    stage.window->setProperty("bound", 1);
+    stage.key(Qt::Key_PageDown);
+    QCOMPARE(stage.log(),
+             (QStringList{u"moved 14"_s, u"moved 10"_s, u"moved 6"_s, u"moved 7"_s, u"moved 0"_s}));
+    stage.window->setProperty("bound", 9);
+    QCOMPARE(stage.control()->property("value").toInt(), 9);
 }
 
 void TestControls::menuIsUsedByKeys()
