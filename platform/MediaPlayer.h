@@ -73,6 +73,8 @@ public:
     virtual std::optional<TimeRange> seekableRange() const = 0;
     /// The picture's size as it should be shown, in pixels; empty without a picture.
     virtual QSize presentationSize() const = 0;
+    /// The picture is the cover of music, which does not move.
+    virtual bool showsCover() const = 0;
 
     /// Goes exactly to `seconds`, not to the nearest key frame. An item that has not begun yet
     /// begins there.

@@ -109,6 +109,7 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
 {
     publish(m_currentURL, url, &PlayerModel::currentURLChanged);
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);
+    publish(m_showsCover, false, &PlayerModel::showsCoverChanged);
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_mediaLoadID, QUuid::createUuid(), &PlayerModel::mediaLoadIDChanged);
 
@@ -326,6 +327,7 @@ void PlayerModel::stop()
     publish(m_currentURL, QUrl(), &PlayerModel::currentURLChanged);
     removePlatformItem();
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);
+    publish(m_showsCover, false, &PlayerModel::showsCoverChanged);
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_isPlaying, false, &PlayerModel::isPlayingChanged);
     publish(m_title, productName(), &PlayerModel::titleChanged);
@@ -517,6 +519,8 @@ void PlayerModel::observeTime()
     const double duration = player.duration().value_or(0);
     publish(m_duration, std::isfinite(duration) ? duration : 0, &PlayerModel::durationChanged);
 
+    // Before its size, which makes it a picture.
+    publish(m_showsCover, player.showsCover(), &PlayerModel::showsCoverChanged);
     if (const QSize size = player.presentationSize(); !size.isEmpty()) {
         publish(m_videoAspectRatio, double(size.width()) / size.height(),
                 &PlayerModel::videoAspectRatioChanged);

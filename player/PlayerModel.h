@@ -100,6 +100,8 @@ public:
     double volume() const { return m_volume; }
     bool isMuted() const { return m_isMuted; }
     double videoAspectRatio() const { return m_videoAspectRatio; }
+    /// The picture is the cover of music, which does not move.
+    bool showsCover() const { return m_showsCover; }
     QUuid mediaLoadID() const { return m_mediaLoadID; }
     QUuid videoAspectMediaLoadID() const { return m_videoAspectMediaLoadID; }
     bool isLiveStream() const { return m_isLiveStream; }
@@ -173,6 +175,7 @@ Q_SIGNALS:
     void volumeChanged();
     void isMutedChanged();
     void videoAspectRatioChanged();
+    void showsCoverChanged();
     void mediaLoadIDChanged();
     void videoAspectMediaLoadIDChanged();
     void isLiveStreamChanged();
@@ -234,6 +237,7 @@ private:
     double m_volume = 1;
     bool m_isMuted = false;
     double m_videoAspectRatio = 0;
+    bool m_showsCover = false;
     QUuid m_mediaLoadID;
     QUuid m_videoAspectMediaLoadID;
     bool m_isLiveStream = false;

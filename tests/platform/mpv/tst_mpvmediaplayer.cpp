@@ -69,6 +69,7 @@ private Q_SLOTS:
     void newItemBeginsAtZero();
     void lastOfManyItemsPlays();
     void knowsThatAPictureIsTurned();
+    void tellsCoversFromFilms();
     void copiesPictures();
     void tellsWhyItCannotPlay_data();
     void tellsWhyItCannotPlay();
@@ -365,6 +366,21 @@ void MpvMediaPlayerTest::knowsThatAPictureIsTurned()
     m_world->open(file(Fixture::Matroska));
     QVERIFY(m_world->playsTo(0.2));
     QVERIFY(becomesTrue([&] { return player().presentationSize() == QSize(640, 360); }));
+}
+
+void MpvMediaPlayerTest::tellsCoversFromFilms()
+{
+    m_world->open(file(Fixture::AudioWithCover));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return player().presentationSize() == QSize(300, 300); }));
+    QVERIFY(becomesTrue([&] { return player().showsCover(); }));
+    m_world->open(file(Fixture::Matroska));
+    QVERIFY(!player().showsCover());
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(!player().showsCover());
+    m_world->open(file(Fixture::AudioOnly));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(!player().showsCover());
 }
 
 void MpvMediaPlayerTest::copiesPictures()
