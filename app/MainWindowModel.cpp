@@ -1,7 +1,6 @@
 #include "app/MainWindowModel.h"
 
 #include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
 #include "player/PlaylistFile.h"
 
 #include <QVariant>
@@ -33,7 +32,9 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
                                  UserDefaults &defaults, QObject *parent)
     : QObject(parent)
     , m_player(player)
-    , m_defaults(defaults)
+    // A choice that could not be stored is made again next time; nothing is lost.
+    , m_storedSidebar(defaults, scheduler, sidebarVisibleKey(), [](const auto &) { })
+    , m_storedDisplayMode(defaults, scheduler, displayModeKey(), [](const auto &) { })
     , m_autoOpenTask(scheduler)
     , m_fullScreenTask(scheduler)
     , m_controlsHideTask(scheduler)
@@ -77,8 +78,7 @@ void MainWindowModel::setSidebarVisible(bool visible)
     if (m_sidebarVisible == visible)
         return;
     m_sidebarVisible = visible;
-    // A choice that could not be stored is made again next time; nothing is lost.
-    (void)m_defaults.setData(sidebarVisibleKey(), visible ? "true" : "false");
+    m_storedSidebar.write([visible] { return QByteArray(visible ? "true" : "false"); });
     Q_EMIT sidebarVisibleChanged();
 }
 
@@ -127,7 +127,7 @@ void MainWindowModel::setDisplayMode(PortraitDisplayMode mode)
     if (m_displayMode == mode)
         return;
     m_displayMode = mode;
-    (void)m_defaults.setData(displayModeKey(), rawValue(mode).toUtf8());
+    m_storedDisplayMode.write([mode] { return rawValue(mode).toUtf8(); });
     Q_EMIT displayModeChanged();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "display/PortraitDisplayMode.h"
+#include "platform/DefaultsWriter.h"
 #include "platform/DelayedTask.h"
 #include "player/PlayerModel.h"
 
@@ -10,7 +11,6 @@
 namespace lumaro {
 
 class NotificationCenter;
-class UserDefaults;
 
 /// What the main window decides beyond the player: what the sidebar shows, when a typed address
 /// opens, when the controls and the pointer hide, what stands over the picture. Main thread.
@@ -152,7 +152,8 @@ private:
     QString noticeFor(MediaPlayer::ItemFailure failure) const;
 
     PlayerModel &m_player;
-    UserDefaults &m_defaults;
+    DefaultsWriter m_storedSidebar;
+    DefaultsWriter m_storedDisplayMode;
     bool m_sidebarVisible = true;
     PlayerSidebarSection m_sidebarSection = PlayerSidebarSection::network;
     bool m_keepsSection = false;

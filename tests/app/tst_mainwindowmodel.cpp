@@ -337,6 +337,9 @@ void MainWindowModelTest::remembersTheSidebar()
 {
     QVERIFY(m_world->shell.sidebarVisible());
     m_world->shell.setSidebarVisible(false);
+    // A slow disk holds nothing up.
+    QCOMPARE(m_world->defaults.writes, 0);
+    m_world->scheduler.runBackground();
     const MainWindowModel next(m_world->player, m_world->mediaPlayer, m_world->scheduler,
                                m_world->notifications, m_world->defaults);
     QVERIFY(!next.sidebarVisible());
@@ -353,9 +356,11 @@ void MainWindowModelTest::remembersTheDisplayMode()
     for (const PortraitDisplayMode mode :
          {PortraitDisplayMode::rotate, PortraitDisplayMode::smart, PortraitDisplayMode::normal}) {
         m_world->shell.setDisplayMode(mode);
+        m_world->scheduler.runBackground();
         QCOMPARE(next(), mode);
     }
     m_world->shell.setDisplayMode(PortraitDisplayMode::fill);
+    m_world->scheduler.runBackground();
     for (QByteArray &value : m_world->defaults.values)
         value = "nonsense";
     QCOMPARE(next(), PortraitDisplayMode::normal);
