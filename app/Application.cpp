@@ -86,7 +86,7 @@ Application::Application(const Folders &folders, const WebServices &services)
     , m_volumeMemory(m_player, m_defaults, m_scheduler)
     , m_wakefulPlayback(m_player, m_keepAwake)
     , m_resumePositions(m_defaults, m_scheduler)
-    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions)
+    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions, m_scheduler)
     , m_webPlayers({m_player, m_scheduler, m_workspace, m_notifications, m_surfaces, services},
                    m_youTube, m_okVideo, [this] { return loadBrowser(); })
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
@@ -154,8 +154,10 @@ Application::Application(const Folders &folders, const WebServices &services)
     QObject::connect(&m_appearance, &DesktopAppearance::colorSchemeChanged, &m_engine,
                      [this] { followAppearance(); });
     // Whoever clears the list wants no traces.
-    QObject::connect(&m_recent, &RecentItems::cleared, &m_recent,
-                     [this] { m_resumePositions.clear(); });
+    QObject::connect(&m_recent, &RecentItems::cleared, &m_recent, [this] {
+        m_resumingPlayback.forget();
+        m_resumePositions.clear();
+    });
     QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController,
                      [this] { showFinder(); });
     // What scripts of the views still hold of a page's engine goes with the page, which the event
