@@ -356,9 +356,9 @@ void Application::bringToFront(const QByteArray &activationToken)
     window->requestActivate();
 }
 
-void Application::open(const QString &fileOrAddress, const QString &workingFolder)
+void Application::open(const QStringList &filesAndAddresses, const QString &workingFolder)
 {
-    m_window.open(fileOrAddress, workingFolder);
+    m_window.open(filesAndAddresses, workingFolder);
 }
 
 void VarnApplicationDelegate::install()

@@ -61,8 +61,8 @@ public:
     void bringToFront(const QByteArray &activationToken);
     /// Shows the stream finder's window, and tells the user when that fails.
     void showFinder();
-    /// Opens a file or an address, told relative to `workingFolder`.
-    void open(const QString &fileOrAddress, const QString &workingFolder);
+    /// Opens files or an address, told relative to `workingFolder`.
+    void open(const QStringList &filesAndAddresses, const QString &workingFolder);
 
     PlayerModel &player() { return m_player; }
     MainWindowModel &window() { return m_window; }

@@ -5,6 +5,8 @@
 
 #include <QVariant>
 
+#include <algorithm>
+
 namespace lumaro {
 
 namespace {
@@ -64,7 +66,12 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     });
     connect(&player, &PlayerModel::isPlayingChanged, this,
             &MainWindowModel::showFullScreenControls);
+    connect(&mediaPlayer, &MediaPlayer::itemEnded, this, [this] {
+        if (m_playsOn)
+            playChannel(m_currentChannel < 0 ? -1 : m_currentChannel + 1);
+    });
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
+        m_playsOn = false;
         setCurrentChannel(-1);
         if (m_player.playlist().isEmpty() || m_keepsSection)
             return;
@@ -189,18 +196,27 @@ void MainWindowModel::clearNetwork()
     m_player.clearNetworkStream();
 }
 
-void MainWindowModel::open(const QString &fileOrAddress, const QString &workingFolder)
+void MainWindowModel::open(const QStringList &filesAndAddresses, const QString &workingFolder)
 {
-    const QUrl url = QUrl::fromUserInput(fileOrAddress, workingFolder, QUrl::AssumeLocalFile);
-    // An address goes on as it was written; only its cleaning decides what it means.
-    if (url.isLocalFile() && !fileOrAddress.trimmed().startsWith(u'<'))
-        openFile(url);
+    QList<QUrl> urls;
+    for (const QString &text : filesAndAddresses) {
+        const bool isBracketed = text.trimmed().startsWith(u'<');
+        urls.append(isBracketed ? QUrl()
+                                : QUrl::fromUserInput(text, workingFolder, QUrl::AssumeLocalFile));
+    }
+    if (openFiles(urls))
+        return;
+    if (urls.value(0).isLocalFile())
+        openFile(urls.first());
     else
-        m_player.openRemote(fileOrAddress, std::nullopt);
+        // An address goes on as it was written; only its cleaning decides what it means.
+        m_player.openRemote(filesAndAddresses.value(0), std::nullopt);
 }
 
 bool MainWindowModel::openDropped(const QList<QUrl> &urls, const QString &text)
 {
+    if (openFiles(urls))
+        return true;
     if (!urls.isEmpty()) {
         if (urls.first().isLocalFile())
             openFile(urls.first());
@@ -212,6 +228,30 @@ bool MainWindowModel::openDropped(const QList<QUrl> &urls, const QString &text)
         return false;
     m_player.openRemote(text, std::nullopt);
     return true;
+}
+
+/// False when only the first is to be opened.
+bool MainWindowModel::openFiles(const QList<QUrl> &urls)
+{
+    if (urls.size() < 2)
+        return false;
+    const auto isMediaFile = [](const QUrl &url) {
+        return url.isLocalFile() && !isChannelListFile(url);
+    };
+    QList<QUrl> files;
+    if (isMediaFile(urls.first()))
+        std::ranges::copy_if(urls, std::back_inserter(files), isMediaFile);
+    const bool areFiles = files.size() > 1;
+    if (areFiles) {
+        m_player.playFiles(files);
+        setCurrentChannel(0);
+        m_playsOn = true;
+    }
+    const qsizetype opened = areFiles ? files.size() : 1;
+    if (opened < urls.size())
+        m_player.showToast(tr("Opened %1 of %n items.", nullptr, int(urls.size())).arg(opened),
+                           PlayerModel::toastDuration);
+    return areFiles;
 }
 
 void MainWindowModel::openFile(const QUrl &file)

@@ -106,9 +106,11 @@ public:
     /// Hides the pointer after a pause in `window` if that is still the key window then.
     Q_INVOKABLE void scheduleCursorHideIfNeeded(QObject *window);
 
-    /// Opens what was dropped or named on the command line: a file or an address.
-    void open(const QString &fileOrAddress, const QString &workingFolder);
-    /// Opens the first of `urls`, else `text`. False when there is nothing to open.
+    /// Opens what was named on the command line: a file, an address, or several files, which become
+    /// the playlist and are played one after another. Of other things the first is opened, and the
+    /// user is told.
+    void open(const QStringList &filesAndAddresses, const QString &workingFolder);
+    /// The same for `urls`, or else `text`. False when there is nothing to open.
     Q_INVOKABLE bool openDropped(const QList<QUrl> &urls, const QString &text);
     Q_INVOKABLE void importPlaylist();
     Q_INVOKABLE void openFile();
@@ -140,6 +142,7 @@ Q_SIGNALS:
 
 private:
     void observe(const QString &notification, QObject *object);
+    bool openFiles(const QList<QUrl> &urls);
     void openFile(const QUrl &file);
     void openAddress(const QString &address);
     void applyFullScreen(bool fullScreen);
@@ -169,6 +172,8 @@ private:
     bool m_cursorHidden = false;
     bool m_isOpening = false;
     int m_currentChannel = -1;
+    /// The playlist's files were opened together.
+    bool m_playsOn = false;
     QString m_pictureNotice;
     DelayedTask m_autoOpenTask;
     DelayedTask m_fullScreenTask;

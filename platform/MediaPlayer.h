@@ -99,6 +99,8 @@ Q_SIGNALS:
     void itemFailed(lumaro::MediaPlayer::ItemFailure failure);
     /// The current item's first picture is known, or its first sound when it has no picture.
     void itemStarted();
+    /// The current item has been played to its end, where it pauses.
+    void itemEnded();
 };
 
 } // namespace lumaro

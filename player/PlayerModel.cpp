@@ -140,6 +140,23 @@ void PlayerModel::playFile(const QUrl &url)
     Q_EMIT sourceOpened(url, QString());
 }
 
+void PlayerModel::playFiles(const QList<QUrl> &files)
+{
+    cancelLoads();
+    QList<PlaylistEntry> entries;
+    for (const QUrl &file : files)
+        entries.append({.id = QUuid::createUuid(),
+                        .name = file.fileName(),
+                        .url = file,
+                        .logoURL = {},
+                        .groupTitle = {},
+                        .countryCode = {}});
+    m_playlist = PlaylistEntries::fromList(entries);
+    m_isPlaylistRemote = false;
+    Q_EMIT playlistChanged();
+    playFile(files.first());
+}
+
 Task<> PlayerModel::openFile()
 {
     const OpenPanelRequest request{
@@ -266,12 +283,17 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
     co_return result;
 }
 
-void PlayerModel::clearNetworkStream()
+void PlayerModel::cancelLoads()
 {
     renewRemoteRequest();
     std::exchange(m_import, std::stop_source()).request_stop();
     m_isImporting = false;
     updateIsLoading();
+}
+
+void PlayerModel::clearNetworkStream()
+{
+    cancelLoads();
     if (!m_playlist.isEmpty()) {
         m_playlist = {};
         Q_EMIT playlistChanged();

@@ -125,6 +125,9 @@ public:
     void play(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
     /// Plays a local file under its own name.
     void playFile(const QUrl &url);
+    /// Makes local files the playlist, in place of one that is still loading too, and plays the
+    /// first of them. There is at least one.
+    void playFiles(const QList<QUrl> &files);
 
     /// Asks for an M3U file and makes it the playlist. The imported entries; empty when the user
     /// cancelled or the import failed.
@@ -205,6 +208,7 @@ private:
     Task<PlaylistResult> fetchPlaylist(QUrl url, std::stop_token stop);
     QUuid renewRemoteRequest();
     void updateIsLoading();
+    void cancelLoads();
 
     void showWebContent(const LastPlayableSource &source);
     void setWebContent(const std::optional<YouTubeContent> &youTube,

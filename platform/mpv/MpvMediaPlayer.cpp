@@ -592,9 +592,11 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
     }
     case Topic::EofReached:
         if (flagOf(property) && !m_state.pendingSeek) {
-            m_state.ended = true;
+            const bool hadEnded = std::exchange(m_state.ended, true);
             pause();
             requestTime();
+            if (!hadEnded)
+                Q_EMIT itemEnded();
         }
         break;
     case Topic::Width:

@@ -241,7 +241,8 @@ void AppWindowTest::programSaysWhatItIs()
 {
     m_world.reset();
     QVERIFY(outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--version"_s}).startsWith(u"lumaro "_s));
-    QVERIFY(outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--help"_s}).contains(u"[file|address]"_s));
+    QVERIFY(
+        outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--help"_s}).contains(u"[file...|address]"_s));
 }
 
 LUMARO_APP_TEST_MAIN(AppWindowTest)

@@ -302,12 +302,14 @@ void MpvMediaPlayerTest::positionNeverFallsBackWhileSeeksFollowEachOther()
 
 void MpvMediaPlayerTest::pausesAtTheEndAndBeginsAnew()
 {
+    const QSignalSpy ends(&player(), &MediaPlayer::itemEnded);
     m_world->open(file(Fixture::Matroska));
     QVERIFY(m_world->playsTo(0.2));
     player().seek(9.5);
     QVERIFY(becomesTrue([&] { return player().rate() == 0; }));
     QVERIFY(becomesTrue([&] { return isNear(player().currentTime(), 10, 0.2); }));
     QVERIFY(player().hasItem());
+    QCOMPARE(ends.count(), 1);
     player().play();
     QVERIFY(becomesTrue([&] { return player().currentTime().value_or(99) < 5; }));
     QVERIFY(m_world->playsTo(0.2));
@@ -318,6 +320,7 @@ void MpvMediaPlayerTest::pausesAtTheEndAndBeginsAnew()
     player().seek(5);
     QVERIFY(becomesTrue([&] { return isNear(player().currentTime(), 5); }));
     QCOMPARE(player().rate(), 0);
+    QCOMPARE(ends.count(), 2);
     QCOMPARE(m_world->failures.size(), 0);
 }
 
