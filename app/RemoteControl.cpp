@@ -28,6 +28,16 @@ MediaCommands::Microseconds microseconds(double seconds)
     return MediaCommands::Microseconds(std::llround(std::clamp(seconds, -most, most) * 1e6));
 }
 
+/// Of a server no more than its name: passwords and tokens stand in paths and queries too, and
+/// every program of the session can read what is told here.
+QUrl publicAddress(const QUrl &url)
+{
+    if (url.isLocalFile())
+        return url;
+    return url.adjusted(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery
+                        | QUrl::RemoveFragment);
+}
+
 /// Why the file at `path` cannot be opened; empty when it can.
 QString problemWith(const QString &path)
 {
@@ -106,8 +116,7 @@ MediaControlsState RemoteControl::state() const
                                    : Playback::Paused,
         .track = active ? m_track : 0,
         .title = m_player.title().left(maximumTitleLength),
-        // Names and passwords are nobody else's.
-        .url = m_player.currentURL().adjusted(QUrl::RemoveUserInfo),
+        .url = publicAddress(m_player.currentURL()),
         .length = {},
         .volume = m_player.isMuted() ? 0 : m_player.volume(),
         .canPlay = active || m_player.lastPlayableSource(),
