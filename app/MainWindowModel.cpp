@@ -68,7 +68,7 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
             &MainWindowModel::showFullScreenControls);
     connect(&mediaPlayer, &MediaPlayer::itemEnded, this, [this] {
         if (m_playsOn)
-            playChannel(m_currentChannel < 0 ? -1 : m_currentChannel + 1);
+            playChannel(channelBeside(+1));
     });
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
         m_playsOn = false;
@@ -284,10 +284,30 @@ void MainWindowModel::playChannel(int index)
     setCurrentChannel(index);
 }
 
-bool MainWindowModel::mayOpen(const QUrl &channel)
+int MainWindowModel::channelBeside(int step) const
+{
+    // A list may be long, and this is asked often.
+    constexpr int farthest = 1000;
+    const PlaylistEntries &playlist = m_player.playlist();
+    for (int i = 1; i <= farthest && m_currentChannel >= 0; ++i) {
+        const int channel = m_currentChannel + i * step;
+        if (channel < 0 || channel >= playlist.size())
+            break;
+        if (!isForbidden(playlist.at(channel).url))
+            return channel;
+    }
+    return -1;
+}
+
+bool MainWindowModel::isForbidden(const QUrl &channel) const
 {
     // A server does not choose what is read on this computer.
-    if (!channel.isLocalFile() || !m_player.isPlaylistRemote())
+    return channel.isLocalFile() && m_player.isPlaylistRemote();
+}
+
+bool MainWindowModel::mayOpen(const QUrl &channel)
+{
+    if (!isForbidden(channel))
         return true;
     m_player.showToast(tr("A playlist from the network cannot open files on this computer."),
                        PlayerModel::toastDuration);

@@ -116,6 +116,9 @@ public:
     Q_INVOKABLE void openFile();
     /// Plays the channel at `index` of the player's playlist.
     Q_INVOKABLE void playChannel(int index);
+    /// The nearest channel after the one that plays, or before it if `step` is -1, that may be
+    /// opened; -1 when there is none.
+    int channelBeside(int step) const;
     /// Whether this address of the player's playlist may be used. Where it must not, the user is
     /// told.
     bool mayOpen(const QUrl &channel);
@@ -144,6 +147,7 @@ private:
     void observe(const QString &notification, QObject *object);
     bool openFiles(const QList<QUrl> &urls);
     void openFile(const QUrl &file);
+    bool isForbidden(const QUrl &channel) const;
     void openAddress(const QString &address);
     void applyFullScreen(bool fullScreen);
     void updateControlsVisible();

@@ -90,10 +90,12 @@ Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayNa
     const QString shownTitle = trimmedOr(displayName, productName());
 
     if (const auto youTube = YouTubeContent::fromUrl(*url)) {
-        m_lastPlayableSource = YouTubeSource{*youTube, shownTitle};
+        publish(m_lastPlayableSource, YouTubeSource{*youTube, shownTitle},
+                &PlayerModel::lastPlayableSourceChanged);
         showWebContent(*m_lastPlayableSource);
     } else if (const auto okVideo = OKVideoContent::fromUrl(*url)) {
-        m_lastPlayableSource = OKVideoSource{*okVideo, shownTitle};
+        publish(m_lastPlayableSource, OKVideoSource{*okVideo, shownTitle},
+                &PlayerModel::lastPlayableSourceChanged);
         showWebContent(*m_lastPlayableSource);
     } else if (isIPTVPlaylistURL(*url)) {
         co_await loadM3U(*url, std::move(displayName), requestID);
@@ -121,7 +123,8 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
         shownTitle = url.toString(QUrl::FullyEncoded);
     publish(m_title, shownTitle, &PlayerModel::titleChanged);
 
-    m_lastPlayableSource = MediaSource{url, m_title, isLiveStream};
+    publish(m_lastPlayableSource, MediaSource{url, m_title, isLiveStream},
+            &PlayerModel::lastPlayableSourceChanged);
     publish(m_isLiveStream, isLiveStream, &PlayerModel::isLiveStreamChanged);
     hideBufferingIndicator();
 
@@ -480,7 +483,7 @@ void PlayerModel::discardLastRemoteSource()
         return;
     const auto *media = std::get_if<MediaSource>(&*m_lastPlayableSource);
     if (!media || !media->url.isLocalFile())
-        m_lastPlayableSource.reset();
+        publish(m_lastPlayableSource, std::nullopt, &PlayerModel::lastPlayableSourceChanged);
 }
 
 void PlayerModel::updateStreamTitle(const QString &name)

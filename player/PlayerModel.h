@@ -188,6 +188,7 @@ Q_SIGNALS:
     void showsWebContentChanged();
     void toastMessageChanged();
     void currentURLChanged();
+    void lastPlayableSourceChanged();
     /// The user has opened a file, an address or a playlist that could be read, under the name that
     /// the user gave it, or none. What is picked out of a list is not announced.
     void sourceOpened(const QUrl &source, const QString &name);

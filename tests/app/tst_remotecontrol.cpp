@@ -93,7 +93,9 @@ private Q_SLOTS:
     void takesSaneVolumes_data();
     void takesSaneVolumes();
     void changesChannels();
+    void passesOverWhatMayNotBeOpened();
     void seekingPastTheEndGoesToTheNextChannel();
+    void cannotPlayWhatIsForgotten();
     void opensWhatCanBeOpened_data();
     void opensWhatCanBeOpened();
     void opensFiles();
@@ -370,6 +372,35 @@ void RemoteControlTest::changesChannels()
     QCOMPARE(m_world->player.title(), u"Two"_s);
     m_world->player.playFile(film);
     QVERIFY(!m_world->state().canGoNext);
+}
+
+void RemoteControlTest::passesOverWhatMayNotBeOpened()
+{
+    const QUrl list(u"http://h/list.m3u"_s);
+    m_world->player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200,
+                          "#EXTM3U\n#EXTINF:-1,One\nhttp://h/1\n#EXTINF:-1,File\nfile:///2\n"
+                          "#EXTINF:-1,Three\nhttp://h/3\n#EXTINF:-1,File\nfile:///4\n");
+    m_world->scheduler.runBackground();
+    m_world->shell.playChannel(0);
+    commands().next();
+    QCOMPARE(m_world->player.title(), u"Three"_s);
+    QVERIFY(!m_world->state().canGoNext);
+    QVERIFY(m_world->state().canGoPrevious);
+    commands().next();
+    QCOMPARE(m_world->player.title(), u"Three"_s);
+    QCOMPARE(m_world->player.toastMessage(), QString());
+    commands().previous();
+    QCOMPARE(m_world->player.title(), u"One"_s);
+}
+
+void RemoteControlTest::cannotPlayWhatIsForgotten()
+{
+    m_world->player.openRemote(u"http://h/live.m3u8"_s, {});
+    m_world->player.stop();
+    QVERIFY(m_world->state().canPlay);
+    m_world->player.clearNetworkStream();
+    QVERIFY(!m_world->state().canPlay);
 }
 
 void RemoteControlTest::seekingPastTheEndGoesToTheNextChannel()
