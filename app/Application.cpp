@@ -151,8 +151,9 @@ Application::Application(const Folders &folders, const WebServices &services)
                      Qt::QueuedConnection);
     QObject::connect(&m_remote, &RemoteControl::raiseRequested, &m_window,
                      [this] { bringToFront({}); });
-    QObject::connect(&m_appearance, &DesktopAppearance::colorSchemeChanged, &m_engine,
-                     [this] { followAppearance(); });
+    for (const auto changed :
+         {&DesktopAppearance::colorSchemeChanged, &DesktopAppearance::textScaleChanged})
+        QObject::connect(&m_appearance, changed, &m_engine, [this] { followAppearance(); });
     // Whoever clears the list wants no traces.
     QObject::connect(&m_recent, &RecentItems::cleared, &m_recent, [this] {
         m_resumingPlayback.forget();
@@ -252,6 +253,7 @@ void Application::followAppearance()
     auto *const theme = m_engine.singletonInstance<Theme *>(id);
     if (!theme)
         return;
+    theme->setDesktopTextScale(m_appearance.textScale());
     switch (m_appearance.colorScheme()) {
     case DesktopAppearance::ColorScheme::Dark:
         return theme->setDesktopChoice(ThemeChoice::Dark);

@@ -1,3 +1,5 @@
+#include "ui/Theme.h"
+
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlExpression>
@@ -81,6 +83,7 @@ private Q_SLOTS:
     void menuIsUsedByKeys();
     void dialogKeys_data();
     void dialogKeys();
+    void viewsGrowWithTheDesktopsText();
     void toastKeepsItsTextWhileFading();
     void toolTipWaitsAndFollowsTheText();
 };
@@ -337,6 +340,30 @@ void TestControls::dialogKeys()
     QCOMPARE(stage.log(), QStringList{answer});
     QTRY_VERIFY(!stage.control()->property("visible").toBool());
     QTRY_COMPARE(stage.focus(), u"rest"_s);
+}
+
+void TestControls::viewsGrowWithTheDesktopsText()
+{
+    Stage stage(uR"(
+        Button {
+            id: control
+            text: "Save"
+            property int row: Theme.roomFor(52, 2)
+        })"_s);
+    auto *const theme =
+        stage.engine.singletonInstance<lumaro::Theme *>(qmlTypeId("Lumaro.Ui", 1, 0, "Theme"));
+    QVERIFY(theme);
+    const auto number = [&](const char *name) { return stage.control()->property(name).toInt(); };
+    const int width = number("implicitWidth");
+    QCOMPARE(number("row"), 52);
+    QCOMPARE(number("implicitHeight"), 36);
+    theme->setDesktopTextScale(1.5);
+    QCOMPARE(number("row"), lumaro::Theme::roomFor(52, 2));
+    QCOMPARE(number("row"), 70);
+    QCOMPARE(number("implicitHeight"), lumaro::Theme::controlHeight());
+    QVERIFY(number("implicitWidth") > width);
+    theme->setDesktopTextScale(1);
+    QCOMPARE(number("row"), 52);
 }
 
 void TestControls::toastKeepsItsTextWhileFading()
