@@ -236,7 +236,7 @@ QVariantMap Application::windowProperties() const
     return properties;
 }
 
-void Application::followWindow(const QQuickWindow &window)
+void Application::followWindow(QQuickWindow &window)
 {
     const auto note = [this, &window] {
         m_placement.note(window.geometry(), placementState(window.visibility()));
@@ -245,6 +245,13 @@ void Application::followWindow(const QQuickWindow &window)
          {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
         QObject::connect(&window, moved, &m_window, note);
     QObject::connect(&window, &QWindow::visibilityChanged, &m_window, note);
+    // QML is not told of every change that the desktop makes.
+    QObject::connect(&window, &QWindow::visibilityChanged, &m_window,
+                     [this, &window](QWindow::Visibility visibility) {
+                         m_window.windowFillsScreen(visibility == QWindow::FullScreen);
+                         // A pointer that lies still says nothing of itself.
+                         m_window.scheduleCursorHideIfNeeded(&window);
+                     });
 }
 
 void Application::followAppearance()

@@ -88,7 +88,7 @@ private:
     SnifferWindowController::KeyWindow classified(const QWindow *window) const;
     void playFound(const QUrl &url, const QString &name);
     QVariantMap windowProperties() const;
-    void followWindow(const QQuickWindow &window);
+    void followWindow(QQuickWindow &window);
     void followAppearance();
 
     const Folders m_folders;

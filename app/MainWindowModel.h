@@ -100,11 +100,11 @@ public:
 
     /// The desktop tells whether the window fills the screen. What it tells of an older wish counts
     /// only if it does not come to the newest.
-    Q_INVOKABLE void windowFillsScreen(bool fills);
+    void windowFillsScreen(bool fills);
 
     Q_INVOKABLE void showFullScreenControls();
     /// Hides the pointer after a pause in `window` if that is still the key window then.
-    Q_INVOKABLE void scheduleCursorHideIfNeeded(QObject *window);
+    void scheduleCursorHideIfNeeded(QObject *window);
 
     /// Opens what was named on the command line: a file, an address, or several files, which become
     /// the playlist and are played one after another. Of other things the first is opened, and the

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void clickOnThePictureEndsTyping();
     void comesToTheFrontAsItIs_data();
     void comesToTheFrontAsItIs();
+    void desktopMakesItFillTheScreen();
     void dropsPlay_data();
     void dropsPlay();
     void programStartsPlaysAndQuits();
@@ -175,6 +176,16 @@ void AppWindowTest::comesToTheFrontAsItIs()
     QVERIFY(becomesTrue([&] { return window.isActive(); }));
     QCOMPARE(window.visibility(), after);
     QCOMPARE(m_world->shell().isFullScreen(), after == QWindow::FullScreen);
+}
+
+void AppWindowTest::desktopMakesItFillTheScreen()
+{
+    QQuickWindow &window = m_world->window();
+    window.setWindowStates(Qt::WindowFullScreen);
+    QVERIFY(m_world->shell().isFullScreen());
+    m_world->press(Qt::Key_Escape);
+    QVERIFY(!m_world->shell().isFullScreen());
+    QCOMPARE(window.visibility(), QWindow::Windowed);
 }
 
 void AppWindowTest::dropsPlay_data()
