@@ -92,7 +92,7 @@ Application::Application(const Folders &folders, const WebServices &services)
     , m_volumeMemory(m_player, m_defaults, m_scheduler)
     , m_wakefulPlayback(m_player, m_keepAwake)
     , m_resumePositions(m_defaults, m_scheduler)
-    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions)
+    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions, m_scheduler)
     , m_webPlayers({m_player, m_scheduler, m_workspace, m_notifications, m_surfaces, services},
                    m_youTube, m_okVideo, [this] { return loadBrowser(); })
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
@@ -157,11 +157,14 @@ Application::Application(const Folders &folders, const WebServices &services)
                      Qt::QueuedConnection);
     QObject::connect(&m_remote, &RemoteControl::raiseRequested, &m_window,
                      [this] { bringToFront({}); });
-    QObject::connect(&m_appearance, &DesktopAppearance::colorSchemeChanged, &m_engine,
-                     [this] { followAppearance(); });
+    for (const auto changed :
+         {&DesktopAppearance::colorSchemeChanged, &DesktopAppearance::textScaleChanged})
+        QObject::connect(&m_appearance, changed, &m_engine, [this] { followAppearance(); });
     // Whoever clears the list wants no traces.
-    QObject::connect(&m_recent, &RecentItems::cleared, &m_recent,
-                     [this] { m_resumePositions.clear(); });
+    QObject::connect(&m_recent, &RecentItems::cleared, &m_recent, [this] {
+        m_resumingPlayback.forget();
+        m_resumePositions.clear();
+    });
     QObject::connect(&m_commands, &MenuCommands::finderRequested, &m_finderController,
                      [this] { showFinder(); });
     // What scripts of the views still hold of a page's engine goes with the page, which the event
@@ -245,7 +248,7 @@ QVariantMap Application::windowProperties() const
     return properties;
 }
 
-void Application::followWindow(const QQuickWindow &window)
+void Application::followWindow(QQuickWindow &window)
 {
     const auto note = [this, &window] {
         m_placement.note(window.geometry(), placementState(window.visibility()));
@@ -254,6 +257,13 @@ void Application::followWindow(const QQuickWindow &window)
          {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
         QObject::connect(&window, moved, &m_window, note);
     QObject::connect(&window, &QWindow::visibilityChanged, &m_window, note);
+    // QML is not told of every change that the desktop makes.
+    QObject::connect(&window, &QWindow::visibilityChanged, &m_window,
+                     [this, &window](QWindow::Visibility visibility) {
+                         m_window.windowFillsScreen(visibility == QWindow::FullScreen);
+                         // A pointer that lies still says nothing of itself.
+                         m_window.scheduleCursorHideIfNeeded(&window);
+                     });
 }
 
 void Application::followAppearance()
@@ -262,6 +272,7 @@ void Application::followAppearance()
     auto *const theme = m_engine.singletonInstance<Theme *>(id);
     if (!theme)
         return;
+    theme->setDesktopTextScale(m_appearance.textScale());
     switch (m_appearance.colorScheme()) {
     case DesktopAppearance::ColorScheme::Dark:
         return theme->setDesktopChoice(ThemeChoice::Dark);
@@ -370,14 +381,15 @@ void Application::bringToFront(const QByteArray &activationToken)
     if (!activationToken.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", activationToken);
     window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
-    window->show();
+    // show() would make it an ordinary window again.
+    window->setVisible(true);
     window->raise();
     window->requestActivate();
 }
 
-void Application::open(const QString &fileOrAddress, const QString &workingFolder)
+void Application::open(const QStringList &filesAndAddresses, const QString &workingFolder)
 {
-    m_window.open(fileOrAddress, workingFolder);
+    m_window.open(filesAndAddresses, workingFolder);
 }
 
 void VarnApplicationDelegate::install()

@@ -65,8 +65,8 @@ public:
     void bringToFront(const QByteArray &activationToken);
     /// Shows the stream finder's window, and tells the user when that fails.
     void showFinder();
-    /// Opens a file or an address, told relative to `workingFolder`.
-    void open(const QString &fileOrAddress, const QString &workingFolder);
+    /// Opens files or an address, told relative to `workingFolder`.
+    void open(const QStringList &filesAndAddresses, const QString &workingFolder);
 
     PlayerModel &player() { return m_player; }
     MainWindowModel &window() { return m_window; }
@@ -92,7 +92,7 @@ private:
     SnifferWindowController::KeyWindow classified(const QWindow *window) const;
     void playFound(const QUrl &url, const QString &name);
     QVariantMap windowProperties() const;
-    void followWindow(const QQuickWindow &window);
+    void followWindow(QQuickWindow &window);
     void followAppearance();
 
     const Folders m_folders;

@@ -33,9 +33,9 @@ CommandLine::CommandLine()
     m_parser.addPositionalArgument(
         QStringLiteral("file|address"),
         QCoreApplication::translate("CommandLine",
-                                    "What to open: a media file, an M3U playlist, "
+                                    "What to open: media files, an M3U playlist, "
                                     "or an http or https address."),
-        QStringLiteral("[file|address]"));
+        QStringLiteral("[file...|address]"));
 }
 
 void CommandLine::process()

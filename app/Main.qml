@@ -59,12 +59,6 @@ Window {
         brightText: Theme.text
     }
 
-    onVisibilityChanged: state => {
-        shell.windowFillsScreen(state === Window.FullScreen);
-        // A pointer that lies still says nothing of itself.
-        shell.scheduleCursorHideIfNeeded(window);
-    }
-
     Connections {
         target: window.shell
 

@@ -1,10 +1,11 @@
 #include "app/MainWindowModel.h"
 
 #include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
 #include "player/PlaylistFile.h"
 
 #include <QVariant>
+
+#include <algorithm>
 
 namespace lumaro {
 
@@ -33,7 +34,9 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
                                  UserDefaults &defaults, QObject *parent)
     : QObject(parent)
     , m_player(player)
-    , m_defaults(defaults)
+    // A choice that could not be stored is made again next time; nothing is lost.
+    , m_storedSidebar(defaults, scheduler, sidebarVisibleKey(), [](const auto &) { })
+    , m_storedDisplayMode(defaults, scheduler, displayModeKey(), [](const auto &) { })
     , m_autoOpenTask(scheduler)
     , m_fullScreenTask(scheduler)
     , m_controlsHideTask(scheduler)
@@ -63,7 +66,12 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     });
     connect(&player, &PlayerModel::isPlayingChanged, this,
             &MainWindowModel::showFullScreenControls);
+    connect(&mediaPlayer, &MediaPlayer::itemEnded, this, [this] {
+        if (m_playsOn)
+            playChannel(channelBeside(+1));
+    });
     connect(&player, &PlayerModel::playlistChanged, this, [this] {
+        m_playsOn = false;
         setCurrentChannel(-1);
         if (m_player.playlist().isEmpty() || m_keepsSection)
             return;
@@ -77,8 +85,7 @@ void MainWindowModel::setSidebarVisible(bool visible)
     if (m_sidebarVisible == visible)
         return;
     m_sidebarVisible = visible;
-    // A choice that could not be stored is made again next time; nothing is lost.
-    (void)m_defaults.setData(sidebarVisibleKey(), visible ? "true" : "false");
+    m_storedSidebar.write([visible] { return QByteArray(visible ? "true" : "false"); });
     Q_EMIT sidebarVisibleChanged();
 }
 
@@ -127,7 +134,7 @@ void MainWindowModel::setDisplayMode(PortraitDisplayMode mode)
     if (m_displayMode == mode)
         return;
     m_displayMode = mode;
-    (void)m_defaults.setData(displayModeKey(), rawValue(mode).toUtf8());
+    m_storedDisplayMode.write([mode] { return rawValue(mode).toUtf8(); });
     Q_EMIT displayModeChanged();
 }
 
@@ -189,18 +196,27 @@ void MainWindowModel::clearNetwork()
     m_player.clearNetworkStream();
 }
 
-void MainWindowModel::open(const QString &fileOrAddress, const QString &workingFolder)
+void MainWindowModel::open(const QStringList &filesAndAddresses, const QString &workingFolder)
 {
-    const QUrl url = QUrl::fromUserInput(fileOrAddress, workingFolder, QUrl::AssumeLocalFile);
-    // An address goes on as it was written; only its cleaning decides what it means.
-    if (url.isLocalFile() && !fileOrAddress.trimmed().startsWith(u'<'))
-        openFile(url);
+    QList<QUrl> urls;
+    for (const QString &text : filesAndAddresses) {
+        const bool isBracketed = text.trimmed().startsWith(u'<');
+        urls.append(isBracketed ? QUrl()
+                                : QUrl::fromUserInput(text, workingFolder, QUrl::AssumeLocalFile));
+    }
+    if (openFiles(urls))
+        return;
+    if (urls.value(0).isLocalFile())
+        openFile(urls.first());
     else
-        m_player.openRemote(fileOrAddress, std::nullopt);
+        // An address goes on as it was written; only its cleaning decides what it means.
+        m_player.openRemote(filesAndAddresses.value(0), std::nullopt);
 }
 
 bool MainWindowModel::openDropped(const QList<QUrl> &urls, const QString &text)
 {
+    if (openFiles(urls))
+        return true;
     if (!urls.isEmpty()) {
         if (urls.first().isLocalFile())
             openFile(urls.first());
@@ -212,6 +228,30 @@ bool MainWindowModel::openDropped(const QList<QUrl> &urls, const QString &text)
         return false;
     m_player.openRemote(text, std::nullopt);
     return true;
+}
+
+/// False when only the first is to be opened.
+bool MainWindowModel::openFiles(const QList<QUrl> &urls)
+{
+    if (urls.size() < 2)
+        return false;
+    const auto isMediaFile = [](const QUrl &url) {
+        return url.isLocalFile() && !isChannelListFile(url);
+    };
+    QList<QUrl> files;
+    if (isMediaFile(urls.first()))
+        std::ranges::copy_if(urls, std::back_inserter(files), isMediaFile);
+    const bool areFiles = files.size() > 1;
+    if (areFiles) {
+        m_player.playFiles(files);
+        setCurrentChannel(0);
+        m_playsOn = true;
+    }
+    const qsizetype opened = areFiles ? files.size() : 1;
+    if (opened < urls.size())
+        m_player.showToast(tr("Opened %1 of %n items.", nullptr, int(urls.size())).arg(opened),
+                           PlayerModel::toastDuration);
+    return areFiles;
 }
 
 void MainWindowModel::openFile(const QUrl &file)
@@ -244,10 +284,30 @@ void MainWindowModel::playChannel(int index)
     setCurrentChannel(index);
 }
 
-bool MainWindowModel::mayOpen(const QUrl &channel)
+int MainWindowModel::channelBeside(int step) const
+{
+    // A list may be long, and this is asked often.
+    constexpr int farthest = 1000;
+    const PlaylistEntries &playlist = m_player.playlist();
+    for (int i = 1; i <= farthest && m_currentChannel >= 0; ++i) {
+        const int channel = m_currentChannel + i * step;
+        if (channel < 0 || channel >= playlist.size())
+            break;
+        if (!isForbidden(playlist.at(channel).url))
+            return channel;
+    }
+    return -1;
+}
+
+bool MainWindowModel::isForbidden(const QUrl &channel) const
 {
     // A server does not choose what is read on this computer.
-    if (!channel.isLocalFile() || !m_player.isPlaylistRemote())
+    return channel.isLocalFile() && m_player.isPlaylistRemote();
+}
+
+bool MainWindowModel::mayOpen(const QUrl &channel)
+{
+    if (!isForbidden(channel))
         return true;
     m_player.showToast(tr("A playlist from the network cannot open files on this computer."),
                        PlayerModel::toastDuration);

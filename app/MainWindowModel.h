@@ -1,6 +1,7 @@
 #pragma once
 
 #include "display/PortraitDisplayMode.h"
+#include "platform/DefaultsWriter.h"
 #include "platform/DelayedTask.h"
 #include "player/PlayerModel.h"
 
@@ -10,7 +11,6 @@
 namespace lumaro {
 
 class NotificationCenter;
-class UserDefaults;
 
 /// What the main window decides beyond the player: what the sidebar shows, when a typed address
 /// opens, when the controls and the pointer hide, what stands over the picture. Main thread.
@@ -100,20 +100,25 @@ public:
 
     /// The desktop tells whether the window fills the screen. What it tells of an older wish counts
     /// only if it does not come to the newest.
-    Q_INVOKABLE void windowFillsScreen(bool fills);
+    void windowFillsScreen(bool fills);
 
     Q_INVOKABLE void showFullScreenControls();
     /// Hides the pointer after a pause in `window` if that is still the key window then.
-    Q_INVOKABLE void scheduleCursorHideIfNeeded(QObject *window);
+    void scheduleCursorHideIfNeeded(QObject *window);
 
-    /// Opens what was dropped or named on the command line: a file or an address.
-    void open(const QString &fileOrAddress, const QString &workingFolder);
-    /// Opens the first of `urls`, else `text`. False when there is nothing to open.
+    /// Opens what was named on the command line: a file, an address, or several files, which become
+    /// the playlist and are played one after another. Of other things the first is opened, and the
+    /// user is told.
+    void open(const QStringList &filesAndAddresses, const QString &workingFolder);
+    /// The same for `urls`, or else `text`. False when there is nothing to open.
     Q_INVOKABLE bool openDropped(const QList<QUrl> &urls, const QString &text);
     Q_INVOKABLE void importPlaylist();
     Q_INVOKABLE void openFile();
     /// Plays the channel at `index` of the player's playlist.
     Q_INVOKABLE void playChannel(int index);
+    /// The nearest channel after the one that plays, or before it if `step` is -1, that may be
+    /// opened; -1 when there is none.
+    int channelBeside(int step) const;
     /// Whether this address of the player's playlist may be used. Where it must not, the user is
     /// told.
     bool mayOpen(const QUrl &channel);
@@ -140,7 +145,9 @@ Q_SIGNALS:
 
 private:
     void observe(const QString &notification, QObject *object);
+    bool openFiles(const QList<QUrl> &urls);
     void openFile(const QUrl &file);
+    bool isForbidden(const QUrl &channel) const;
     void openAddress(const QString &address);
     void applyFullScreen(bool fullScreen);
     void updateControlsVisible();
@@ -152,7 +159,8 @@ private:
     QString noticeFor(MediaPlayer::ItemFailure failure) const;
 
     PlayerModel &m_player;
-    UserDefaults &m_defaults;
+    DefaultsWriter m_storedSidebar;
+    DefaultsWriter m_storedDisplayMode;
     bool m_sidebarVisible = true;
     PlayerSidebarSection m_sidebarSection = PlayerSidebarSection::network;
     bool m_keepsSection = false;
@@ -168,6 +176,8 @@ private:
     bool m_cursorHidden = false;
     bool m_isOpening = false;
     int m_currentChannel = -1;
+    /// The playlist's files were opened together.
+    bool m_playsOn = false;
     QString m_pictureNotice;
     DelayedTask m_autoOpenTask;
     DelayedTask m_fullScreenTask;

@@ -18,6 +18,19 @@ QString addressOf(const QUrl &url)
     return url.toString(QUrl::FullyEncoded);
 }
 
+/// A server, and what is opened there. Channel lists have names and passwords in the query or in
+/// the folders; whoever sees the menu need not see them.
+QString shownAddress(const QUrl &url)
+{
+    const QUrl bare = url.adjusted(QUrl::RemoveUserInfo | QUrl::RemoveQuery | QUrl::RemoveFragment);
+    QString shown = bare.toString(QUrl::RemovePath);
+    shown += bare.path().count(u'/') > 1 ? QStringView(u"/…/") : QStringView(u"/");
+    shown += bare.fileName().simplified();
+    if (url.hasQuery())
+        shown += u"?…";
+    return shown;
+}
+
 /// What the settings hold need not be what this program wrote.
 std::optional<RecentItem> itemFrom(const QJsonObject &stored)
 {
@@ -58,12 +71,8 @@ QString RecentItems::title(const RecentItem &item) const
 {
     if (!item.name.isEmpty())
         return item.name.simplified();
-    if (!item.url.isLocalFile()) {
-        // Channel lists have their passwords in the query; whoever sees the menu need not see them.
-        const QString address =
-            item.url.toString(QUrl::RemoveUserInfo | QUrl::RemoveQuery | QUrl::RemoveFragment);
-        return item.url.hasQuery() ? QString(address + u"?…") : address;
-    }
+    if (!item.url.isLocalFile())
+        return shownAddress(item.url);
     const QString name = item.url.fileName();
     const auto isNamesake = [&name, &item](const RecentItem &other) {
         return other.url.isLocalFile() && other != item && other.url.fileName() == name;

@@ -28,6 +28,16 @@ MediaCommands::Microseconds microseconds(double seconds)
     return MediaCommands::Microseconds(std::llround(std::clamp(seconds, -most, most) * 1e6));
 }
 
+/// Of a server no more than its name: passwords and tokens stand in paths and queries too, and
+/// every program of the session can read what is told here.
+QUrl publicAddress(const QUrl &url)
+{
+    if (url.isLocalFile())
+        return url;
+    return url.adjusted(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery
+                        | QUrl::RemoveFragment);
+}
+
 /// Why the file at `path` cannot be opened; empty when it can.
 QString problemWith(const QString &path)
 {
@@ -50,10 +60,11 @@ RemoteControl::RemoteControl(PlayerModel &player, MainWindowModel &window, Sched
     , m_controls(controls)
     , m_publishTask(scheduler)
 {
-    for (const auto changed : {&PlayerModel::titleChanged, &PlayerModel::isPlayingChanged,
-                               &PlayerModel::durationChanged, &PlayerModel::currentTimeChanged,
-                               &PlayerModel::volumeChanged, &PlayerModel::isMutedChanged,
-                               &PlayerModel::currentURLChanged, &PlayerModel::playlistChanged})
+    for (const auto changed :
+         {&PlayerModel::titleChanged, &PlayerModel::isPlayingChanged, &PlayerModel::durationChanged,
+          &PlayerModel::currentTimeChanged, &PlayerModel::volumeChanged,
+          &PlayerModel::isMutedChanged, &PlayerModel::currentURLChanged,
+          &PlayerModel::playlistChanged, &PlayerModel::lastPlayableSourceChanged})
         connect(&player, changed, this, &RemoteControl::publishSoon);
     for (const auto changed :
          {&MainWindowModel::currentChannelChanged, &MainWindowModel::isFullScreenChanged})
@@ -90,12 +101,6 @@ bool RemoteControl::canSeek() const
     return m_player.seekableRange().has_value();
 }
 
-bool RemoteControl::hasChannel(int step) const
-{
-    const int channel = m_window.currentChannel() + step;
-    return m_window.currentChannel() >= 0 && channel >= 0 && channel < m_player.playlist().size();
-}
-
 MediaControlsState RemoteControl::state() const
 {
     using Playback = MediaControlsState::Playback;
@@ -106,14 +111,13 @@ MediaControlsState RemoteControl::state() const
                                    : Playback::Paused,
         .track = active ? m_track : 0,
         .title = m_player.title().left(maximumTitleLength),
-        // Names and passwords are nobody else's.
-        .url = m_player.currentURL().adjusted(QUrl::RemoveUserInfo),
+        .url = publicAddress(m_player.currentURL()),
         .length = {},
         .volume = m_player.isMuted() ? 0 : m_player.volume(),
         .canPlay = active || m_player.lastPlayableSource(),
         .canSeek = canSeek(),
-        .canGoNext = hasChannel(+1),
-        .canGoPrevious = hasChannel(-1),
+        .canGoNext = m_window.channelBeside(+1) >= 0,
+        .canGoPrevious = m_window.channelBeside(-1) >= 0,
         .isFullScreen = m_window.isFullScreen(),
     };
     if (state.url.toEncoded().size() > maximumUriLength)
@@ -192,8 +196,7 @@ void RemoteControl::stop()
 
 void RemoteControl::goToChannel(int step)
 {
-    if (hasChannel(step))
-        m_window.playChannel(m_window.currentChannel() + step);
+    m_window.playChannel(m_window.channelBeside(step));
 }
 
 void RemoteControl::seek(Microseconds offset)
@@ -242,7 +245,7 @@ Task<std::expected<void, QString>> RemoteControl::openUri(QString uri)
     const QUrl file(uri);
     if (!file.isLocalFile() || !file.host().isEmpty())
         co_return std::unexpected(
-            QStringLiteral("Lumaro opens files and HTTP or HTTPS addresses."));
+            RemoteControl::tr("Lumaro opens files and HTTP or HTTPS addresses."));
 
     // A folder from elsewhere may take its time, and another program names any it likes.
     const std::stop_token stop = m_lifetime.get_token();
@@ -250,7 +253,7 @@ Task<std::expected<void, QString>> RemoteControl::openUri(QString uri)
         m_scheduler.inBackground([path = file.toLocalFile()] { return problemWith(path); });
     const QString problem = co_await looking;
     if (stop.stop_requested())
-        co_return std::unexpected(QStringLiteral("Lumaro has been closed."));
+        co_return std::unexpected(RemoteControl::tr("Lumaro has been closed."));
     if (!problem.isEmpty())
         co_return std::unexpected(problem);
     m_window.openDropped({file}, QString());

@@ -54,7 +54,6 @@ Q_SIGNALS:
 private:
     bool isActive() const;
     bool canSeek() const;
-    bool hasChannel(int step) const;
     void goToChannel(int step);
     MediaControlsState state() const;
     void publishSoon();

@@ -10,17 +10,19 @@
 namespace lumaro {
 
 ResumingPlayback::ResumingPlayback(PlayerModel &player, MediaPlayer &mediaPlayer,
-                                   ResumePositions &positions, QObject *parent)
+                                   ResumePositions &positions, Scheduler &scheduler,
+                                   QObject *parent)
     : QObject(parent)
     , m_player(player)
     , m_mediaPlayer(mediaPlayer)
     , m_positions(positions)
+    , m_scheduler(scheduler)
 {
     // Each of these comes before the position becomes that of something else.
     connect(&player, &PlayerModel::currentURLChanged, this, &ResumingPlayback::end);
     connect(&player, &PlayerModel::mediaLoadIDChanged, this, &ResumingPlayback::begin);
     connect(&mediaPlayer, &MediaPlayer::currentItemChanged, this, &ResumingPlayback::resume);
-    connect(&mediaPlayer, &MediaPlayer::itemStarted, this, &ResumingPlayback::announce);
+    connect(&mediaPlayer, &MediaPlayer::itemStarted, this, &ResumingPlayback::start);
     connect(&player, &PlayerModel::currentTimeChanged, this, &ResumingPlayback::follow);
     connect(&player, &PlayerModel::durationChanged, this, &ResumingPlayback::follow);
 }
@@ -30,26 +32,48 @@ ResumingPlayback::~ResumingPlayback()
     end();
 }
 
-void ResumingPlayback::begin()
+Task<> ResumingPlayback::begin()
 {
     end();
-    const auto file = FileIdentity::of(m_player.currentURL());
-    if (!file)
-        return;
+    const QUrl url = m_player.currentURL();
+    if (!url.isLocalFile())
+        co_return;
+    const std::stop_token stop = m_looking.get_token();
+    // A folder from elsewhere may take its time.
+    const auto looking = m_scheduler.inBackground([url] { return FileIdentity::of(url); });
+    const std::optional<FileIdentity> file = co_await looking;
+    if (stop.stop_requested() || !file)
+        co_return;
     m_viewing = Viewing{.file = *file, .resumeAt = m_positions.position(*file)};
+    if (!m_hasStarted) {
+        resume();
+        co_return;
+    }
+    // Who has seen some of it by now does not want to be elsewhere.
+    if (m_player.currentTime() > earliest)
+        m_viewing->resumeAt.reset();
+    if (m_viewing->resumeAt)
+        m_mediaPlayer.seek(*m_viewing->resumeAt);
+    announce();
 }
 
 void ResumingPlayback::resume()
 {
     if (!m_mediaPlayer.hasItem())
         end();
-    else if (m_viewing && m_viewing->resumeAt && !m_viewing->hasStarted)
+    else if (m_viewing && m_viewing->resumeAt && !m_hasStarted)
         m_mediaPlayer.seek(*m_viewing->resumeAt);
+}
+
+void ResumingPlayback::start()
+{
+    if (!std::exchange(m_hasStarted, true))
+        announce();
 }
 
 void ResumingPlayback::announce()
 {
-    if (!m_viewing || std::exchange(m_viewing->hasStarted, true) || !m_viewing->resumeAt)
+    if (!m_viewing || !m_viewing->resumeAt)
         return;
     m_player.showToast(ResumingPlayback::tr("Resumed at %1 · Home plays from the beginning")
                            .arg(formatTime(*m_viewing->resumeAt)),
@@ -58,7 +82,7 @@ void ResumingPlayback::announce()
 
 void ResumingPlayback::follow()
 {
-    if (!m_viewing || !m_viewing->hasStarted)
+    if (!m_viewing || !m_hasStarted)
         return;
     m_viewing->position = m_player.currentTime();
     m_duration = m_player.duration();
@@ -82,10 +106,17 @@ void ResumingPlayback::keepPosition()
 
 void ResumingPlayback::end()
 {
-    if (m_viewing && m_viewing->hasStarted)
+    if (m_viewing && m_hasStarted)
         keepPosition();
-    m_viewing.reset();
+    forget();
+    m_hasStarted = false;
     m_duration = 0;
+}
+
+void ResumingPlayback::forget()
+{
+    std::exchange(m_looking, std::stop_source()).request_stop();
+    m_viewing.reset();
 }
 
 } // namespace lumaro

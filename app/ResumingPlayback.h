@@ -1,8 +1,11 @@
 #pragma once
 
+#include "platform/Async.h"
 #include "player/ResumePositions.h"
 
 #include <QObject>
+
+#include <stop_token>
 
 namespace lumaro {
 
@@ -26,8 +29,11 @@ public:
 
     /// All arguments outlive it.
     ResumingPlayback(PlayerModel &player, MediaPlayer &mediaPlayer, ResumePositions &positions,
-                     QObject *parent = nullptr);
+                     Scheduler &scheduler, QObject *parent = nullptr);
     ~ResumingPlayback() override;
+
+    /// What plays now leaves no trace.
+    void forget();
 
 private:
     /// A file from its opening to its leaving.
@@ -36,13 +42,13 @@ private:
         FileIdentity file;
         /// Where it goes on, in seconds.
         std::optional<double> resumeAt;
-        bool hasStarted = false;
         double position = 0;
         double storedPosition = 0;
     };
 
-    void begin();
+    Task<> begin();
     void resume();
+    void start();
     void announce();
     void follow();
     void keepPosition();
@@ -51,7 +57,11 @@ private:
     PlayerModel &m_player;
     MediaPlayer &m_mediaPlayer;
     ResumePositions &m_positions;
+    Scheduler &m_scheduler;
+    /// Ends with the item.
+    std::stop_source m_looking;
     std::optional<Viewing> m_viewing;
+    bool m_hasStarted = false;
     double m_duration = 0;
 };
 

@@ -45,10 +45,13 @@ constexpr std::array listKeys{
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Save the Chosen Channel"), "Ctrl+S"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Choose a Channel or Link"),
         "Up / Down / PgUp / PgDown"},
-    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Play It"), "Return"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Choose the First or Last Channel"),
+        "Ctrl+Home / Ctrl+End"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Play It, or Fold a Category"), "Return"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Edit the Chosen Link"), "F2"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Delete the Chosen Link"), "Del"},
-    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Menu of the Chosen Link"), "Menu / Shift+F10"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Menu of the Chosen Channel or Link"),
+        "Menu / Shift+F10"},
 };
 
 constexpr std::array finderKeys{

@@ -32,10 +32,7 @@ std::optional<QRect> WindowPlacement::frame(const QList<QRect> &screens) const
 {
     if (m_frame.isEmpty() || screens.isEmpty())
         return std::nullopt;
-    const QRect screen = screenOf(m_frame, screens);
-    if (screen.contains(m_frame))
-        return m_frame;
-    return constrainedFrame(m_frame, screen.adjusted(0, titleBarHeight, 0, 0));
+    return constrainedFrame(m_frame, screenOf(m_frame, screens).adjusted(0, titleBarHeight, 0, 0));
 }
 
 void WindowPlacement::note(const QRect &frame, State state)

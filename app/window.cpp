@@ -25,7 +25,7 @@ int run(const lumaro::Folders &folders, SingleInstance &instance,
         lumaro::CommandLine options;
         options.parse(asked.arguments);
         if (const QStringList toOpen = options.filesAndAddresses(); !toOpen.isEmpty())
-            application.open(toOpen.first(), asked.workingFolder);
+            application.open(toOpen, asked.workingFolder);
         if (options.wantsFinder())
             application.showFinder();
     };

@@ -16,9 +16,13 @@ public:
     using QObject::QObject;
 
     virtual ColorScheme colorScheme() const = 0;
+    /// How much larger than designed text should be, beside the size of the desktop's font; 1 where
+    /// everything is larger by itself.
+    virtual double textScale() const = 0;
 
 Q_SIGNALS:
     void colorSchemeChanged();
+    void textScaleChanged();
 };
 
 } // namespace lumaro

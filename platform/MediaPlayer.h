@@ -73,6 +73,8 @@ public:
     virtual std::optional<TimeRange> seekableRange() const = 0;
     /// The picture's size as it should be shown, in pixels; empty without a picture.
     virtual QSize presentationSize() const = 0;
+    /// The picture is the cover of music, which does not move.
+    virtual bool showsCover() const = 0;
 
     /// Goes exactly to `seconds`, not to the nearest key frame. An item that has not begun yet
     /// begins there.
@@ -97,6 +99,8 @@ Q_SIGNALS:
     void itemFailed(lumaro::MediaPlayer::ItemFailure failure);
     /// The current item's first picture is known, or its first sound when it has no picture.
     void itemStarted();
+    /// The current item has been played to its end, where it pauses.
+    void itemEnded();
 };
 
 } // namespace lumaro

@@ -90,10 +90,12 @@ Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayNa
     const QString shownTitle = trimmedOr(displayName, productName());
 
     if (const auto youTube = YouTubeContent::fromUrl(*url)) {
-        m_lastPlayableSource = YouTubeSource{*youTube, shownTitle};
+        publish(m_lastPlayableSource, YouTubeSource{*youTube, shownTitle},
+                &PlayerModel::lastPlayableSourceChanged);
         showWebContent(*m_lastPlayableSource);
     } else if (const auto okVideo = OKVideoContent::fromUrl(*url)) {
-        m_lastPlayableSource = OKVideoSource{*okVideo, shownTitle};
+        publish(m_lastPlayableSource, OKVideoSource{*okVideo, shownTitle},
+                &PlayerModel::lastPlayableSourceChanged);
         showWebContent(*m_lastPlayableSource);
     } else if (isIPTVPlaylistURL(*url)) {
         co_await loadM3U(*url, std::move(displayName), requestID);
@@ -109,6 +111,7 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
 {
     publish(m_currentURL, url, &PlayerModel::currentURLChanged);
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);
+    publish(m_showsCover, false, &PlayerModel::showsCoverChanged);
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_mediaLoadID, QUuid::createUuid(), &PlayerModel::mediaLoadIDChanged);
 
@@ -120,7 +123,8 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
         shownTitle = url.toString(QUrl::FullyEncoded);
     publish(m_title, shownTitle, &PlayerModel::titleChanged);
 
-    m_lastPlayableSource = MediaSource{url, m_title, isLiveStream};
+    publish(m_lastPlayableSource, MediaSource{url, m_title, isLiveStream},
+            &PlayerModel::lastPlayableSourceChanged);
     publish(m_isLiveStream, isLiveStream, &PlayerModel::isLiveStreamChanged);
     hideBufferingIndicator();
 
@@ -137,6 +141,23 @@ void PlayerModel::playFile(const QUrl &url)
 {
     play(url, url.fileName(), false);
     Q_EMIT sourceOpened(url, QString());
+}
+
+void PlayerModel::playFiles(const QList<QUrl> &files)
+{
+    cancelLoads();
+    QList<PlaylistEntry> entries;
+    for (const QUrl &file : files)
+        entries.append({.id = QUuid::createUuid(),
+                        .name = file.fileName(),
+                        .url = file,
+                        .logoURL = {},
+                        .groupTitle = {},
+                        .countryCode = {}});
+    m_playlist = PlaylistEntries::fromList(entries);
+    m_isPlaylistRemote = false;
+    Q_EMIT playlistChanged();
+    playFile(files.first());
 }
 
 Task<> PlayerModel::openFile()
@@ -265,12 +286,17 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
     co_return result;
 }
 
-void PlayerModel::clearNetworkStream()
+void PlayerModel::cancelLoads()
 {
     renewRemoteRequest();
     std::exchange(m_import, std::stop_source()).request_stop();
     m_isImporting = false;
     updateIsLoading();
+}
+
+void PlayerModel::clearNetworkStream()
+{
+    cancelLoads();
     if (!m_playlist.isEmpty()) {
         m_playlist = {};
         Q_EMIT playlistChanged();
@@ -327,6 +353,7 @@ void PlayerModel::stop()
     publish(m_currentURL, QUrl(), &PlayerModel::currentURLChanged);
     removePlatformItem();
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);
+    publish(m_showsCover, false, &PlayerModel::showsCoverChanged);
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_isPlaying, false, &PlayerModel::isPlayingChanged);
     publish(m_title, productName(), &PlayerModel::titleChanged);
@@ -459,7 +486,7 @@ void PlayerModel::discardLastRemoteSource()
         return;
     const auto *media = std::get_if<MediaSource>(&*m_lastPlayableSource);
     if (!media || !media->url.isLocalFile())
-        m_lastPlayableSource.reset();
+        publish(m_lastPlayableSource, std::nullopt, &PlayerModel::lastPlayableSourceChanged);
 }
 
 void PlayerModel::updateStreamTitle(const QString &name)
@@ -529,6 +556,8 @@ void PlayerModel::observeTime()
     const double duration = player.duration().value_or(0);
     publish(m_duration, std::isfinite(duration) ? duration : 0, &PlayerModel::durationChanged);
 
+    // Before its size, which makes it a picture.
+    publish(m_showsCover, player.showsCover(), &PlayerModel::showsCoverChanged);
     if (const QSize size = player.presentationSize(); !size.isEmpty()) {
         publish(m_videoAspectRatio, double(size.width()) / size.height(),
                 &PlayerModel::videoAspectRatioChanged);

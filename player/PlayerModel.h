@@ -100,6 +100,8 @@ public:
     double volume() const { return m_volume; }
     bool isMuted() const { return m_isMuted; }
     double videoAspectRatio() const { return m_videoAspectRatio; }
+    /// The picture is the cover of music, which does not move.
+    bool showsCover() const { return m_showsCover; }
     QUuid mediaLoadID() const { return m_mediaLoadID; }
     QUuid videoAspectMediaLoadID() const { return m_videoAspectMediaLoadID; }
     bool isLiveStream() const { return m_isLiveStream; }
@@ -123,6 +125,9 @@ public:
     void play(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
     /// Plays a local file under its own name.
     void playFile(const QUrl &url);
+    /// Makes local files the playlist, in place of one that is still loading too, and plays the
+    /// first of them. There is at least one.
+    void playFiles(const QList<QUrl> &files);
 
     /// Asks for an M3U file and makes it the playlist. The imported entries; empty when the user
     /// cancelled or the import failed.
@@ -173,6 +178,7 @@ Q_SIGNALS:
     void volumeChanged();
     void isMutedChanged();
     void videoAspectRatioChanged();
+    void showsCoverChanged();
     void mediaLoadIDChanged();
     void videoAspectMediaLoadIDChanged();
     void isLiveStreamChanged();
@@ -182,6 +188,7 @@ Q_SIGNALS:
     void showsWebContentChanged();
     void toastMessageChanged();
     void currentURLChanged();
+    void lastPlayableSourceChanged();
     /// The user has opened a file, an address or a playlist that could be read, under the name that
     /// the user gave it, or none. What is picked out of a list is not announced.
     void sourceOpened(const QUrl &source, const QString &name);
@@ -202,6 +209,7 @@ private:
     Task<PlaylistResult> fetchPlaylist(QUrl url, std::stop_token stop);
     QUuid renewRemoteRequest();
     void updateIsLoading();
+    void cancelLoads();
 
     void showWebContent(const LastPlayableSource &source);
     void setWebContent(const std::optional<YouTubeContent> &youTube,
@@ -234,6 +242,7 @@ private:
     double m_volume = 1;
     bool m_isMuted = false;
     double m_videoAspectRatio = 0;
+    bool m_showsCover = false;
     QUuid m_mediaLoadID;
     QUuid m_videoAspectMediaLoadID;
     bool m_isLiveStream = false;

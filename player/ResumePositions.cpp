@@ -39,7 +39,8 @@ std::optional<ResumePositions::Entry> ResumePositions::entryFrom(const QJsonObje
                          .size = stored.value(u"size").toInteger(-1),
                          .modified = stored.value(u"modified").toInteger(-1)},
                 .seconds = stored.value(u"seconds").toDouble()};
-    if (entry.file.path.isEmpty() || entry.file.size < 0 || entry.seconds <= 0)
+    const bool isTime = entry.seconds > 0 && entry.seconds <= latest;
+    if (entry.file.path.isEmpty() || entry.file.size < 0 || !isTime)
         return std::nullopt;
     return entry;
 }

@@ -28,6 +28,8 @@ class ResumePositions
 {
 public:
     static constexpr qsizetype maximum = 200;
+    /// Seconds: beyond any file that somebody watches.
+    static constexpr double latest = 1e6;
 
     /// Both outlive it.
     ResumePositions(UserDefaults &defaults, Scheduler &scheduler);

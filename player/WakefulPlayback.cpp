@@ -14,7 +14,8 @@ WakefulPlayback::WakefulPlayback(const PlayerModel &player, KeepAwake &screen, Q
 {
     for (const auto changed :
          {&PlayerModel::isPlayingChanged, &PlayerModel::videoAspectRatioChanged,
-          &PlayerModel::youtubeContentChanged, &PlayerModel::okVideoContentChanged})
+          &PlayerModel::showsCoverChanged, &PlayerModel::youtubeContentChanged,
+          &PlayerModel::okVideoContentChanged})
         connect(&player, changed, this, &WakefulPlayback::update);
     update();
 }
@@ -26,8 +27,9 @@ WakefulPlayback::~WakefulPlayback()
 
 void WakefulPlayback::update()
 {
-    const bool hasPicture = m_player.videoAspectRatio() > 0 || m_player.showsWebContent();
-    setAwake(m_player.isPlaying() && hasPicture);
+    const bool pictureMoves =
+        (m_player.videoAspectRatio() > 0 && !m_player.showsCover()) || m_player.showsWebContent();
+    setAwake(m_player.isPlaying() && pictureMoves);
 }
 
 void WakefulPlayback::setAwake(bool awake)

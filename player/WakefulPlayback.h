@@ -7,8 +7,8 @@ namespace lumaro {
 class KeepAwake;
 class PlayerModel;
 
-/// Keeps the screen awake while a picture plays; not while it is paused or stopped, nor for sound
-/// alone. Main thread.
+/// Keeps the screen awake while a moving picture plays; not while it is paused or stopped, nor for
+/// sound, with a cover or without. Main thread.
 class WakefulPlayback : public QObject
 {
     Q_OBJECT

@@ -142,16 +142,23 @@ int ChannelListModel::entryAt(int row) const
     return row >= 0 && row < rowCount() ? std::max(m_rows[size_t(row)], -1) : -1;
 }
 
-int ChannelListModel::channelRow(int row, int step) const
+int ChannelListModel::rowAfter(int row, int step) const
 {
-    const qint64 rows = rowCount();
-    for (qint64 at = row; at >= 0 && at < rows; at += step) {
-        if (entryAt(int(at)) >= 0)
-            return int(at);
-        if (step == 0)
-            break;
-    }
-    return -1;
+    if (m_rows.empty())
+        return -1;
+    const qint64 last = rowCount() - 1;
+    const qint64 wanted = row < 0 ? (step < 0 ? last : 0) : qint64(row) + step;
+    const int found = int(std::clamp<qint64>(wanted, 0, last));
+    if (m_filterText.isEmpty() || !groupAt(found))
+        return found;
+    // Every header has a channel below it then.
+    return step < 0 && found > 0 ? found - 1 : found + 1;
+}
+
+int ChannelListModel::firstChannelRow() const
+{
+    const auto row = std::ranges::find_if(m_rows, [](Row content) { return content >= 0; });
+    return row == m_rows.end() ? -1 : int(row - m_rows.begin());
 }
 
 const ChannelIndex::Group *ChannelListModel::groupAt(int row) const

@@ -63,8 +63,12 @@ public:
     Q_INVOKABLE void toggleGroup(int row);
     /// The channel at `row` as an index into the playlist; -1 for a header.
     Q_INVOKABLE int entryAt(int row) const;
-    /// The next row with a channel from `row` on, in steps of `step`; -1 when there is none.
-    Q_INVOKABLE int channelRow(int row, int step) const;
+    /// The row that lies `step` rows from `row`, or the last one on the way there; from no row (-1)
+    /// the first one, upwards the last. While searching it is a channel's, because headers do not
+    /// fold then. -1 when there are no rows.
+    Q_INVOKABLE int rowAfter(int row, int step) const;
+    /// The first row with a channel; -1 when there is none.
+    Q_INVOKABLE int firstChannelRow() const;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;

@@ -6,7 +6,8 @@ import Lumaro.Playlist
 import Lumaro.Ui
 
 // The channels of a playlist under their categories, with a search over them. In the search field
-// the arrows move through the list and Enter plays.
+// the arrows, Page Up and Down, and Ctrl+Home and End move through the list, Enter plays or folds, and
+// Shift+F10 shows what else can be done.
 Item {
     id: root
 
@@ -21,12 +22,25 @@ Item {
     signal dismissed()
 
     function move(step: int): void {
-        const from = list.currentIndex < 0 ? (step > 0 ? 0 : list.count - 1) : list.currentIndex + step;
-        const row = channels.channelRow(from, step > 0 ? 1 : -1);
-        if (row < 0)
-            return;
-        list.currentIndex = row;
-        list.positionViewAtIndex(row, ListView.Contain);
+        list.currentIndex = channels.rowAfter(list.currentIndex, step);
+        list.positionViewAtIndex(list.currentIndex, ListView.Contain);
+    }
+    // Answers whether the key is meant for the list.
+    function steer(event: KeyEvent): bool {
+        const page = Math.max(1, Math.floor(list.height / list.rowHeight) - 1);
+        const withControl = event.modifiers === Qt.ControlModifier;
+        const withShift = event.modifiers === Qt.ShiftModifier;
+        switch (event.key) {
+        case Qt.Key_Up: move(-1); return true;
+        case Qt.Key_Down: move(1); return true;
+        case Qt.Key_PageUp: move(-page); return true;
+        case Qt.Key_PageDown: move(page); return true;
+        case Qt.Key_Home: if (withControl) move(-list.count); return withControl;
+        case Qt.Key_End: if (withControl) move(list.count); return withControl;
+        case Qt.Key_F10: if (withShift) askForMenuOfCurrent(); return withShift;
+        case Qt.Key_Menu: askForMenuOfCurrent(); return true;
+        default: return false;
+        }
     }
     function activate(row: int): void {
         const entry = channels.entryAt(row);
@@ -40,6 +54,12 @@ Item {
         if (channels.entryAt(row) >= 0)
             channelSaved(channels.entryAt(row));
     }
+    function askForMenuOfCurrent(): void {
+        if (list.currentIndex < 0)
+            return;
+        list.positionViewAtIndex(list.currentIndex, ListView.Contain);
+        askForMenu(list.currentIndex, list.currentItem, 56, list.rowHeight);
+    }
     function askForMenu(row: int, item: Item, x: real, y: real): void {
         if (channels.entryAt(row) < 0)
             return;
@@ -49,7 +69,7 @@ Item {
 
     Shortcut {
         sequence: "Ctrl+S"
-        enabled: search.activeFocus || list.activeFocus
+        enabled: search.activeFocus
         onActivated: root.save(list.currentIndex)
     }
 
@@ -61,6 +81,8 @@ Item {
             leftMargin: Theme.spacing * 3; rightMargin: Theme.spacing * 3
         }
         iconName: "search"
+        // With nothing typed it is meant for the list.
+        takesMenuKey: text !== ""
         placeholderText: root.channels.count === 1 ? qsTr("Search 1 channel")
                        : qsTr("Search %Ln channels", "", root.channels.count)
         text: root.channels.filterText
@@ -69,17 +91,10 @@ Item {
         onAccepted: {
             // Enter right after typing means the first match.
             if (list.currentIndex < 0)
-                root.move(1);
+                list.currentIndex = root.channels.firstChannelRow();
             root.activate(list.currentIndex);
         }
-        Keys.onUpPressed: root.move(-1)
-        Keys.onDownPressed: root.move(1)
-        Keys.onPressed: event => {
-            if (event.key === Qt.Key_PageDown || event.key === Qt.Key_PageUp) {
-                root.move((event.key === Qt.Key_PageDown ? 1 : -1) * Math.max(1, Math.floor(list.height / list.rowHeight) - 1));
-                event.accepted = true;
-            }
-        }
+        Keys.onPressed: event => event.accepted = event.accepted || root.steer(event)
         Keys.onEscapePressed: {
             if (text === "")
                 root.dismissed();
@@ -107,19 +122,11 @@ Item {
         reuseItems: true
         highlightFollowsCurrentItem: false
         keyNavigationEnabled: false
-        activeFocusOnTab: true
         boundsBehavior: Flickable.StopAtBounds
         T.ScrollBar.vertical: ScrollBar {}
 
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Channels")
-
-        Keys.onUpPressed: root.move(-1)
-        Keys.onDownPressed: root.move(1)
-        Keys.onReturnPressed: root.activate(currentIndex)
-        Keys.onEnterPressed: root.activate(currentIndex)
-        Keys.onEscapePressed: root.dismissed()
-        Keys.onMenuPressed: if (currentItem) root.askForMenu(currentIndex, currentItem, 56, rowHeight)
 
         Connections {
             target: root.channels
@@ -165,6 +172,10 @@ Item {
                 color: row.down ? Theme.fillPressed
                      : row.ListView.isCurrentItem ? Theme.accentSoft
                      : row.hovered ? Theme.fillHover : "transparent"
+                border {
+                    width: row.ListView.isCurrentItem && search.activeFocus ? 2 : 0
+                    color: Theme.accent
+                }
             }
             contentItem: Item {
                 // On the button itself it would make every mouse button a click.

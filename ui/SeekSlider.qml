@@ -7,12 +7,13 @@ import Lumaro.Ui
 //   from, to, value      the range and the position, in seconds
 //   bufferedEnd          up to where the media is buffered, in seconds
 //   live                 plays at the live edge: no handle until the bar is pointed at
-//   step                 how far an arrow key goes, in seconds
+//   step                 how far an arrow key goes, in seconds; Page Up and Page Down go twelve times
+//                        as far
 //   hovering, hoverValue the pointer is over the bar, and the position it points at
 //   previewText          the text of the bubble over the pointer, normally made from hoverValue
 //   pressed              the user drags
 //   moved(value)         while dragging
-//   committed(value)     at release, and for every arrow key
+//   committed(value)     at release, and for every such key
 Item {
     id: root
 
@@ -62,6 +63,11 @@ Item {
 
     Keys.onLeftPressed: stepTo(shownValue - step)
     Keys.onRightPressed: stepTo(shownValue + step)
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown;
+        if (event.accepted)
+            stepTo(shownValue + (event.key === Qt.Key_PageUp ? 12 : -12) * step);
+    }
 
     MouseArea {
         id: pointer

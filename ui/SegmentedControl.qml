@@ -5,7 +5,8 @@ import QtQuick.Templates as T
 import Lumaro.Ui
 
 // Chooses one of two or three sections. It does not choose by itself: bind `currentIndex` and
-// follow `activated(index)`. The left and right arrows choose, too.
+// follow `activated(index)`. Enter, Return and Space choose the section that has the focus; the left and
+// right arrows choose its neighbour, where the window leaves them to its controls.
 //   model         a list of { text, iconName, shortcutText }
 //   currentIndex  the chosen section
 //   name          what is chosen, for assistive technology
@@ -23,7 +24,6 @@ Item {
 
     implicitWidth: 116 * Math.max(1, count)
     implicitHeight: Theme.controlHeight
-    activeFocusOnTab: true
 
     Accessible.role: Accessible.PageTabList
     Accessible.name: name
@@ -33,9 +33,13 @@ Item {
             return;
         activated(index);
     }
+    function stepTo(index: int): void {
+        choose(index);
+        segments.itemAt(currentIndex)?.forceActiveFocus(Qt.TabFocusReason);
+    }
 
-    Keys.onLeftPressed: choose(currentIndex - 1)
-    Keys.onRightPressed: choose(currentIndex + 1)
+    Keys.onLeftPressed: stepTo(currentIndex - 1)
+    Keys.onRightPressed: stepTo(currentIndex + 1)
 
     Rectangle {
         anchors.fill: parent
@@ -72,9 +76,12 @@ Item {
             width: root.segmentWidth
             height: root.height - 4
             text: segment.modelData.text
-            focusPolicy: Qt.NoFocus
+            focusPolicy: Qt.TabFocus
             hoverEnabled: true
             onClicked: root.choose(index)
+
+            Keys.onReturnPressed: event => { if (!event.isAutoRepeat) segment.clicked(); }
+            Keys.onEnterPressed: event => { if (!event.isAutoRepeat) segment.clicked(); }
 
             Accessible.role: Accessible.PageTab
             Accessible.name: text
@@ -108,8 +115,7 @@ Item {
             background: FocusRing {
                 anchors.margins: -1
                 around: Theme.radius - 4
-                // A click gives no focus, so this one came from the keyboard.
-                visible: segment.isCurrent && root.activeFocus
+                visible: segment.visualFocus
             }
         }
     }

@@ -3,7 +3,8 @@ import QtQuick.Templates as T
 import Lumaro.Ui
 
 // A horizontal slider for a level such as the volume. The arrow keys and the wheel move it by
-// `stepSize`; the value may be bound, dragging does not break the binding.
+// `stepSize`, Page Up and Page Down by four of them; the value may be bound, dragging does not break the
+// binding.
 //   from, to, value, stepSize   as usual; moved() is emitted while the user changes the value
 //   onOverlay                   lies over the picture
 //   shortcutText                its keys, shown with its accessible name in the tool tip
@@ -27,14 +28,21 @@ T.Slider {
     onHoveredChanged: hovered ? ToolTips.show(control, Accessible.name, shortcutText) : ToolTips.hide(control)
     onPressedChanged: if (pressed) ToolTips.hide(control)
 
-    Accessible.onIncreaseAction: {
-        increase();
+    function moveBy(steps: int): void {
+        // Assigning the value would end a binding.
+        for (let i = 0; i < Math.abs(steps); ++i)
+            steps > 0 ? increase() : decrease();
         moved();
     }
-    Accessible.onDecreaseAction: {
-        decrease();
-        moved();
+
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown;
+        if (event.accepted)
+            moveBy(event.key === Qt.Key_PageUp ? 4 : -4);
     }
+
+    Accessible.onIncreaseAction: moveBy(1)
+    Accessible.onDecreaseAction: moveBy(-1)
 
     background: Item {
         Rectangle {

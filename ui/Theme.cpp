@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QFont>
 #include <QGuiApplication>
+#include <QQmlEngine>
 
 #include <algorithm>
 
@@ -18,7 +19,13 @@ Theme::Theme(QObject *parent)
 namespace {
 
 // Of all windows, since they are made of the same desktop.
-double textScale = 1;
+double fontScale = 1;
+double desktopTextScale = 1;
+
+double textScale()
+{
+    return std::clamp(fontScale * desktopTextScale, 1.0, 2.0);
+}
 
 } // namespace
 
@@ -27,18 +34,51 @@ void Theme::followFont(const QFont &desktop)
     constexpr double pixelsPerPoint = 96.0 / 72;
     const double size =
         desktop.pixelSize() > 0 ? desktop.pixelSize() : desktop.pointSizeF() * pixelsPerPoint;
-    textScale = std::clamp(size / (10 * pixelsPerPoint), 1.0, 2.0);
+    fontScale = size / (10 * pixelsPerPoint);
+}
+
+void Theme::setDesktopTextScale(double scale)
+{
+    const double before = textScale();
+    desktopTextScale = scale;
+    if (textScale() == before)
+        return;
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(fontBody());
+    QGuiApplication::setFont(font);
+    m_roomFor = {};
+    Q_EMIT textScaleChanged();
 }
 
 int Theme::fontSize(int designed)
 {
-    return qRound(designed * textScale);
+    return qRound(designed * textScale());
 }
+
+namespace {
+
+double extraRoom(int lines, int fontGrowth)
+{
+    constexpr double lineHeight = 1.3;
+    return lines * lineHeight * fontGrowth;
+}
+
+} // namespace
 
 int Theme::roomFor(int height, int lines)
 {
-    constexpr double lineHeight = 1.3;
-    return height + qRound(lines * lineHeight * (fontBody() - standardFontSize));
+    return height + qRound(extraRoom(lines, fontBody() - standardFontSize));
+}
+
+QJSValue Theme::roomForNow()
+{
+    QJSEngine *const engine = qmlEngine(this);
+    if (m_roomFor.isUndefined() && engine) {
+        const QString function =
+            QStringLiteral("(height, lines) => height + Math.round(lines * %1)");
+        m_roomFor = engine->evaluate(function.arg(extraRoom(1, fontBody() - standardFontSize)));
+    }
+    return m_roomFor;
 }
 
 QString Theme::fontFamily() const

@@ -3,6 +3,7 @@
 #include "ui/ThemeChoice.h"
 #include "ui/ThemeColors.h"
 
+#include <QJSValue>
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -11,8 +12,9 @@ namespace lumaro {
 /// What all controls agree on: colours, sizes of type, the 4-pixel grid, radii and durations.
 /// Follows the desktop between dark and light while the application runs; the environment variable
 /// `LUMARO_THEME` (`dark` or `light`) overrules the desktop. Main thread. Lengths are in
-/// device-independent pixels, durations in milliseconds. Type grows with the desktop's font; it
-/// does not shrink, because small type is no smaller than can be read.
+/// device-independent pixels, durations in milliseconds. Type grows with the desktop's font and
+/// with what the desktop asks for beside it; it does not shrink, because small type is no smaller
+/// than can be read.
 class Theme : public QObject
 {
     Q_OBJECT
@@ -49,13 +51,15 @@ class Theme : public QObject
 
     /// For the few items that would take the desktop's font instead of the application's.
     Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT FINAL)
-    Q_PROPERTY(int fontSmall READ fontSmall CONSTANT FINAL)
-    Q_PROPERTY(int fontBody READ fontBody CONSTANT FINAL)
-    Q_PROPERTY(int fontTitle READ fontTitle CONSTANT FINAL)
-    Q_PROPERTY(int fontHeading READ fontHeading CONSTANT FINAL)
+    Q_PROPERTY(int fontSmall READ fontSmall NOTIFY textScaleChanged FINAL)
+    Q_PROPERTY(int fontBody READ fontBody NOTIFY textScaleChanged FINAL)
+    Q_PROPERTY(int fontTitle READ fontTitle NOTIFY textScaleChanged FINAL)
+    Q_PROPERTY(int fontHeading READ fontHeading NOTIFY textScaleChanged FINAL)
+    /// roomFor() as a function that is another one for other type, so that bindings with it follow.
+    Q_PROPERTY(QJSValue roomFor READ roomForNow NOTIFY textScaleChanged FINAL)
 
     Q_PROPERTY(int spacing MEMBER spacing CONSTANT FINAL)
-    Q_PROPERTY(int controlHeight READ controlHeight CONSTANT FINAL)
+    Q_PROPERTY(int controlHeight READ controlHeight NOTIFY textScaleChanged FINAL)
     Q_PROPERTY(int iconSize MEMBER iconSize CONSTANT FINAL)
     Q_PROPERTY(int radiusSmall MEMBER radiusSmall CONSTANT FINAL)
     Q_PROPERTY(int radius MEMBER radius CONSTANT FINAL)
@@ -116,15 +120,20 @@ public:
 
     /// What a height that is right for so many lines of type as designed must be for the type that
     /// there is.
-    Q_INVOKABLE static int roomFor(int height, int lines);
+    static int roomFor(int height, int lines);
+    QJSValue roomForNow();
     /// Makes type as much larger as designed as `desktop` is larger than 10 points, twice at most.
     /// To be called before the first view is made.
     static void followFont(const QFont &desktop);
+    /// Makes it larger still by this factor, but not more than twice in all; the application's font
+    /// too.
+    void setDesktopTextScale(double scale);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
     void changed();
+    void textScaleChanged();
 
 private:
     static constexpr int standardFontSize = 13;
@@ -133,6 +142,8 @@ private:
     void followDesktop();
     void apply(ThemeChoice choice);
 
+    /// Made when first asked for.
+    QJSValue m_roomFor;
     std::optional<ThemeChoice> m_desktopChoice;
     ThemeChoice m_choice = ThemeChoice::Dark;
     ThemeColors m_colors = ThemeColors::dark();

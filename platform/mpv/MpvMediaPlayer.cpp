@@ -33,6 +33,7 @@ constexpr ObservedProperty observedProperties[] = {
     {Topic::Width, "dwidth", MPV_FORMAT_INT64},
     {Topic::Height, "dheight", MPV_FORMAT_INT64},
     {Topic::Rotation, "video-params/rotate", MPV_FORMAT_INT64},
+    {Topic::Cover, "current-tracks/video/albumart", MPV_FORMAT_FLAG},
 };
 
 /// Request identifiers carry the topic in the low byte and the item's number above it.
@@ -591,9 +592,11 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
     }
     case Topic::EofReached:
         if (flagOf(property) && !m_state.pendingSeek) {
-            m_state.ended = true;
+            const bool hadEnded = std::exchange(m_state.ended, true);
             pause();
             requestTime();
+            if (!hadEnded)
+                Q_EMIT itemEnded();
         }
         break;
     case Topic::Width:
@@ -604,6 +607,10 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
         break;
     case Topic::Rotation:
         m_rotation = int(valueOf<int64_t>(property).value_or(0));
+        break;
+    case Topic::Cover:
+        m_state.showsCover = flagOf(property);
+        notifyTimeObserver();
         break;
     default:
         break;

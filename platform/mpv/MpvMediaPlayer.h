@@ -27,6 +27,7 @@ enum class MpvTopic : quint64 {
     Width,
     Height,
     Rotation,
+    Cover,
 };
 
 /// libmpv as the media player. Its picture appears in an MpvVideoItem; an item is opened as soon
@@ -73,6 +74,7 @@ public:
     std::optional<double> duration() const override;
     std::optional<TimeRange> seekableRange() const override;
     QSize presentationSize() const override { return m_pictureSize; }
+    bool showsCover() const override { return m_state.showsCover; }
 
     void seek(double seconds) override;
     void setVolume(double gain) override;
@@ -103,6 +105,7 @@ private:
         bool failed = false;
         bool loaded = false;
         bool started = false;
+        bool showsCover = false;
 
         bool canSeekEverywhere() const { return seekable && !onlyCacheSeekable; }
     };

@@ -51,6 +51,9 @@ private Q_SLOTS:
     void opensWhatItIsGiven_data();
     void opensWhatItIsGiven();
     void dropsPreferFiles();
+    void opensSeveral_data();
+    void opensSeveral();
+    void filesOpenedTogetherFollowEachOther();
     void playsAChannel();
     void onlyOwnPlaylistsOpenFiles();
 
@@ -247,7 +250,7 @@ void MainWindowModelTest::opensWhatItIsGiven()
         file.write(content);
     }
 
-    m_world->shell.open(argument, folder.path());
+    m_world->shell.open({argument}, folder.path());
 
     PlayerModel &player = m_world->player;
     QString outcome = player.errorMessage();
@@ -267,6 +270,87 @@ void MainWindowModelTest::dropsPreferFiles()
     QVERIFY(m_world->shell.openDropped({QUrl(u"https://h/b.mp4"_s)}, {}));
     QVERIFY(!m_world->player.isLiveStream());
     QVERIFY(!m_world->shell.openDropped({}, u" \n"_s));
+}
+
+void MainWindowModelTest::opensSeveral_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("list");
+    QTest::addColumn<QString>("opened");
+    QTest::addColumn<QString>("toast");
+    const QString web = u"http://h/c.mp4"_s;
+    QTest::newRow("files") << QStringList{u"a.mp4"_s, u"/films/b.mkv"_s}
+                           << QStringList{u"a.mp4"_s, u"b.mkv"_s} << u"file:///home/a.mp4"_s
+                           << QString();
+    QTest::newRow("one of them is none") << QStringList{u"a.mp4"_s, web, u"list.m3u"_s, u"b.mkv"_s}
+                                         << QStringList{u"a.mp4"_s, u"b.mkv"_s}
+                                         << u"file:///home/a.mp4"_s << u"Opened 2 of 4 items."_s;
+    QTest::newRow("one file") << QStringList{u"a.mp4"_s, web} << QStringList()
+                              << u"file:///home/a.mp4"_s << u"Opened 1 of 2 items."_s;
+    QTest::newRow("an address in brackets")
+        << QStringList{u"a.mp4"_s, u"<http://h/c.mp4>"_s} << QStringList()
+        << u"file:///home/a.mp4"_s << u"Opened 1 of 2 items."_s;
+    QTest::newRow("an address first") << QStringList{web, u"a.mp4"_s, u"b.mkv"_s} << QStringList()
+                                      << web << u"Opened 1 of 3 items."_s;
+    QTest::newRow("a channel list first")
+        << QStringList{u"list.m3u"_s, u"a.mp4"_s, u"b.mkv"_s} << QStringList() << QString()
+        << u"Opened 1 of 3 items."_s;
+}
+
+void MainWindowModelTest::opensSeveral()
+{
+    QFETCH(const QStringList, arguments);
+    QFETCH(const QStringList, list);
+    QFETCH(const QString, opened);
+    QFETCH(const QString, toast);
+    QList<QUrl> urls;
+    for (const QString &argument : arguments)
+        urls.append(argument.startsWith(u'<')
+                        ? QUrl(argument)
+                        : QUrl::fromUserInput(argument, u"/home"_s, QUrl::AssumeLocalFile));
+    for (const bool isDropped : {false, true}) {
+        m_world = std::make_unique<ShellWorld>();
+        if (isDropped)
+            QVERIFY(m_world->shell.openDropped(urls, {}));
+        else
+            m_world->shell.open(arguments, u"/home"_s);
+        QStringList names;
+        for (qsizetype i = 0; i < m_world->player.playlist().size(); ++i)
+            names.append(m_world->player.playlist().name(i).toString());
+        QCOMPARE(names, list);
+        QCOMPARE(m_world->player.currentURL(), QUrl(opened));
+        QCOMPARE(m_world->shell.currentChannel(), list.isEmpty() ? -1 : 0);
+        QCOMPARE(m_world->player.toastMessage(), toast);
+        QCOMPARE(m_world->player.isLoading(), opened.isEmpty());
+    }
+}
+
+void MainWindowModelTest::filesOpenedTogetherFollowEachOther()
+{
+    PlayerModel &player = m_world->player;
+    const auto end = [this] { Q_EMIT m_world->mediaPlayer.itemEnded(); };
+    // A list that still loads does not take their place.
+    const QUrl list(u"http://h/list.m3u"_s);
+    player.openRemote(list.toString(), {});
+    m_world->shell.open({u"/a.mp4"_s, u"/b.mp4"_s}, {});
+    QVERIFY(!player.isLoading());
+    end();
+    QCOMPARE(player.title(), u"b.mp4"_s);
+    QVERIFY(player.isPlaying());
+    end();
+    QCOMPARE(player.title(), u"b.mp4"_s);
+    // Something else that was opened is not one of them.
+    player.playFile(QUrl(u"file:///c.mp4"_s));
+    end();
+    QCOMPARE(player.title(), u"c.mp4"_s);
+
+    // Channels wait for the user.
+    player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200, "#EXTINF:-1,One\na.ts\n#EXTINF:-1,Two\nb.ts\n");
+    m_world->scheduler.runBackground();
+    m_world->shell.playChannel(0);
+    end();
+    QCOMPARE(player.title(), u"One"_s);
 }
 
 void MainWindowModelTest::playsAChannel()
@@ -337,6 +421,9 @@ void MainWindowModelTest::remembersTheSidebar()
 {
     QVERIFY(m_world->shell.sidebarVisible());
     m_world->shell.setSidebarVisible(false);
+    // A slow disk holds nothing up.
+    QCOMPARE(m_world->defaults.writes, 0);
+    m_world->scheduler.runBackground();
     const MainWindowModel next(m_world->player, m_world->mediaPlayer, m_world->scheduler,
                                m_world->notifications, m_world->defaults);
     QVERIFY(!next.sidebarVisible());
@@ -353,9 +440,11 @@ void MainWindowModelTest::remembersTheDisplayMode()
     for (const PortraitDisplayMode mode :
          {PortraitDisplayMode::rotate, PortraitDisplayMode::smart, PortraitDisplayMode::normal}) {
         m_world->shell.setDisplayMode(mode);
+        m_world->scheduler.runBackground();
         QCOMPARE(next(), mode);
     }
     m_world->shell.setDisplayMode(PortraitDisplayMode::fill);
+    m_world->scheduler.runBackground();
     for (QByteArray &value : m_world->defaults.values)
         value = "nonsense";
     QCOMPARE(next(), PortraitDisplayMode::normal);

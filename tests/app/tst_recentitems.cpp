@@ -39,6 +39,8 @@ private Q_SLOTS:
     void readsWhateverIsStored_data();
     void readsWhateverIsStored();
     void tellsNamesakesApart();
+    void showsNoPasswords_data();
+    void showsNoPasswords();
     void opensAgain();
     void asksAboutMissingFiles();
     void clears();
@@ -187,6 +189,25 @@ void RecentItemsTest::tellsNamesakesApart()
     QCOMPARE(titles,
              QStringList({u"A name"_s, u"http://h/a b.php?…"_s, u"other .mp4"_s, u"film.mp4 — /b"_s,
                           u"film.mp4 — /a"_s}));
+}
+
+void RecentItemsTest::showsNoPasswords_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("plain") << u"http://h:8080/a%20b.m3u8"_s << u"http://h:8080/a b.m3u8"_s;
+    QTest::newRow("no path") << u"https://h"_s << u"https://h/"_s;
+    QTest::newRow("user") << u"https://me:secret@h/a.mp4"_s << u"https://h/a.mp4"_s;
+    QTest::newRow("query") << u"http://h/get.php?password=secret"_s << u"http://h/get.php?…"_s;
+    QTest::newRow("folders") << u"http://h/live/me/secret/7.m3u8"_s << u"http://h/…/7.m3u8"_s;
+    QTest::newRow("folder at the end") << u"http://h/me/secret/"_s << u"http://h/…/"_s;
+    QTest::newRow("fragment") << u"http://h/a.mp4#secret"_s << u"http://h/a.mp4"_s;
+}
+
+void RecentItemsTest::showsNoPasswords()
+{
+    QFETCH(const QString, address);
+    QTEST(recent().title({QUrl(address), {}}), "title");
 }
 
 void RecentItemsTest::opensAgain()

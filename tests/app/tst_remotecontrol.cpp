@@ -77,6 +77,7 @@ private Q_SLOTS:
 
     void tellsWhatPlays();
     void tellsMuchAsOnePieceOfNews();
+    void keepsNamesAndPasswords_data();
     void keepsNamesAndPasswords();
     void keepsLongTextsShort();
     void eachOpeningIsAnotherTrack();
@@ -92,7 +93,9 @@ private Q_SLOTS:
     void takesSaneVolumes_data();
     void takesSaneVolumes();
     void changesChannels();
+    void passesOverWhatMayNotBeOpened();
     void seekingPastTheEndGoesToTheNextChannel();
+    void cannotPlayWhatIsForgotten();
     void opensWhatCanBeOpened_data();
     void opensWhatCanBeOpened();
     void opensFiles();
@@ -153,16 +156,29 @@ void RemoteControlTest::tellsMuchAsOnePieceOfNews()
     QCOMPARE(m_world->controls.states.size(), before + 1);
 }
 
+void RemoteControlTest::keepsNamesAndPasswords_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QString>("told");
+    QTest::newRow("user") << u"http://me:secret@h/a.mp4"_s << u"http://h"_s;
+    QTest::newRow("query") << u"https://h:8443/a.m3u8?token=secret"_s << u"https://h:8443"_s;
+    QTest::newRow("path") << u"http://h/live/me/secret/1.ts"_s << u"http://h"_s;
+    QTest::newRow("fragment") << u"http://h/#secret"_s << u"http://h"_s;
+    QTest::newRow("file") << u"file:///films/a%20film.mp4"_s << u"file:///films/a%20film.mp4"_s;
+}
+
 void RemoteControlTest::keepsNamesAndPasswords()
 {
-    m_world->player.openRemote(u"http://me:secret@h/a.mp4"_s, {});
-    QCOMPARE(m_world->state().url, QUrl(u"http://h/a.mp4"_s));
+    QFETCH(const QString, address);
+    QFETCH(const QString, told);
+    m_world->player.play(QUrl(address), u"News"_s, false);
+    QCOMPARE(m_world->state().url, QUrl(told));
 }
 
 void RemoteControlTest::keepsLongTextsShort()
 {
     const QString long_ = QString(1'000'000, u'a');
-    m_world->player.play(QUrl(u"http://h/"_s + long_), long_, false);
+    m_world->player.play(QUrl(u"file:///"_s + long_), long_, false);
     QCOMPARE(m_world->state().title.size(), RemoteControl::maximumTitleLength);
     QCOMPARE(m_world->state().url, QUrl());
 }
@@ -356,6 +372,35 @@ void RemoteControlTest::changesChannels()
     QCOMPARE(m_world->player.title(), u"Two"_s);
     m_world->player.playFile(film);
     QVERIFY(!m_world->state().canGoNext);
+}
+
+void RemoteControlTest::passesOverWhatMayNotBeOpened()
+{
+    const QUrl list(u"http://h/list.m3u"_s);
+    m_world->player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200,
+                          "#EXTM3U\n#EXTINF:-1,One\nhttp://h/1\n#EXTINF:-1,File\nfile:///2\n"
+                          "#EXTINF:-1,Three\nhttp://h/3\n#EXTINF:-1,File\nfile:///4\n");
+    m_world->scheduler.runBackground();
+    m_world->shell.playChannel(0);
+    commands().next();
+    QCOMPARE(m_world->player.title(), u"Three"_s);
+    QVERIFY(!m_world->state().canGoNext);
+    QVERIFY(m_world->state().canGoPrevious);
+    commands().next();
+    QCOMPARE(m_world->player.title(), u"Three"_s);
+    QCOMPARE(m_world->player.toastMessage(), QString());
+    commands().previous();
+    QCOMPARE(m_world->player.title(), u"One"_s);
+}
+
+void RemoteControlTest::cannotPlayWhatIsForgotten()
+{
+    m_world->player.openRemote(u"http://h/live.m3u8"_s, {});
+    m_world->player.stop();
+    QVERIFY(m_world->state().canPlay);
+    m_world->player.clearNetworkStream();
+    QVERIFY(!m_world->state().canPlay);
 }
 
 void RemoteControlTest::seekingPastTheEndGoesToTheNextChannel()

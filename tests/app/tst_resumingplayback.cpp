@@ -14,7 +14,7 @@ struct World : ShellWorld
 {
     ResumePositions positions{defaults, scheduler};
     std::unique_ptr<ResumingPlayback> resuming =
-        std::make_unique<ResumingPlayback>(player, mediaPlayer, positions);
+        std::make_unique<ResumingPlayback>(player, mediaPlayer, positions, scheduler);
     QTemporaryDir folder;
 
     QUrl file(const QString &name, const QByteArray &content = "x")
@@ -28,6 +28,7 @@ struct World : ShellWorld
     {
         mediaPlayer.log.clear();
         player.playFile(url);
+        scheduler.runBackground();
         playing(0, std::nullopt);
         Q_EMIT mediaPlayer.itemStarted();
     }
@@ -57,6 +58,10 @@ private Q_SLOTS:
     void streamsBeginAnew();
     void filesThatNeverBeganKeepTheirPlace();
     void storesOnTheWay();
+    void slowFoldersHoldNothingUp_data();
+    void slowFoldersHoldNothingUp();
+    void answersOfWhatIsGoneDoNotMatter();
+    void forgetsWhatPlays();
 
 private:
     std::unique_ptr<World> m_world;
@@ -173,6 +178,7 @@ void ResumingPlaybackTest::filesThatNeverBeganKeepTheirPlace()
     const QUrl film = m_world->file(u"film.mp4"_s);
     m_world->positions.remember(*FileIdentity::of(film), 754);
     m_world->player.playFile(film);
+    m_world->scheduler.runBackground();
     m_world->playing(0, std::nullopt);
     m_world->player.stop();
     QCOMPARE(m_world->left(film), std::optional(754.0));
@@ -187,6 +193,69 @@ void ResumingPlaybackTest::storesOnTheWay()
     m_world->scheduler.runBackground();
     QVERIFY(m_world->left(film).value_or(0) >= 600 - ResumingPlayback::storeInterval);
     QVERIFY2(m_world->defaults.writes <= 12, "wrote too often");
+}
+
+void ResumingPlaybackTest::slowFoldersHoldNothingUp_data()
+{
+    QTest::addColumn<double>("position");
+    QTest::addColumn<QStringList>("seeks");
+    QTest::newRow("before the first picture") << -1.0 << QStringList{u"seek 754"_s};
+    QTest::newRow("just begun") << 2.0 << QStringList{u"seek 754"_s};
+    QTest::newRow("seen for a while") << 31.0 << QStringList();
+}
+
+void ResumingPlaybackTest::slowFoldersHoldNothingUp()
+{
+    QFETCH(const double, position);
+    QFETCH(const QStringList, seeks);
+    const QUrl film = m_world->file(u"film.mp4"_s);
+    m_world->positions.remember(*FileIdentity::of(film), 754);
+    m_world->scheduler.runBackground();
+    m_world->player.playFile(film);
+    QCOMPARE(m_world->mediaPlayer.log.filter(u"load"_s).size(), 1);
+    if (position >= 0) {
+        Q_EMIT m_world->mediaPlayer.itemStarted();
+        m_world->playing(position, 3600);
+    }
+    QCOMPARE(m_world->seeks(), QStringList());
+    m_world->scheduler.runBackground();
+    QCOMPARE(m_world->seeks(), seeks);
+    if (position < 0)
+        Q_EMIT m_world->mediaPlayer.itemStarted();
+    QCOMPARE(m_world->player.toastMessage().startsWith(u"Resumed"_s), !seeks.isEmpty());
+}
+
+void ResumingPlaybackTest::answersOfWhatIsGoneDoNotMatter()
+{
+    const QUrl film = m_world->file(u"film.mp4"_s);
+    m_world->positions.remember(*FileIdentity::of(film), 754);
+    m_world->player.playFile(film);
+    m_world->player.openRemote(u"http://h/live.m3u8"_s, {});
+    Q_EMIT m_world->mediaPlayer.itemStarted();
+    m_world->scheduler.runBackground();
+    m_world->playing(40, 3600);
+    m_world->player.stop();
+    QCOMPARE(m_world->seeks(), QStringList());
+    QCOMPARE(m_world->left(film), std::optional(754.0));
+    m_world->player.playFile(film);
+    m_world->resuming.reset();
+}
+
+void ResumingPlaybackTest::forgetsWhatPlays()
+{
+    const QUrl film = m_world->file(u"film.mp4"_s);
+    m_world->open(film);
+    m_world->playing(754, 3600);
+    m_world->resuming->forget();
+    m_world->positions.clear();
+    m_world->playing(900, 3600);
+    m_world->player.stop();
+    QCOMPARE(m_world->left(film), std::nullopt);
+    // It is about this once only.
+    m_world->open(film);
+    m_world->playing(900, 3600);
+    m_world->player.stop();
+    QCOMPARE(m_world->left(film), std::optional(900.0));
 }
 
 QTEST_GUILESS_MAIN(ResumingPlaybackTest)

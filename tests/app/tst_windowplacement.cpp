@@ -98,6 +98,10 @@ void WindowPlacementTest::staysWhereAScreenIs_data()
         << QRect(1000, 200, 900, 600) << both << QRect(1280, 200, 900, 600);
     QTest::newRow("above the screen")
         << QRect(100, -500, 900, 600) << both << QRect(100, bar, 900, 600);
+    QTest::newRow("its title bar above the screen")
+        << QRect(0, 0, 900, 600) << both << QRect(0, bar, 900, 600);
+    QTest::newRow("fills the screen, and has no title bar")
+        << first << both << QRect(0, bar, 1280, 800 - bar);
     QTest::newRow("larger than the screen")
         << QRect(0, 0, 4000, 3000) << QList{first} << QRect(0, bar, 1280, 800 - bar);
     QTest::newRow("far away") << QRect(900'000, 900'000, 900, 600) << QList{first}

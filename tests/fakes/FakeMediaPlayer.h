@@ -74,6 +74,7 @@ public:
         return !seekable && length ? TimeRange{0, *length} : seekable;
     }
     QSize presentationSize() const override { return pictureSize; }
+    bool showsCover() const override { return pictureIsCover; }
 
     void seek(double seconds) override { log.append(QStringLiteral("seek %1").arg(seconds)); }
     void setVolume(double gain) override { log.append(QStringLiteral("volume %1").arg(gain)); }
@@ -114,6 +115,7 @@ public:
     /// Without it the whole length.
     std::optional<TimeRange> seekable;
     QSize pictureSize;
+    bool pictureIsCover = false;
     /// The one added last, while anybody keeps it.
     std::weak_ptr<FakeVideoOutput> videoOutput;
     std::chrono::milliseconds observerInterval{};

@@ -15,6 +15,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <limits>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -85,13 +87,20 @@ public:
     {
     }
     QVariant scheme = 0U;
+    QVariant textScale = 1.0;
 
 public Q_SLOTS:
     QDBusVariant Read(const QString &space, const QString &key)
     {
-        const bool isKnown = space == u"org.freedesktop.appearance" && key == u"color-scheme";
         // The portal wraps its answer twice.
-        return QDBusVariant(isKnown ? QVariant::fromValue(QDBusVariant(scheme)) : QVariant(u"?"_s));
+        const auto answer = [](const QVariant &value) {
+            return QDBusVariant(QVariant::fromValue(QDBusVariant(value)));
+        };
+        if (space == u"org.freedesktop.appearance" && key == u"color-scheme")
+            return answer(scheme);
+        if (space == u"org.gnome.desktop.interface" && key == u"text-scaling-factor")
+            return answer(textScale);
+        return QDBusVariant(u"?"_s);
     }
 
 Q_SIGNALS:
@@ -220,6 +229,8 @@ private Q_SLOTS:
 
     void followsTheColorScheme_data();
     void followsTheColorScheme();
+    void followsTheSizeOfText_data();
+    void followsTheSizeOfText();
     void noPortalIsNoPreference();
 
     void playerIsThereWhileSomebodyObeys();
@@ -399,12 +410,50 @@ void BusTest::followsTheColorScheme()
     QVERIFY(becomesTrue([&] { return appearance.colorScheme() == scheme; }));
 }
 
+void BusTest::followsTheSizeOfText_data()
+{
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<double>("scale");
+    QTest::newRow("as designed") << QVariant(1.0) << 1.0;
+    QTest::newRow("larger") << QVariant(1.25) << 1.25;
+    QTest::newRow("smaller") << QVariant(0.75) << 0.75;
+    QTest::newRow("vast") << QVariant(1e300) << 3.0;
+    QTest::newRow("none") << QVariant(0.0) << 0.5;
+    QTest::newRow("no number") << QVariant(std::numeric_limits<double>::quiet_NaN()) << 1.0;
+    QTest::newRow("text") << QVariant(u"2"_s) << 1.0;
+    QTest::newRow("whole number") << QVariant(2U) << 1.0;
+}
+
+void BusTest::followsTheSizeOfText()
+{
+    QFETCH(const QVariant, value);
+    QFETCH(const double, scale);
+    QObject desktop;
+    auto *const portal = new SettingsPortal(&desktop);
+    portal->textScale = value;
+    QVERIFY(m_peer->offer(u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
+                          &desktop, QDBusConnection::ExportAdaptors));
+    const PortalAppearance appearance;
+    const QSignalSpy changes(&appearance, &DesktopAppearance::textScaleChanged);
+    QVERIFY(becomesTrue([&] { return appearance.textScale() == scale; }));
+    const QString space = u"org.gnome.desktop.interface"_s;
+    const QString key = u"text-scaling-factor"_s;
+    portal->textScale = 1.5;
+    Q_EMIT portal->SettingChanged(space, key, QDBusVariant(1.5));
+    QVERIFY(becomesTrue([&] { return appearance.textScale() == 1.5; }));
+    Q_EMIT portal->SettingChanged(space, u"cursor-size"_s, QDBusVariant(24.0));
+    Q_EMIT portal->SettingChanged(space, key, QDBusVariant(value));
+    QVERIFY(becomesTrue([&] { return appearance.textScale() == scale; }));
+    QCOMPARE(changes.count(), scale == 1 ? 2 : 3);
+}
+
 void BusTest::noPortalIsNoPreference()
 {
     const PortalAppearance appearance;
     const QSignalSpy changes(&appearance, &DesktopAppearance::colorSchemeChanged);
     roundTrip();
     QCOMPARE(changes.count(), 0);
+    QCOMPARE(appearance.textScale(), 1);
 }
 
 // The player

@@ -1,5 +1,7 @@
 #include "player/MediaSources.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,6 +25,8 @@ private Q_SLOTS:
     void buildsEmbedAddress();
     void readsLastPathComponent_data();
     void readsLastPathComponent();
+    void desktopsAreToldTheSameTypes_data();
+    void desktopsAreToldTheSameTypes();
 };
 
 void MediaSourcesTest::normalizesTypedAddress_data()
@@ -169,6 +173,28 @@ void MediaSourcesTest::readsLastPathComponent()
 {
     QFETCH(const QString, address);
     QTEST(lastPathComponent(QUrl(address)), "name");
+}
+
+void MediaSourcesTest::desktopsAreToldTheSameTypes_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("type"); // captures one
+    QTest::newRow("launcher") << u"lumaro.desktop"_s << u"(?:^MimeType=|\\G(?!^))([^;\\n]+);"_s;
+    QTest::newRow("software centre")
+        << u"app.lumaro.Lumaro.metainfo.xml.in"_s << u"<mediatype>(.*)</mediatype>"_s;
+}
+
+void MediaSourcesTest::desktopsAreToldTheSameTypes()
+{
+    QFETCH(const QString, file);
+    QFETCH(const QString, type);
+    QFile told(QStringLiteral(LUMARO_PACKAGING "/") + file);
+    QVERIFY(told.open(QIODevice::ReadOnly));
+    const QRegularExpression pattern(type, QRegularExpression::MultilineOption);
+    QStringList types;
+    for (const auto &match : pattern.globalMatch(QString::fromUtf8(told.readAll())))
+        types.append(match.captured(1));
+    QCOMPARE(types, supportedMimeTypes());
 }
 
 QTEST_GUILESS_MAIN(MediaSourcesTest)

@@ -123,6 +123,10 @@ void ResumePositionsTest::readsWhateverIsStored_data()
         << QByteArray(R"([{"path":"/films/1.mp4","size":1000000000001,"modified":1700000000000,
                            "seconds":-5}])")
         << false;
+    QTest::newRow("a time that no film has")
+        << QByteArray(R"([{"path":"/films/1.mp4","size":1000000000001,"modified":1700000000000,
+                           "seconds":1e300}])")
+        << false;
 }
 
 void ResumePositionsTest::readsWhateverIsStored()

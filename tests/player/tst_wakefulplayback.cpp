@@ -31,6 +31,7 @@ class WakefulPlaybackTest : public QObject
 private Q_SLOTS:
     void wakesWhileAPicturePlays();
     void soundAloneWakesNobody();
+    void coversWakeNobody();
     void sitesPlayersCount();
     void sleepsAfterwards_data();
     void sleepsAfterwards();
@@ -57,6 +58,23 @@ void WakefulPlaybackTest::soundAloneWakesNobody()
     world.play(false);
     QVERIFY(world.model.isPlaying());
     QCOMPARE(world.screen.requests, 0);
+}
+
+void WakefulPlaybackTest::coversWakeNobody()
+{
+    World world;
+    world.player.pictureIsCover = true;
+    world.play(true);
+    QCOMPARE(world.model.videoAspectRatio(), 1280. / 720);
+    QCOMPARE(world.screen.requests, 0);
+    // Nor is the next film taken for one.
+    world.player.pictureIsCover = false;
+    world.play(true);
+    QVERIFY(world.screen.isAwake);
+    // What plays may turn out to be one.
+    world.player.pictureIsCover = true;
+    world.player.tick();
+    QVERIFY(!world.screen.isAwake);
 }
 
 void WakefulPlaybackTest::sitesPlayersCount()

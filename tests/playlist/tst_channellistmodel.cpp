@@ -89,8 +89,9 @@ private Q_SLOTS:
     void forgetsFoldsWithTheList();
     void marksCurrentChannel();
     void marksHiddenChannel();
-    void walksChannelsOverHeaders_data();
-    void walksChannelsOverHeaders();
+    void walksRows_data();
+    void walksRows();
+    void findsTheFirstChannel();
     void showsWebLogosOnly_data();
     void showsWebLogosOnly();
     void standsInForLogo_data();
@@ -309,28 +310,56 @@ void ChannelListModelTest::marksHiddenChannel()
     QCOMPARE(world.rows()[2], u"Two*"_s);
 }
 
-void ChannelListModelTest::walksChannelsOverHeaders_data()
+void ChannelListModelTest::walksRows_data()
 {
+    QTest::addColumn<QString>("search");
     QTest::addColumn<int>("row");
     QTest::addColumn<int>("step");
-    QTest::addColumn<int>("channel");
-    constexpr int huge = std::numeric_limits<int>::max();
-    QTest::newRow("at a channel") << 2 << 1 << 2;
-    QTest::newRow("down over a header") << 3 << 1 << 4;
-    QTest::newRow("up over a header") << 3 << -1 << 2;
-    QTest::newRow("above the first") << 0 << -1 << -1;
-    QTest::newRow("below the last") << 8 << 1 << -1;
-    QTest::newRow("outside") << -1 << 1 << -1;
-    QTest::newRow("no step") << 3 << 0 << -1;
-    QTest::newRow("huge step") << 3 << huge << -1;
-    QTest::newRow("huge row") << huge << 1 << -1;
+    QTest::addColumn<int>("found");
+    const int most = std::numeric_limits<int>::max();
+    const int least = std::numeric_limits<int>::min();
+    QTest::newRow("onto a header") << QString() << 2 << 1 << 3;
+    QTest::newRow("off a header") << QString() << 3 << 1 << 4;
+    QTest::newRow("up onto a header") << QString() << 4 << -1 << 3;
+    QTest::newRow("begins at the top") << QString() << -1 << 1 << 0;
+    QTest::newRow("begins at the bottom") << QString() << -1 << -1 << 7;
+    QTest::newRow("a page") << QString() << 1 << 5 << 6;
+    QTest::newRow("a page is too long") << QString() << 5 << 5 << 7;
+    QTest::newRow("a page up is too long") << QString() << 3 << -5 << 0;
+    QTest::newRow("to the end") << QString() << 3 << most << 7;
+    QTest::newRow("to the beginning") << QString() << 3 << least << 0;
+    QTest::newRow("stays at the end") << QString() << 7 << 1 << 7;
+    QTest::newRow("outside") << QString() << most << most << 7;
+    // Every name or category has an o.
+    QTest::newRow("search: over a header") << u"o"_s << 2 << 1 << 4;
+    QTest::newRow("search: up over a header") << u"o"_s << 4 << -1 << 2;
+    QTest::newRow("search: begins at a channel") << u"o"_s << -1 << 1 << 1;
+    QTest::newRow("search: the first stays") << u"o"_s << 1 << -1 << 1;
+    QTest::newRow("search: to the beginning") << u"o"_s << 4 << least << 1;
+    QTest::newRow("search: nothing") << u"x"_s << -1 << 1 << -1;
 }
 
-void ChannelListModelTest::walksChannelsOverHeaders()
+void ChannelListModelTest::walksRows()
 {
+    QFETCH(const QString, search);
     QFETCH(const int, row);
     QFETCH(const int, step);
-    QTEST(World(fewChannels()).model.channelRow(row, step), "channel");
+    World world(fewChannels());
+    world.model.setFilterText(search);
+    QTEST(world.model.rowAfter(row, step), "found");
+}
+
+void ChannelListModelTest::findsTheFirstChannel()
+{
+    World world;
+    QCOMPARE(world.model.firstChannelRow(), -1);
+    world.show(fewChannels());
+    QCOMPARE(world.model.firstChannelRow(), 1);
+    world.model.toggleGroup(0);
+    QCOMPARE(world.model.firstChannelRow(), 2);
+    world.model.toggleGroup(1);
+    world.model.toggleGroup(2);
+    QCOMPARE(world.model.firstChannelRow(), -1);
 }
 
 void ChannelListModelTest::showsWebLogosOnly_data()

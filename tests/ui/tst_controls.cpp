@@ -1,3 +1,5 @@
+#include "ui/Theme.h"
+
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQmlExpression>
@@ -76,9 +78,12 @@ private Q_SLOTS:
     void seekDisabledWhileDraggingCommitsNothing();
     void clearButtonTellsFromTyping();
     void segmentsAreChosenOutside();
+    void segmentsAreStops();
+    void sliderMovesAndStaysBound();
     void menuIsUsedByKeys();
     void dialogKeys_data();
     void dialogKeys();
+    void viewsGrowWithTheDesktopsText();
     void toastKeepsItsTextWhileFading();
     void toolTipWaitsAndFollowsTheText();
 };
@@ -152,9 +157,11 @@ void TestControls::seekArrowKeysCommitSteps()
     stage.key(Qt::Key_Left);
     stage.window->setProperty("bound", 2);
     stage.key(Qt::Key_Left);
-    QCOMPARE(
-        stage.log(),
-        (QStringList{u"committed 15"_s, u"committed 20"_s, u"committed 15"_s, u"committed 0"_s}));
+    stage.key(Qt::Key_PageUp);
+    stage.key(Qt::Key_PageUp); // beyond the end
+    QCOMPARE(stage.log(),
+             (QStringList{u"committed 15"_s, u"committed 20"_s, u"committed 15"_s, u"committed 0"_s,
+                          u"committed 60"_s, u"committed 100"_s}));
 }
 
 void TestControls::seekSurvivesAnEmptyRange()
@@ -212,6 +219,48 @@ void TestControls::segmentsAreChosenOutside()
     stage.key(Qt::Key_Right); // there is no third
     stage.key(Qt::Key_Left);
     QCOMPARE(stage.log(), (QStringList{u"asked for 1"_s, u"asked for 1"_s, u"asked for 0"_s}));
+}
+
+void TestControls::segmentsAreStops()
+{
+    const Stage stage(uR"(
+        SegmentedControl {
+            id: control
+            width: 200
+            model: [{ "text": "A" }, { "text": "B" }]
+            currentIndex: bound - 10
+            onActivated: index => { note("asked for " + index); bound = 10 + index; }
+        })"_s);
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_Return); // is chosen already
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_Return);
+    stage.key(Qt::Key_Backtab);
+    stage.key(Qt::Key_Space);
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_Enter);
+    QCOMPARE(stage.log(), (QStringList{u"asked for 1"_s, u"asked for 0"_s, u"asked for 1"_s}));
+}
+
+void TestControls::sliderMovesAndStaysBound()
+{
+    const Stage stage(uR"(
+        Slider {
+            id: control
+            from: 0; to: 20; value: bound; stepSize: 1
+            onMoved: { note("moved " + value); bound = value; }
+        })"_s);
+    stage.key(Qt::Key_Tab);
+    stage.key(Qt::Key_PageUp);
+    stage.key(Qt::Key_PageDown);
+    stage.key(Qt::Key_PageDown);
+    stage.key(Qt::Key_Right);
+    stage.window->setProperty("bound", 1);
+    stage.key(Qt::Key_PageDown);
+    QCOMPARE(stage.log(),
+             (QStringList{u"moved 14"_s, u"moved 10"_s, u"moved 6"_s, u"moved 7"_s, u"moved 0"_s}));
+    stage.window->setProperty("bound", 9);
+    QCOMPARE(stage.control()->property("value").toInt(), 9);
 }
 
 void TestControls::menuIsUsedByKeys()
@@ -291,6 +340,30 @@ void TestControls::dialogKeys()
     QCOMPARE(stage.log(), QStringList{answer});
     QTRY_VERIFY(!stage.control()->property("visible").toBool());
     QTRY_COMPARE(stage.focus(), u"rest"_s);
+}
+
+void TestControls::viewsGrowWithTheDesktopsText()
+{
+    Stage stage(uR"(
+        Button {
+            id: control
+            text: "Save"
+            property int row: Theme.roomFor(52, 2)
+        })"_s);
+    auto *const theme =
+        stage.engine.singletonInstance<lumaro::Theme *>(qmlTypeId("Lumaro.Ui", 1, 0, "Theme"));
+    QVERIFY(theme);
+    const auto number = [&](const char *name) { return stage.control()->property(name).toInt(); };
+    const int width = number("implicitWidth");
+    QCOMPARE(number("row"), 52);
+    QCOMPARE(number("implicitHeight"), 36);
+    theme->setDesktopTextScale(1.5);
+    QCOMPARE(number("row"), lumaro::Theme::roomFor(52, 2));
+    QCOMPARE(number("row"), 70);
+    QCOMPARE(number("implicitHeight"), lumaro::Theme::controlHeight());
+    QVERIFY(number("implicitWidth") > width);
+    theme->setDesktopTextScale(1);
+    QCOMPARE(number("row"), 52);
 }
 
 void TestControls::toastKeepsItsTextWhileFading()

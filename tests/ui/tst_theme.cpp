@@ -67,6 +67,8 @@ private Q_SLOTS:
     void announcesOnlyRealChanges();
     void typeFollowsTheDesktopsFont_data();
     void typeFollowsTheDesktopsFont();
+    void typeFollowsTheDesktopsScale_data();
+    void typeFollowsTheDesktopsScale();
     void textIsReadable_data();
     void textIsReadable();
 };
@@ -180,6 +182,37 @@ void TestTheme::typeFollowsTheDesktopsFont()
     QTEST(Theme::fontBody(), "body");
     QTEST(Theme::roomFor(52, 2), "twoLines");
     Theme::followFont(QFont(QString(), 10));
+    QCOMPARE(Theme::fontSmall(), 12);
+}
+
+void TestTheme::typeFollowsTheDesktopsScale_data()
+{
+    QTest::addColumn<double>("points");
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<int>("body");
+    QTest::newRow("larger") << 10. << 1.25 << 16;
+    QTest::newRow("larger font, larger scale") << 11. << 1.25 << 18;
+    QTest::newRow("larger font, smaller scale") << 12. << 0.75 << 13;
+    QTest::newRow("smaller font, larger scale") << 9. << 1.25 << 15;
+    QTest::newRow("no more than windows have room for") << 11. << 3. << 26;
+}
+
+void TestTheme::typeFollowsTheDesktopsScale()
+{
+    QFETCH(const double, points);
+    QFETCH(const double, scale);
+    QFont font;
+    font.setPointSizeF(points);
+    Theme::followFont(font);
+    Theme theme;
+    const QSignalSpy changes(&theme, &Theme::textScaleChanged);
+    const int before = Theme::fontBody();
+    theme.setDesktopTextScale(scale);
+    QTEST(Theme::fontBody(), "body");
+    QCOMPARE(QGuiApplication::font().pixelSize() == Theme::fontBody(), !changes.isEmpty());
+    QCOMPARE(changes.isEmpty(), before == Theme::fontBody());
+    Theme::followFont(QFont(QString(), 10));
+    theme.setDesktopTextScale(1);
     QCOMPARE(Theme::fontSmall(), 12);
 }
 

@@ -48,7 +48,9 @@ public:
     /// Shows the stream finder; its window, or nothing when that does not appear.
     QQuickWindow *openFinder();
     QString folder() const { return m_folder.path(); }
-    void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
+    void open(const QString &fileOrAddress) { m_application->open({fileOrAddress}, {}); }
+    /// As for another start of the program.
+    void bringToFront() { m_application->bringToFront({}); }
 
     /// The window as the user sees it.
     QImage screen() { return m_window->grabWindow(); }

@@ -58,6 +58,53 @@ bool isReached(const QQuickItem *stop, const QList<QQuickItem *> &way)
         way, [stop](const QQuickItem *item) { return item == stop || stop->isAncestorOf(item); });
 }
 
+/// Some of the keys with which a stop of this role is used; empty for any other role.
+QList<Qt::Key> keysOf(QAccessible::Role role)
+{
+    switch (role) {
+    case QAccessible::Button:
+    case QAccessible::ButtonMenu:
+    case QAccessible::CheckBox:
+    case QAccessible::RadioButton:
+    case QAccessible::PageTab:
+        return {Qt::Key_Return, Qt::Key_Enter};
+    case QAccessible::List:
+    case QAccessible::Slider:
+        return {Qt::Key_PageDown, Qt::Key_PageUp};
+    case QAccessible::PageTabList:
+        return {Qt::Key_Right, Qt::Key_Left};
+    default:
+        return {};
+    }
+}
+
+/// Sees the keys that arrive at an item.
+class KeyWitness : public QObject
+{
+public:
+    explicit KeyWitness(QQuickItem &item) { item.installEventFilter(this); }
+    bool hasSeen(Qt::Key key) const { return m_seen.contains(key); }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::KeyPress)
+            m_seen.append(Qt::Key(static_cast<QKeyEvent *>(event)->key()));
+        return false;
+    }
+
+private:
+    QList<Qt::Key> m_seen;
+};
+
+/// Whether anything in `window` uses `key` when it is pressed. A key that is held down does nothing
+/// to a button, but belongs to it nevertheless.
+bool uses(QQuickWindow &window, Qt::Key key)
+{
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+    QCoreApplication::sendEvent(&window, &press);
+    return press.isAccepted();
+}
+
 /// Leftwards or upwards among neighbours, as nobody reads.
 bool goesBack(const QQuickItem &from, const QQuickItem &to)
 {
@@ -86,6 +133,8 @@ private Q_SLOTS:
     void everyControlHasARoleAndAName();
     void tabReachesEveryControl_data() { places(); }
     void tabReachesEveryControl();
+    void everyStopHearsItsKeys_data() { places(); }
+    void everyStopHearsItsKeys();
 
 private:
     /// The states of the windows that are looked at, each with what leads there.
@@ -247,6 +296,33 @@ void AppAccessibilityTest::tabReachesEveryControl()
     }
     QVERIFY2(faults.isEmpty(), qPrintable(u"\n  " + faults.join(u"\n  ")));
     QVERIFY(!forward.isEmpty());
+}
+
+void AppAccessibilityTest::everyStopHearsItsKeys()
+{
+    QFETCH(const std::function<void()>, prepare);
+    prepare();
+    QQuickWindow &window = windowOf(QTest::currentDataTag());
+    QTest::keyClick(&window, Qt::Key_Tab);
+
+    QStringList faults;
+    int tried = 0;
+    for (QQuickItem *const stop : way(traversed(window, Qt::Key_Tab), tabStops(window))) {
+        QAccessibleInterface *const node = QAccessible::queryAccessibleInterface(stop);
+        const QAccessible::Role role = node ? node->role() : QAccessible::NoRole;
+        for (const Qt::Key key : keysOf(role)) {
+            stop->forceActiveFocus(Qt::TabFocusReason);
+            KeyWitness witness(*window.activeFocusItem());
+            // There need not be another tab.
+            const bool isUsed = uses(window, key) || role == QAccessible::PageTabList;
+            if (!isUsed || !witness.hasSeen(key))
+                faults.append(QKeySequence(key).toString() + u" is not for " + describe(stop));
+            ++tried;
+        }
+    }
+    QVERIFY2(faults.isEmpty(), qPrintable(u"\n  " + faults.join(u"\n  ")));
+    // A menu's items are no stops.
+    QVERIFY(tried > 0 || hasPopup(window));
 }
 
 LUMARO_APP_TEST_MAIN(AppAccessibilityTest)

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void readsLists();
     void pickedChannelPlays();
     void searchFindsAndPlays();
+    void keyboardWalksTheList();
     void badListsLoseNothing_data();
     void badListsLoseNothing();
     void brokenAddressesLoseNothing_data();
@@ -47,6 +48,15 @@ private Q_SLOTS:
 
 private:
     void open(const QUrl &url) { m_world->open(url.toString(QUrl::FullyEncoded)); }
+    /// From the address field, Tab leads over its buttons to the search field.
+    void searchFor(const QString &letter)
+    {
+        m_world->press(Qt::Key_L, Qt::ControlModifier);
+        for (int i = 0; i < 10 && m_world->channels().filterText().isEmpty(); ++i) {
+            m_world->press(Qt::Key_Tab);
+            m_world->type(letter);
+        }
+    }
     bool isSettled()
     {
         return becomesTrue([&] { return !m_world->player().isLoading(); });
@@ -120,17 +130,52 @@ void AppChannelsTest::searchFindsAndPlays()
     open(m_nginx->url(u"/many.m3u"_s));
     QVERIFY(becomesTrue([&] { return m_world->channels().rowCount() == 3; }));
 
-    // From the address field, Tab leads over its buttons to the search field.
-    m_world->press(Qt::Key_L, Qt::ControlModifier);
-    for (int i = 0; i < 10 && m_world->channels().filterText().isEmpty(); ++i) {
-        m_world->press(Qt::Key_Tab);
-        m_world->type(u"m"_s);
-    }
+    searchFor(u"m"_s);
     QCOMPARE(m_world->channels().filterText(), u"m"_s);
     m_world->press(Qt::Key_Down);
     m_world->press(Qt::Key_Return);
     QVERIFY(m_world->playsTo(0.1));
     QCOMPARE(m_world->player().title(), u"Gamma"_s);
+}
+
+void AppChannelsTest::keyboardWalksTheList()
+{
+    QByteArray list;
+    for (const char *group : {"A", "B"}) {
+        for (int i = 0; i < 40; ++i)
+            list += QByteArray("#EXTINF:-1 group-title=\"") + group + "\"," + group
+                + QByteArray::number(i) + "\nmovie.mp4\n";
+    }
+    QVERIFY(m_nginx->writeFile(u"groups.m3u"_s, list));
+    open(m_nginx->url(u"/groups.m3u"_s));
+    const ChannelListModel &channels = m_world->channels();
+    QVERIFY(becomesTrue([&] { return channels.rowCount() == 82; }));
+    searchFor(u"x"_s);
+    m_world->press(Qt::Key_Backspace);
+    QCOMPARE(channels.rowCount(), 82);
+
+    // The first category folds and unfolds, and a page is never too far.
+    m_world->press(Qt::Key_Down);
+    m_world->press(Qt::Key_Return);
+    QCOMPARE(channels.rowCount(), 42);
+    m_world->press(Qt::Key_PageUp);
+    m_world->press(Qt::Key_Return);
+    QCOMPARE(channels.rowCount(), 82);
+    for (int i = 0; i < 30; ++i)
+        m_world->press(Qt::Key_PageDown);
+    m_world->press(Qt::Key_Return);
+    QCOMPARE(m_world->player().title(), u"B39"_s);
+    m_world->press(Qt::Key_Home, Qt::ControlModifier);
+    m_world->press(Qt::Key_Down);
+    m_world->press(Qt::Key_Return);
+    QCOMPARE(m_world->player().title(), u"A0"_s);
+    m_world->press(Qt::Key_End, Qt::ControlModifier);
+    m_world->press(Qt::Key_F10, Qt::ShiftModifier);
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+    m_world->press(Qt::Key_Down);
+    m_world->press(Qt::Key_Return);
+    QCOMPARE(m_world->player().title(), u"B39"_s);
+    QCOMPARE(channels.filterText(), QString());
 }
 
 void AppChannelsTest::badListsLoseNothing_data()

@@ -23,6 +23,9 @@ private Q_SLOTS:
     void keyboardReachesTheFadedControls();
     void doubleClickTogglesFullScreen();
     void clickOnThePictureEndsTyping();
+    void comesToTheFrontAsItIs_data();
+    void comesToTheFrontAsItIs();
+    void desktopMakesItFillTheScreen();
     void dropsPlay_data();
     void dropsPlay();
     void programStartsPlaysAndQuits();
@@ -145,6 +148,46 @@ void AppWindowTest::clickOnThePictureEndsTyping()
     QCOMPARE(m_world->shell().addressText(), QString());
 }
 
+void AppWindowTest::comesToTheFrontAsItIs_data()
+{
+    QTest::addColumn<Qt::WindowStates>("before");
+    QTest::addColumn<QWindow::Visibility>("after");
+    const auto row = [](const char *name, Qt::WindowStates before, QWindow::Visibility after) {
+        QTest::newRow(name) << before << after;
+    };
+    row("ordinary", Qt::WindowNoState, QWindow::Windowed);
+    row("maximised", Qt::WindowMaximized, QWindow::Maximized);
+    row("full screen", Qt::WindowFullScreen, QWindow::FullScreen);
+    row("minimised", Qt::WindowMinimized, QWindow::Windowed);
+    row("minimised, maximised before", Qt::WindowMinimized | Qt::WindowMaximized,
+        QWindow::Maximized);
+}
+
+void AppWindowTest::comesToTheFrontAsItIs()
+{
+    QFETCH(const Qt::WindowStates, before);
+    QFETCH(const QWindow::Visibility, after);
+    QQuickWindow &window = m_world->window();
+    window.setWindowStates(before);
+    m_world->bringToFront();
+    QCOMPARE(window.visibility(), after);
+    QVERIFY(window.isVisible());
+    // Nor does it change its mind.
+    QVERIFY(becomesTrue([&] { return window.isActive(); }));
+    QCOMPARE(window.visibility(), after);
+    QCOMPARE(m_world->shell().isFullScreen(), after == QWindow::FullScreen);
+}
+
+void AppWindowTest::desktopMakesItFillTheScreen()
+{
+    QQuickWindow &window = m_world->window();
+    window.setWindowStates(Qt::WindowFullScreen);
+    QVERIFY(m_world->shell().isFullScreen());
+    m_world->press(Qt::Key_Escape);
+    QVERIFY(!m_world->shell().isFullScreen());
+    QCOMPARE(window.visibility(), QWindow::Windowed);
+}
+
 void AppWindowTest::dropsPlay_data()
 {
     QTest::addColumn<QList<QUrl>>("urls");
@@ -209,7 +252,8 @@ void AppWindowTest::programSaysWhatItIs()
 {
     m_world.reset();
     QVERIFY(outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--version"_s}).startsWith(u"lumaro "_s));
-    QVERIFY(outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--help"_s}).contains(u"[file|address]"_s));
+    QVERIFY(
+        outputOf(QStringLiteral(LUMARO_PROGRAM), {u"--help"_s}).contains(u"[file...|address]"_s));
 }
 
 LUMARO_APP_TEST_MAIN(AppWindowTest)

@@ -136,6 +136,13 @@ Recipe recipeFor(Fixture fixture)
         return {u"tone.m4a"_s,
                 words(u"-f lavfi -i sine=frequency=440:sample_rate=48000 -t 10 -c:a aac -b:a 64k "
                       "-flags +bitexact -fflags +bitexact tone.m4a"_s)};
+    case Fixture::AudioWithCover:
+        return {.file = u"cover.m4a"_s,
+                .ffmpeg = words(
+                    u"-f lavfi -i testsrc2=size=300x300:rate=1:duration=1 -map 0:a -map 1:v -c:a "
+                    "copy -c:v mjpeg -frames:v 1 -disposition:v attached_pic -flags "
+                    "+bitexact -fflags +bitexact cover.m4a"_s),
+                .input = Fixture::AudioOnly};
     case Fixture::TruncatedMovie:
         return {u"truncated.mp4"_s, {}, -1};
     case Fixture::TruncatedIndex:

@@ -11,6 +11,7 @@ enum class Fixture {
     SolidColor, ///< MP4, 10 s of nothing but MediaFixtures::solidColor, 1280x720
     Matroska, ///< MKV, 10 s of a moving test picture and a tone
     AudioOnly, ///< M4A, 10 s of a tone
+    AudioWithCover, ///< the same with a cover of 300x300
     TruncatedMovie, ///< the first half of Movie: plays until the data ends
     TruncatedIndex, ///< so little of Movie that its index is incomplete: nothing plays
     RandomBytes, ///< named MP4, but noise

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void newItemBeginsAtZero();
     void lastOfManyItemsPlays();
     void knowsThatAPictureIsTurned();
+    void tellsCoversFromFilms();
     void copiesPictures();
     void tellsWhyItCannotPlay_data();
     void tellsWhyItCannotPlay();
@@ -301,12 +302,14 @@ void MpvMediaPlayerTest::positionNeverFallsBackWhileSeeksFollowEachOther()
 
 void MpvMediaPlayerTest::pausesAtTheEndAndBeginsAnew()
 {
+    const QSignalSpy ends(&player(), &MediaPlayer::itemEnded);
     m_world->open(file(Fixture::Matroska));
     QVERIFY(m_world->playsTo(0.2));
     player().seek(9.5);
     QVERIFY(becomesTrue([&] { return player().rate() == 0; }));
     QVERIFY(becomesTrue([&] { return isNear(player().currentTime(), 10, 0.2); }));
     QVERIFY(player().hasItem());
+    QCOMPARE(ends.count(), 1);
     player().play();
     QVERIFY(becomesTrue([&] { return player().currentTime().value_or(99) < 5; }));
     QVERIFY(m_world->playsTo(0.2));
@@ -317,6 +320,7 @@ void MpvMediaPlayerTest::pausesAtTheEndAndBeginsAnew()
     player().seek(5);
     QVERIFY(becomesTrue([&] { return isNear(player().currentTime(), 5); }));
     QCOMPARE(player().rate(), 0);
+    QCOMPARE(ends.count(), 2);
     QCOMPARE(m_world->failures.size(), 0);
 }
 
@@ -365,6 +369,21 @@ void MpvMediaPlayerTest::knowsThatAPictureIsTurned()
     m_world->open(file(Fixture::Matroska));
     QVERIFY(m_world->playsTo(0.2));
     QVERIFY(becomesTrue([&] { return player().presentationSize() == QSize(640, 360); }));
+}
+
+void MpvMediaPlayerTest::tellsCoversFromFilms()
+{
+    m_world->open(file(Fixture::AudioWithCover));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return player().presentationSize() == QSize(300, 300); }));
+    QVERIFY(becomesTrue([&] { return player().showsCover(); }));
+    m_world->open(file(Fixture::Matroska));
+    QVERIFY(!player().showsCover());
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(!player().showsCover());
+    m_world->open(file(Fixture::AudioOnly));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(!player().showsCover());
 }
 
 void MpvMediaPlayerTest::copiesPictures()
