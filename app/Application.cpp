@@ -181,6 +181,12 @@ Application::Application(const Folders &folders, const WebServices &services)
                      });
 }
 
+Application::~Application()
+{
+    // A panel that is open in it still needs the engine, whose own children are the last to go.
+    delete m_finderWindow;
+}
+
 bool Application::show()
 {
     applyStyle();

@@ -54,6 +54,9 @@ public:
     static void prepare();
 
     explicit Application(const Folders &folders, const WebServices &services = {});
+    ~Application();
+    Application(const Application &) = delete;
+    Application &operator=(const Application &) = delete;
 
     /// Shows the main window; false when its views cannot be loaded.
     bool show();

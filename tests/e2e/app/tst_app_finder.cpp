@@ -86,6 +86,7 @@ private Q_SLOTS:
     void closingPauses_data();
     void closingPauses();
     void closedTabsGiveBack();
+    void quitsWithAPanelOpen();
 
 private:
     SnifferManager &tab() { return *m_world->finder().tabs()->selectedTab(); }
@@ -566,6 +567,19 @@ void AppFinderTest::closedTabsGiveBack()
         QVERIFY(round());
     const qint64 grown = ownMemory() - before;
     QVERIFY2(grown < 30 * 1024, qPrintable(QString::number(grown)));
+}
+
+/// The last, for there is no second browser.
+void AppFinderTest::quitsWithAPanelOpen()
+{
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] {
+        const QQuickItem *item = m_window->activeFocusItem();
+        while (item && !item->inherits("QQuickPopupItem"))
+            item = item->parentItem();
+        return item != nullptr;
+    }));
+    m_world.reset();
 }
 
 LUMARO_APP_TEST_MAIN(AppFinderTest)

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void clickOnThePictureEndsTyping();
     void dropsPlay_data();
     void dropsPlay();
+    void quitsWithAPanelOpen();
     void programStartsPlaysAndQuits();
     void programSaysWhatItIs();
 
@@ -174,6 +175,13 @@ void AppWindowTest::dropsPlay()
         QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
     else
         QVERIFY(m_world->playsTo(0.2));
+}
+
+void AppWindowTest::quitsWithAPanelOpen()
+{
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+    m_world.reset();
 }
 
 void AppWindowTest::programStartsPlaysAndQuits()
