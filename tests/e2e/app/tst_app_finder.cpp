@@ -1,5 +1,6 @@
 #include "tests/e2e/app/AppWorld.h"
 #include "tests/e2e/servers/FreePort.h"
+#include "tests/e2e/servers/OwnProcess.h"
 
 #include <QFileInfo>
 #include <QQuickItem>
@@ -35,20 +36,6 @@ QStringList pageProcesses()
     for (const QString &child : children(QString::number(getpid())))
         pages += children(child);
     return pages;
-}
-
-/// What this process has of memory, in kilobytes, that no other process shares.
-qint64 ownMemory()
-{
-    QFile file(u"/proc/self/smaps_rollup"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    qint64 sum = 0;
-    for (const QByteArray &line : file.readAll().split('\n')) {
-        if (line.startsWith("Private_"))
-            sum += line.simplified().split(' ').value(1).toLongLong();
-    }
-    return sum;
 }
 
 } // namespace
@@ -562,10 +549,10 @@ void AppFinderTest::closedTabsGiveBack()
     };
     // What the browser keeps for good comes with the first round.
     QVERIFY2(round(), qPrintable(pageProcesses().join(u' ')));
-    const qint64 before = ownMemory();
+    const qint64 before = OwnProcess::now().memory;
     for (int i = 0; i < roundsOfTabs(); ++i)
         QVERIFY(round());
-    const qint64 grown = ownMemory() - before;
+    const qint64 grown = OwnProcess::now().memory - before;
     QVERIFY2(grown < 30 * 1024, qPrintable(QString::number(grown)));
 }
 
