@@ -1,5 +1,6 @@
 #include "tests/e2e/app/AppWorld.h"
 #include "tests/e2e/servers/FreePort.h"
+#include "tests/e2e/servers/OwnProcess.h"
 
 #include <QFileInfo>
 #include <QQuickItem>
@@ -37,20 +38,6 @@ QStringList pageProcesses()
     return pages;
 }
 
-/// What this process has of memory, in kilobytes, that no other process shares.
-qint64 ownMemory()
-{
-    QFile file(u"/proc/self/smaps_rollup"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    qint64 sum = 0;
-    for (const QByteArray &line : file.readAll().split('\n')) {
-        if (line.startsWith("Private_"))
-            sum += line.simplified().split(' ').value(1).toLongLong();
-    }
-    return sum;
-}
-
 } // namespace
 
 /// The stream finder with a real browser, on pages of a real server. All tests share one program:
@@ -62,7 +49,7 @@ class AppFinderTest : public QObject
 private Q_SLOTS:
     void initTestCase();
     void init();
-    void cleanupTestCase();
+    void cleanupTestCase() { m_world.reset(); }
 
     void isLoadedWhenOpened();
     void streamsAreFound_data();
@@ -87,6 +74,7 @@ private Q_SLOTS:
     void closingPauses_data();
     void closingPauses();
     void closedTabsGiveBack();
+    void quitsWithAPanelOpen();
 
 private:
     SnifferManager &tab() { return *m_world->finder().tabs()->selectedTab(); }
@@ -94,8 +82,6 @@ private:
     /// Goes to a page of the server and waits for it.
     bool opens(const QUrl &url);
     bool opens(const QString &path) { return opens(m_site->url(path)); }
-    /// Goes to a page that has a file saved, whose panel has the keys then.
-    bool asksForAPlace();
     /// The same server under another name: another site.
     QString other() const { return u"http://localhost:%1"_s.arg(m_site->port()); }
     /// The item that shows the selected tab's page.
@@ -227,35 +213,6 @@ void AppFinderTest::init()
     QVERIFY(m_window);
     m_world->finder().tabs()->addTab();
     m_world->finder().tabs()->closeRow(0);
-}
-
-void AppFinderTest::cleanupTestCase()
-{
-    if (!m_world)
-        return;
-    // It may end with a panel open that asks whether to replace a file.
-    m_window = m_world->openFinder();
-    QVERIFY(m_window);
-    QFile there(m_home.filePath(u"Documents/file.zip"_s));
-    QVERIFY(there.open(QIODevice::WriteOnly));
-    QVERIFY(asksForAPlace());
-    QTest::keyClick(m_window, Qt::Key_Return);
-    QVERIFY(becomesTrue([&] {
-        const QQuickItem *const focused = m_window->activeFocusItem();
-        return focused && focused->inherits("QQuickAbstractButton");
-    }));
-    m_world.reset();
-}
-
-bool AppFinderTest::asksForAPlace()
-{
-    if (!opens(u"/plain.html"_s))
-        return false;
-    tab().navigate(m_site->url(u"/file.zip"_s));
-    return becomesTrue([&] {
-        const QQuickItem *const name = m_window->activeFocusItem();
-        return name && name->objectName() == u"fileNameTextField";
-    });
 }
 
 bool AppFinderTest::opens(const QUrl &url)
@@ -418,7 +375,12 @@ void AppFinderTest::redirectsAreFollowed()
 
 void AppFinderTest::filesAskForAPlace()
 {
-    QVERIFY(asksForAPlace());
+    QVERIFY(opens(u"/plain.html"_s));
+    tab().navigate(m_site->url(u"/file.zip"_s));
+    QVERIFY(becomesTrue([&] {
+        const QQuickItem *const name = m_window->activeFocusItem();
+        return name && name->objectName() == u"fileNameTextField";
+    }));
     // The name without its extension is selected.
     for (const char c : "saved"_ba)
         QTest::keyClick(m_window, c);
@@ -627,11 +589,24 @@ void AppFinderTest::closedTabsGiveBack()
     };
     // What the browser keeps for good comes with the first round.
     QVERIFY2(round(), qPrintable(pageProcesses().join(u' ')));
-    const qint64 before = ownMemory();
+    const qint64 before = OwnProcess::now().memory;
     for (int i = 0; i < roundsOfTabs(); ++i)
         QVERIFY(round());
-    const qint64 grown = ownMemory() - before;
+    const qint64 grown = OwnProcess::now().memory - before;
     QVERIFY2(grown < 30 * 1024, qPrintable(QString::number(grown)));
+}
+
+/// The last, for there is no second browser.
+void AppFinderTest::quitsWithAPanelOpen()
+{
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] {
+        const QQuickItem *item = m_window->activeFocusItem();
+        while (item && !item->inherits("QQuickPopupItem"))
+            item = item->parentItem();
+        return item != nullptr;
+    }));
+    m_world.reset();
 }
 
 LUMARO_APP_TEST_MAIN(AppFinderTest)

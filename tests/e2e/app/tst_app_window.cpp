@@ -28,6 +28,7 @@ private Q_SLOTS:
     void desktopMakesItFillTheScreen();
     void dropsPlay_data();
     void dropsPlay();
+    void quitsWithAPanelOpen();
     void programStartsPlaysAndQuits();
     void programSaysWhatItIs();
 
@@ -217,6 +218,13 @@ void AppWindowTest::dropsPlay()
         QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
     else
         QVERIFY(m_world->playsTo(0.2));
+}
+
+void AppWindowTest::quitsWithAPanelOpen()
+{
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+    m_world.reset();
 }
 
 void AppWindowTest::programStartsPlaysAndQuits()

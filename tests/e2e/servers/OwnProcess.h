@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+
+namespace lumaro {
+
+/// What the test's process holds at one moment.
+struct OwnProcess
+{
+    /// Memory that no other process shares, in kilobytes. What the allocator keeps in reserve is
+    /// given back first.
+    qint64 memory = 0;
+    int descriptors = 0;
+    int threads = 0;
+    /// Programs that it has started, and what those have started. Not those that have ended and are
+    /// yet to be noticed.
+    int descendants = 0;
+
+    static OwnProcess now();
+};
+
+/// What the process's open descriptors are, and how many of each kind.
+QMap<QString, int> ownDescriptors();
+
+} // namespace lumaro
