@@ -46,6 +46,7 @@ LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
     , m_editor(parts.panels)
     , m_history(parts.store)
 {
+    connect(&m_store, &LocalM3UStore::loaded, this, &LocalM3UModel::currentChanged);
     connect(&m_store, &LocalM3UStore::entriesChanged, this, &LocalM3UModel::currentChanged);
     connect(&m_store, &LocalM3UStore::entriesChanged, this, [this] { setImportError({}); });
     connect(&m_store, &LocalM3UStore::errorMessageChanged, this,
@@ -239,7 +240,7 @@ bool LocalM3UModel::canSaveCurrent() const
 
 bool LocalM3UModel::isCurrentSaved() const
 {
-    return canSaveCurrent() && m_store.contains(m_player.currentURL());
+    return canSaveCurrent() && !m_store.isLoading() && m_store.contains(m_player.currentURL());
 }
 
 void LocalM3UModel::saveToLocalM3U(int index)
@@ -262,10 +263,10 @@ void LocalM3UModel::saveCurrent()
 {
     if (!canSaveCurrent())
         return;
-    if (isCurrentSaved()) {
+    if (const qsizetype saved = m_store.indexOf(m_player.currentURL()); saved >= 0) {
         show();
         m_list.setFilterText({});
-        m_list.select(m_store.entries().id(m_store.indexOf(m_player.currentURL())));
+        m_list.select(m_store.entries().id(saved));
     } else if (m_window.currentChannel() >= 0) {
         saveToLocalM3U(m_window.currentChannel());
     } else {

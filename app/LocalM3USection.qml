@@ -11,7 +11,7 @@ Item {
     property bool isLoading: false
     signal dismissed()
 
-    readonly property bool isEmpty: library.list.count === 0
+    readonly property bool isEmpty: library.list.count === 0 && !library.list.isLoading
 
     Column {
         id: head
@@ -59,7 +59,7 @@ Item {
                 BusyIndicator {
                     anchors.verticalCenter: parent.verticalCenter
                     size: 20
-                    running: root.isLoading
+                    running: root.isLoading || root.library.list.isLoading
                     visible: running
                 }
                 IconButton {
@@ -192,7 +192,7 @@ Item {
                 shortcutText: "Ctrl+Shift+Backspace"
                 destructive: true
                 startsGroup: true
-                enabled: !root.isEmpty
+                enabled: root.library.list.count > 0
                 onTriggered: root.library.removeAll()
             }
         }

@@ -2,34 +2,29 @@
 
 #include "playlist/PlaylistEntries.h"
 
-#include <vector>
-
 namespace lumaro {
 
-/// Finds entries by their addresses, however many there are. Immutable; any thread.
+/// Finds entries by their addresses, however many there are. Immutable, shared when copied; any
+/// thread.
 class AddressIndex
 {
 public:
     AddressIndex() = default;
-    explicit AddressIndex(const PlaylistEntries &entries);
+    /// Quick when `before` is that of a list with the same origin: most of it is shared then.
+    explicit AddressIndex(const PlaylistEntries &entries, const AddressIndex &before = {});
 
     /// The first entry whose address has the same absolute string as `url`; -1 for none.
     qsizetype indexOf(const QUrl &url) const;
 
 private:
-    /// An entry where its address's hash says, or at the next free place.
-    struct Slot
-    {
-        quint32 hash = 0;
-        qint32 entry = -1;
-    };
-
-    /// Where the entry with this address is, or else could be put.
-    size_t slotOf(QByteArrayView address, quint32 hash) const;
+    class Table;
 
     PlaylistEntries m_entries;
-    /// A power of two of them, half empty at least.
-    std::vector<Slot> m_slots;
+    /// Of the entries that were in the origin, and of those that came later.
+    std::shared_ptr<const Table> m_original;
+    std::shared_ptr<const Table> m_added;
+    /// Where an entry of the origin is now; -1 for nowhere. Empty when all are where they were.
+    std::vector<qint32> m_places;
 };
 
 } // namespace lumaro

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <cstring>
 
 namespace lumaro {
 
@@ -21,6 +22,26 @@ int hexDigit(char c)
         return c - '0';
     const char lower = char(c | 0x20);
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+/// The first byte that means something in a string, or must not be there.
+const char *findSpecial(const char *at, const char *end)
+{
+    // Eight bytes at a time: subtracting borrows into a byte's highest bit where the byte was too
+    // small, which a zero is after the exclusive or.
+    constexpr quint64 ones = 0x0101010101010101;
+    constexpr quint64 highBits = ones << 7;
+    const auto someLess = [](quint64 word, quint64 than) {
+        return (word - ones * than) & ~word & highBits;
+    };
+    while (end - at >= 8) {
+        quint64 word = 0;
+        std::memcpy(&word, at, sizeof word);
+        if (someLess(word, 0x20) | someLess(word ^ ones * '"', 1) | someLess(word ^ ones * '\\', 1))
+            break;
+        at += 8;
+    }
+    return std::find_if(at, end, [](char c) { return uchar(c) < 0x20 || c == '"' || c == '\\'; });
 }
 
 /// The four digits at `at`.
@@ -156,16 +177,13 @@ bool JsonReader::skipString(String &string)
 {
     const char *const begin = m_at;
     string.hasEscapes = false;
-    while (m_at != m_end && *m_at != '"') {
-        if (uchar(*m_at) < 0x20)
-            return false;
-        if (*m_at++ != '\\')
-            continue;
+    while ((m_at = findSpecial(m_at, m_end)) != m_end && *m_at == '\\') {
+        ++m_at;
         string.hasEscapes = true;
         if (!skipEscape())
             return false;
     }
-    if (m_at == m_end)
+    if (m_at == m_end || *m_at != '"')
         return false;
     string.raw = QByteArrayView(begin, m_at++);
     return true;

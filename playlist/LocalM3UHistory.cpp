@@ -1,25 +1,10 @@
 #include "playlist/LocalM3UHistory.h"
 
+#include "playlist/LinkRemover.h"
+
 namespace lumaro {
 
 namespace {
-
-PlaylistEntries without(const QUuid &id, const PlaylistEntries &entries)
-{
-    const qsizetype index = entries.indexOf(id);
-    return index < 0 ? entries : entries.replacing(index, 1, {});
-}
-
-/// Saving or importing a link again gives it another id.
-PlaylistEntries withoutAddress(const QUrl &url, PlaylistEntries entries)
-{
-    const QByteArray address = url.toEncoded();
-    for (qsizetype i = entries.size() - 1; i >= 0; --i) {
-        if (entries.address(i) == QUtf8StringView(address))
-            entries = entries.replacing(i, 1, {});
-    }
-    return entries;
-}
 
 /// Drops the states that do not differ from the one that follows them, `current` at last.
 void dropRepeated(QList<PlaylistEntries> &states, const PlaylistEntries &current)
@@ -40,8 +25,10 @@ void dropRepeated(QList<PlaylistEntries> &states, const PlaylistEntries &current
 LocalM3UHistory::LocalM3UHistory(LocalM3UStore &store, QObject *parent)
     : QObject(parent)
     , m_store(store)
-    , m_current(store.entries())
 {
+    if (!store.isLoading())
+        m_current = store.entries();
+    connect(&store, &LocalM3UStore::loaded, this, [this] { m_current = m_store.entries(); });
     connect(&store, &LocalM3UStore::entriesChanged, this, &LocalM3UHistory::remember);
 }
 
@@ -81,16 +68,13 @@ void LocalM3UHistory::deleteForGood(QUuid id)
     if (index < 0)
         return;
     const QUrl url = m_current.at(index).url;
-    apply(without(id, m_current));
-    // A list that was imported may hold the link twice, and then still does.
-    const bool isGone = !m_store.contains(url);
+    apply(m_current.replacing(index, 1, {}));
+    // It may have had another address before; saving or importing it again gave it another id. A
+    // list that was imported may hold the link twice, and then still does.
+    LinkRemover link(id, m_store.contains(url) ? QByteArray() : url.toEncoded());
     for (QList<PlaylistEntries> *states : {&m_before, &m_after}) {
-        for (PlaylistEntries &state : *states) {
-            // It may have had another address then.
-            state = without(id, state);
-            if (isGone)
-                state = withoutAddress(url, state);
-        }
+        for (PlaylistEntries &state : *states)
+            state = link.without(state);
     }
     dropRepeated(m_before, m_current);
     dropRepeated(m_after, m_current);

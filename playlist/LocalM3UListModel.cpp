@@ -49,7 +49,12 @@ LocalM3UListModel::LocalM3UListModel(LocalM3UStore &store, Scheduler &scheduler,
     , m_scheduler(scheduler)
 {
     connect(&store, &LocalM3UStore::entriesChanged, this, &LocalM3UListModel::refresh);
-    refresh();
+    connect(&store, &LocalM3UStore::loaded, this, [this] {
+        refresh();
+        Q_EMIT isLoadingChanged();
+    });
+    if (!store.isLoading())
+        refresh();
 }
 
 LocalM3UListModel::~LocalM3UListModel()
@@ -94,7 +99,9 @@ void LocalM3UListModel::setFilterText(const QString &text)
     const bool wasEmpty = std::exchange(m_filterText, trimmed).isEmpty();
     m_selectsFirstMatch = !trimmed.isEmpty();
     Q_EMIT filterTextChanged();
-    if (trimmed.isEmpty())
+    if (isLoading())
+        setIsSearching(!trimmed.isEmpty());
+    else if (trimmed.isEmpty())
         refresh();
     else if (m_index)
         resetRows();

@@ -17,7 +17,9 @@ class LocalM3UListModel : public QAbstractListModel
     Q_OBJECT
     /// What to search for, in names and categories, whatever the case.
     Q_PROPERTY(QString filterText READ filterText WRITE setFilterText NOTIFY filterTextChanged)
-    /// The links of the library, shown or not.
+    /// The library is not there yet.
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    /// The links of the library, shown or not; none before it is there.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     /// The links that the search text leaves.
     Q_PROPERTY(int matchCount READ matchCount NOTIFY matchCountChanged)
@@ -46,7 +48,8 @@ public:
 
     const QString &filterText() const { return m_filterText; }
     void setFilterText(const QString &text);
-    int count() const { return int(m_store.entries().size()); }
+    bool isLoading() const { return m_store.isLoading(); }
+    int count() const { return isLoading() ? 0 : int(m_store.entries().size()); }
     int matchCount() const { return int(m_rows.size()); }
     bool isSearching() const { return m_isSearching; }
     int selectedRow() const { return m_selectedRow; }
@@ -68,6 +71,7 @@ public:
 
 Q_SIGNALS:
     void filterTextChanged();
+    void isLoadingChanged();
     void countChanged();
     void matchCountChanged();
     void isSearchingChanged();

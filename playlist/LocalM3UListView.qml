@@ -82,7 +82,8 @@ Item {
         iconName: "search"
         // With nothing typed it is meant for the list.
         takesMenuKey: text !== ""
-        placeholderText: root.links.count === 1 ? qsTr("Search 1 link")
+        placeholderText: root.links.isLoading ? qsTr("Loading…")
+                       : root.links.count === 1 ? qsTr("Search 1 link")
                        : qsTr("Search %Ln links", "", root.links.count)
         text: root.links.filterText
         onTextEdited: root.links.filterText = text
@@ -218,7 +219,7 @@ Item {
             top: search.bottom
             margins: Theme.spacing * 6
         }
-        visible: root.links.matchCount === 0 && root.links.filterText !== ""
+        visible: root.links.matchCount === 0 && root.links.filterText !== "" && !root.links.isSearching
         iconName: "search"
         title: qsTr("No matches")
         text: qsTr("No name or category contains “%1”.").arg(root.links.filterText)

@@ -5,6 +5,8 @@
 
 #include <QDebug>
 
+#include <mutex>
+
 namespace lumaro {
 
 namespace {
@@ -45,26 +47,75 @@ PlaylistEntries load(UserDefaults &defaults)
 
 } // namespace
 
+/// The stored library, read by whichever thread comes first.
+class LocalM3UStore::Loading
+{
+public:
+    explicit Loading(UserDefaults &defaults)
+        : m_defaults(defaults)
+    {
+    }
+
+    /// Waits if another thread is reading it.
+    Library &library()
+    {
+        std::call_once(m_once, [this] {
+            m_library.entries = load(m_defaults);
+            m_library.addresses = AddressIndex(m_library.entries);
+        });
+        return m_library;
+    }
+
+    /// Nothing touches the defaults any more.
+    void close()
+    {
+        std::call_once(m_once, [] { });
+    }
+
+private:
+    UserDefaults &m_defaults;
+    std::once_flag m_once;
+    Library m_library;
+};
+
 LocalM3UStore::LocalM3UStore(UserDefaults &defaults, Scheduler &scheduler, QObject *parent)
     : QObject(parent)
-    , m_entries(load(defaults))
-    , m_addresses(m_entries)
+    , m_loading(std::make_shared<Loading>(defaults))
     , m_writer(defaults, scheduler, defaultsKey,
                [this](const DefaultsWriter::Result &result) { noteStored(result); })
 {
+    scheduler.runInBackground([loading = m_loading] { loading->library(); },
+                              [this, stop = m_lifetime.get_token()] {
+                                  if (!stop.stop_requested())
+                                      noteLoaded();
+                              });
 }
 
 LocalM3UStore::~LocalM3UStore()
 {
+    m_lifetime.request_stop();
+    m_loading->close();
     // No window is left to say it in.
     if (const DefaultsWriter::Result result = m_writer.flush(); !result)
         qWarning().noquote() << failureText(result.error());
 }
 
+LocalM3UStore::Library &LocalM3UStore::library() const
+{
+    return m_loading->library();
+}
+
+void LocalM3UStore::noteLoaded()
+{
+    if (std::exchange(m_isLoading, false))
+        Q_EMIT loaded();
+}
+
 void LocalM3UStore::setEntries(const PlaylistEntries &entries)
 {
-    m_entries = entries;
-    m_addresses = AddressIndex(entries);
+    Library &library = this->library();
+    noteLoaded();
+    library = {entries, AddressIndex(entries, library.addresses)};
     Q_EMIT entriesChanged();
 }
 
@@ -85,14 +136,14 @@ void LocalM3UStore::save(PlaylistEntry entry)
         return;
     entry.name = nameFor(entry.url, entry.name);
     const qsizetype same = indexOf(entry.url);
-    const PlaylistEntries others = same < 0 ? m_entries : m_entries.replacing(same, 1, {});
+    const PlaylistEntries others = same < 0 ? entries() : entries().replacing(same, 1, {});
     setEntries(others.replacing(0, 0, {entry}));
     persist();
 }
 
 void LocalM3UStore::persist()
 {
-    m_writer.write([entries = m_entries] { return encodeEntries(entries); });
+    m_writer.write([entries = entries()] { return encodeEntries(entries); });
 }
 
 void LocalM3UStore::noteStored(const DefaultsWriter::Result &result)

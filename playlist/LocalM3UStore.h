@@ -7,7 +7,9 @@
 
 namespace lumaro {
 
-/// The user's own library of links, newest first, kept in the user defaults. Main thread.
+/// The user's own library of links, newest first, kept in the user defaults. It is read in the
+/// background from the store's creation on; whoever asks for it earlier waits, and never finds
+/// anything but what was stored. Main thread.
 class LocalM3UStore : public QObject
 {
     Q_OBJECT
@@ -17,18 +19,20 @@ class LocalM3UStore : public QObject
 public:
     static constexpr QLatin1StringView defaultsKey{"Lumaro.LocalM3U.SavedEntries"};
 
-    /// Loads the library; data that is no library is set aside. Both outlive the store, which
-    /// stores what is not stored yet when it goes.
+    /// Data that is no library is set aside. Both outlive the store, which stores what is not
+    /// stored yet when it goes.
     LocalM3UStore(UserDefaults &defaults, Scheduler &scheduler, QObject *parent = nullptr);
     ~LocalM3UStore() override;
 
-    const PlaylistEntries &entries() const { return m_entries; }
+    /// Whoever asks for entries, or for an address, now has to wait; loaded() follows.
+    bool isLoading() const { return m_isLoading; }
+    const PlaylistEntries &entries() const { return library().entries; }
     /// Call persist() afterwards.
     void setEntries(const PlaylistEntries &entries);
     const QString &errorMessage() const { return m_errorMessage; }
 
     /// The first entry whose address has the same absolute string as `url`; -1 for none.
-    qsizetype indexOf(const QUrl &url) const { return m_addresses.indexOf(url); }
+    qsizetype indexOf(const QUrl &url) const { return library().addresses.indexOf(url); }
     /// Some entry's address has the same absolute string as `url`.
     bool contains(const QUrl &url) const { return indexOf(url) >= 0; }
 
@@ -43,16 +47,28 @@ public:
     void persist();
 
 Q_SIGNALS:
+    /// What was stored is there; before the first entriesChanged().
+    void loaded();
     void entriesChanged();
     void errorMessageChanged();
     /// A change could not be stored, perhaps like the one before; errorMessage says why.
     void storingFailed();
 
 private:
+    struct Library
+    {
+        PlaylistEntries entries;
+        AddressIndex addresses;
+    };
+    class Loading;
+
+    Library &library() const;
+    void noteLoaded();
     void noteStored(const DefaultsWriter::Result &result);
 
-    PlaylistEntries m_entries;
-    AddressIndex m_addresses;
+    std::shared_ptr<Loading> m_loading;
+    bool m_isLoading = true;
+    std::stop_source m_lifetime;
     QString m_errorMessage;
     DefaultsWriter m_writer;
 };

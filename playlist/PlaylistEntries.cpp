@@ -1,6 +1,7 @@
 #include "playlist/PlaylistEntries.h"
 
 #include "platform/Utf8Text.h"
+#include "playlist/PlaylistEntriesData.h"
 
 #include <QHash>
 #include <QRandomGenerator>
@@ -15,19 +16,6 @@ namespace lumaro {
 namespace {
 
 using Slice = PlaylistEntriesBuilder::Slice;
-
-/// Set in the offset of a slice that lies among the added values.
-constexpr quint32 addedFlag = quint32(1) << 31;
-
-struct Record
-{
-    QUuid id;
-    Slice name;
-    Slice url;
-    Slice logo;
-    qint32 group = -1;
-    qint32 country = -1;
-};
 
 std::optional<QString> optionalText(QUtf8StringView text)
 {
@@ -64,57 +52,25 @@ qint32 numberOf(const QByteArray &value, const std::vector<QByteArray> &known,
 
 } // namespace
 
-struct PlaylistEntries::Data
+void PlaylistEntries::Change::insert(qsizetype first, const QList<PlaylistEntry> &entries,
+                                     const Data &data)
 {
-    QUtf8StringView view(Slice slice) const
-    {
-        const QByteArray &source = slice.offset & addedFlag ? added : text;
-        return {source.constData() + (slice.offset & ~addedFlag), qsizetype(slice.length)};
+    std::vector<qint32> numbers;
+    for (const PlaylistEntry &entry : entries) {
+        numbers.push_back(qint32(data.records.size() + own.records.size()));
+        own.records.push_back({
+            .id = entry.id,
+            .name = own.add(entry.name.toUtf8()),
+            .url = own.add(entry.url.toEncoded()),
+            .logo = own.add(entry.logoURL.value_or(QUrl()).toEncoded()),
+            .group =
+                numberOf(entry.groupTitle.value_or(QString()).toUtf8(), data.groups, own.groups),
+            .country = numberOf(entry.countryCode.value_or(QString()).toUtf8(), data.countries,
+                                own.countries),
+        });
     }
-
-    Slice add(QByteArrayView value)
-    {
-        // What does not fit any more is lost, which beats another entry's value in its place.
-        if (value.isEmpty() || added.size() + value.size() > maximumTextSize)
-            return {};
-        const Slice slice{quint32(added.size()) | addedFlag, quint32(value.size())};
-        added.append(value);
-        return slice;
-    }
-
-    QByteArray text;
-    QByteArray added;
-    std::vector<Record> records;
-    std::vector<QByteArray> groups;
-    std::vector<QByteArray> countries;
-};
-
-/// Entries that were put in, and the order of all that are left. The numbers of entries, groups
-/// and countries count those of the data first.
-struct PlaylistEntries::Change
-{
-    void insert(qsizetype first, const QList<PlaylistEntry> &entries, const Data &data)
-    {
-        std::vector<qint32> numbers;
-        for (const PlaylistEntry &entry : entries) {
-            numbers.push_back(qint32(data.records.size() + own.records.size()));
-            own.records.push_back({
-                .id = entry.id,
-                .name = own.add(entry.name.toUtf8()),
-                .url = own.add(entry.url.toEncoded()),
-                .logo = own.add(entry.logoURL.value_or(QUrl()).toEncoded()),
-                .group = numberOf(entry.groupTitle.value_or(QString()).toUtf8(), data.groups,
-                                  own.groups),
-                .country = numberOf(entry.countryCode.value_or(QString()).toUtf8(), data.countries,
-                                    own.countries),
-            });
-        }
-        order.insert(order.begin() + first, numbers.begin(), numbers.end());
-    }
-
-    std::vector<qint32> order;
-    Data own;
-};
+    order.insert(order.begin() + first, numbers.begin(), numbers.end());
+}
 
 /// Where an entry is kept.
 struct PlaylistEntries::Place
@@ -125,14 +81,23 @@ struct PlaylistEntries::Place
     QUtf8StringView view(Slice slice) const { return data.view(slice); }
 };
 
+qsizetype PlaylistEntries::number(qsizetype index) const
+{
+    return m_change ? m_change->order[size_t(index)] : index;
+}
+
 PlaylistEntries::Place PlaylistEntries::place(qsizetype index) const
 {
-    if (!m_change)
-        return {*m_data, m_data->records[size_t(index)]};
-    const auto number = size_t(m_change->order[size_t(index)]);
+    const auto number = size_t(this->number(index));
     if (number < m_data->records.size())
         return {*m_data, m_data->records[number]};
     return {m_change->own, m_change->own.records[number - m_data->records.size()]};
+}
+
+qsizetype PlaylistEntries::indexInOrigin(qsizetype index) const
+{
+    const qsizetype number = this->number(index);
+    return number < qsizetype(m_data->records.size()) ? number : -1;
 }
 
 qsizetype PlaylistEntries::size() const
@@ -259,9 +224,12 @@ QUtf8StringView PlaylistEntries::group(qsizetype index) const
 bool PlaylistEntries::isSame(qsizetype index, const PlaylistEntries &other,
                              qsizetype otherIndex) const
 {
-    const bool isShared =
-        m_data == other.m_data && &place(index).record == &other.place(otherIndex).record;
-    return isShared
+    const auto isShared = [&] {
+        const qsizetype number = this->number(index);
+        return number == other.number(otherIndex)
+            && (number < qsizetype(m_data->records.size()) || m_change == other.m_change);
+    };
+    return (m_data == other.m_data && isShared())
         || (id(index) == other.id(otherIndex) && isSameText(name(index), other.name(otherIndex))
             && isSameText(address(index), other.address(otherIndex))
             && isSameText(logoAddress(index), other.logoAddress(otherIndex))
@@ -271,10 +239,20 @@ bool PlaylistEntries::isSame(qsizetype index, const PlaylistEntries &other,
 
 bool operator==(const PlaylistEntries &left, const PlaylistEntries &right)
 {
-    if (left.size() != right.size())
+    const qsizetype size = left.size();
+    if (size != right.size())
         return false;
-    for (qsizetype i = 0; i < left.size(); ++i) {
-        if (!left.isSame(i, right, i))
+    const auto orderOf = [](const PlaylistEntries &entries) {
+        return entries.m_change ? entries.m_change->order.data() : nullptr;
+    };
+    // Where both are made of the same list, most entries need no look.
+    const bool isRelated = left.m_data == right.m_data && left.m_change && right.m_change;
+    const qint32 *const leftOrder = orderOf(left);
+    const qint32 *const rightOrder = orderOf(right);
+    const auto known = isRelated ? qint32(left.m_data->records.size()) : 0;
+    for (qsizetype i = 0; i < size; ++i) {
+        const bool isShared = isRelated && leftOrder[i] == rightOrder[i] && leftOrder[i] < known;
+        if (!isShared && !left.isSame(i, right, i))
             return false;
     }
     return true;

@@ -53,6 +53,13 @@ public:
     /// The title of the entry's group; empty when there is none.
     QUtf8StringView group(qsizetype index) const;
 
+    /// The list that this one was made of by replacing(), itself if it was not; nothing is copied.
+    PlaylistEntries origin() const { return {m_data, nullptr}; }
+    bool isOrigin() const { return !m_change; }
+    bool hasSameOrigin(const PlaylistEntries &other) const { return m_data == other.m_data; }
+    /// Where the entry was there; -1 for one that was put in later. Ascends with `index`.
+    qsizetype indexInOrigin(qsizetype index) const;
+
     /// The entry at `index` equals the one of `other` at `otherIndex` in every field.
     bool isSame(qsizetype index, const PlaylistEntries &other, qsizetype otherIndex) const;
 
@@ -60,7 +67,9 @@ public:
     friend bool operator==(const PlaylistEntries &left, const PlaylistEntries &right);
 
 private:
+    friend class LinkRemover;
     friend class PlaylistEntriesBuilder;
+    struct Record;
     struct Data;
     struct Change;
     struct Place;
@@ -72,6 +81,8 @@ private:
     }
 
     Place place(qsizetype index) const;
+    /// In the data's records, or after them in those of the change.
+    qsizetype number(qsizetype index) const;
     std::shared_ptr<Change> copyOfChange() const;
     QUtf8StringView groupText(int group) const;
 

@@ -5,6 +5,7 @@
 #include "playlist/JsonReader.h"
 
 #include <algorithm>
+#include <array>
 
 namespace lumaro {
 
@@ -31,16 +32,43 @@ QByteArrayView bytes(QUtf8StringView text)
     return {text.data(), text.size()};
 }
 
-/// The form that is written, in either case; reading an id by itself forgives more.
+/// What the string says; lives no longer than the JSON text.
+QByteArray textOf(const JsonReader::String &string)
+{
+    return string.hasEscapes ? string.text()
+                             : QByteArray::fromRawData(string.raw.data(), string.raw.size());
+}
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char lower = char(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+/// The form that is written, in either case (RFC 4122, section 3); QUuid forgives more.
 std::optional<QUuid> idOf(const JsonReader::String &string)
 {
-    constexpr qsizetype length = 36;
-    const QByteArray text = string.text();
-    if (text.size() != length || text.front() == '{')
+    constexpr QByteArrayView form = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    const QByteArray text = textOf(string);
+    if (text.size() != form.size())
         return std::nullopt;
-    const QUuid id = QUuid::fromString(QLatin1StringView(text));
-    const bool exact = id.toByteArray(QUuid::WithoutBraces).compare(text, Qt::CaseInsensitive) == 0;
-    return exact ? std::optional(id) : std::nullopt;
+    std::array<char, 16> bytes{};
+    size_t digits = 0;
+    for (qsizetype i = 0; i < form.size(); ++i) {
+        const char c = text.at(i);
+        if (form[i] == 'x') {
+            const int digit = hexDigit(c);
+            if (digit < 0)
+                return std::nullopt;
+            char &byte = bytes[digits++ / 2];
+            byte = char(byte << 4 | digit);
+        } else if (c != form[i]) {
+            return std::nullopt;
+        }
+    }
+    return QUuid::fromRfc4122(bytes);
 }
 
 /// Reads the array's objects into a builder.
@@ -81,7 +109,7 @@ private:
         JsonReader::String key;
         m_reader.enterObject();
         while (m_reader.nextKey(key)) {
-            if (!readField(key.text(), fields))
+            if (!readField(textOf(key), fields))
                 return false;
         }
         if (m_reader.failed() || !fields.id || !fields.name || !fields.url)
@@ -133,7 +161,7 @@ private:
             return true;
         if (!m_reader.readString(value))
             return false;
-        text = value.text();
+        text = textOf(value);
         return true;
     }
 

@@ -476,6 +476,10 @@ void MpvMediaPlayer::handle(const mpv_event &event)
     case MPV_EVENT_END_FILE:
         handleEndOfFile(*static_cast<mpv_event_end_file *>(event.data));
         break;
+    case MPV_EVENT_IDLE:
+        // The picture is gone, which the renderer is not told.
+        Q_EMIT frameReady();
+        break;
     case MPV_EVENT_PLAYBACK_RESTART:
         if (!m_state.loaded)
             break;

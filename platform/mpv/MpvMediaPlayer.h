@@ -83,7 +83,7 @@ public:
                                  std::function<void()> observer) override;
 
 Q_SIGNALS:
-    /// There is a new picture to draw.
+    /// There is a new picture to draw, or none any more.
     void frameReady();
 
 private:

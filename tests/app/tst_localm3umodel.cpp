@@ -77,6 +77,7 @@ private Q_SLOTS:
     void networkListNamesNoFiles();
     void savesWhatPlays();
     void showsWhatIsSavedAlready();
+    void waitsForTheLibrary();
     void savesUnderAName_data();
     void savesUnderAName();
     void plays_data();
@@ -185,6 +186,26 @@ void LocalM3UModelTest::showsWhatIsSavedAlready()
     QCOMPARE(world.names(), u"abc"_s);
     QVERIFY(world.shell.sidebarVisible() && world.shell.showsLocalM3U());
     QCOMPARE(world.library.list()->selectedRow(), 2);
+}
+
+void LocalM3UModelTest::waitsForTheLibrary()
+{
+    World before;
+    before.set(u"ab"_s);
+    before.store.persist();
+    before.scheduler.runBackground();
+
+    World world;
+    world.defaults.values = before.defaults.values;
+    world.player.play(QUrl(u"http://h/b.m3u8"_s), u"Other name"_s, true);
+    QSignalSpy changed(&world.library, &LocalM3UModel::currentChanged);
+    // Nobody has to wait only to be shown something.
+    QVERIFY(world.store.isLoading() && !world.library.isCurrentSaved());
+    world.library.saveCurrent();
+    QCOMPARE(world.names(), u"ab"_s);
+    QVERIFY(world.library.isCurrentSaved());
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(world.library.list()->selectedRow(), -1);
 }
 
 void LocalM3UModelTest::savesUnderAName_data()

@@ -38,6 +38,7 @@ class LocalM3UHistoryTest : public QObject
 
 private Q_SLOTS:
     void goesBackAndForth();
+    void goesBackToWhatWasStored();
     void newChangeEndsRedo();
     void forgetsTheOldest();
     void deletedStaysDeleted();
@@ -66,6 +67,21 @@ void LocalM3UHistoryTest::goesBackAndForth()
         world.history.redo();
     QVERIFY(!world.history.canRedo());
     QCOMPARE(world.names(), u"ab"_s);
+}
+
+void LocalM3UHistoryTest::goesBackToWhatWasStored()
+{
+    World world;
+    world.save(u"a"_s);
+    world.scheduler.runBackground();
+    // Changed before it is there.
+    LocalM3UStore store(world.defaults, world.scheduler);
+    LocalM3UHistory history(store);
+    store.save(QUrl(u"http://h/b"_s), u"b"_s);
+    QCOMPARE(store.entries().size(), 2);
+    history.undo();
+    QCOMPARE(store.entries(), world.store.entries());
+    QVERIFY(!history.canUndo());
 }
 
 void LocalM3UHistoryTest::newChangeEndsRedo()
@@ -148,6 +164,18 @@ void LocalM3UHistoryTest::deletedStaysDeletedUnderOtherIds()
     world.removeForGood(0);
     world.history.undo();
     QCOMPARE(world.names(), QString());
+
+    // An imported list may hold it any number of times, and other links with its id.
+    PlaylistEntry other = link;
+    other.url = QUrl(u"http://h/y"_s);
+    other.name = u"y"_s;
+    QList<PlaylistEntry> many(20'000, twin);
+    many += {other, other};
+    world.store.setEntries(PlaylistEntries::fromList(many));
+    world.store.setEntries(PlaylistEntries::fromList({link}));
+    world.removeForGood(0);
+    world.history.undo();
+    QCOMPARE(world.names(), u"y"_s);
 }
 
 void LocalM3UHistoryTest::deletedAllStaysDeleted()

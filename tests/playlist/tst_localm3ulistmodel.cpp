@@ -34,6 +34,7 @@ struct World
     LocalM3UListModel model{store, scheduler};
     QAbstractItemModelTester tester{&model};
 
+    World() { scheduler.runBackground(); }
     void set(const QString &letters)
     {
         store.setEntries(PlaylistEntries::fromList(links(letters)));
@@ -67,6 +68,7 @@ class LocalM3UListModelTest : public QObject
 private Q_SLOTS:
     void touchesOnlyWhatChanged_data();
     void touchesOnlyWhatChanged();
+    void showsTheLibraryOnceItIsThere();
     void searches();
     void changesReachASearch();
     void newestSearchWins();
@@ -125,6 +127,30 @@ void LocalM3UListModelTest::touchesOnlyWhatChanged()
     QCOMPARE(counted.count(), before.size() == after.size() ? 0 : 1);
     QCOMPARE(matched.count(), counted.count());
     QCOMPARE(world.scheduler.pendingBackgroundWork(), 0);
+}
+
+void LocalM3UListModelTest::showsTheLibraryOnceItIsThere()
+{
+    World world;
+    world.set(u"abc"_s);
+    world.store.persist();
+    world.scheduler.runBackground();
+
+    LocalM3UStore store(world.defaults, world.scheduler);
+    LocalM3UListModel model(store, world.scheduler);
+    const QAbstractItemModelTester tester(&model);
+    QSignalSpy loaded(&model, &LocalM3UListModel::isLoadingChanged);
+    QVERIFY(model.isLoading());
+    QCOMPARE(model.count(), 0);
+    model.setFilterText(u"c"_s);
+    QVERIFY(model.isSearching());
+    QCOMPARE(model.rowCount(), 0);
+    world.scheduler.runBackground();
+    QCOMPARE(loaded.count(), 1);
+    QVERIFY(!model.isLoading() && !model.isSearching());
+    QCOMPARE(model.count(), 3);
+    QCOMPARE(model.rowCount(), 1);
+    QCOMPARE(model.idAt(model.selectedRow()), store.entries().id(2));
 }
 
 void LocalM3UListModelTest::searches()

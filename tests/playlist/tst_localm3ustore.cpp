@@ -4,8 +4,11 @@
 #include "tests/fakes/FakeScheduler.h"
 #include "tests/fakes/FakeUserDefaults.h"
 
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -60,10 +63,13 @@ private Q_SLOTS:
     void savingAnEntryKeepsItsValues();
     void containsByAbsoluteString_data();
     void containsByAbsoluteString();
+    void findsWhateverChanges();
     void survivesTheNextLaunch();
+    void waitsForWhatIsStored();
     void whatIsSavedLoadsAgain();
     void startsEmptyOnBadData_data();
     void startsEmptyOnBadData();
+    void savingEarlyKeepsBadDataAside();
     void saysWhenItCannotStore();
     void storesAtTheEnd();
 };
@@ -150,6 +156,39 @@ void LocalM3UStoreTest::containsByAbsoluteString()
     QVERIFY(!world.store->contains(QUrl(address)));
 }
 
+void LocalM3UStoreTest::findsWhateverChanges()
+{
+    World world;
+    QRandomGenerator random(1);
+    const auto address = [&] { return u"http://h/%1"_s.arg(random.bounded(12)); };
+    const auto someEntry = [&] { return entry(u"E"_s, address()); };
+    QList<PlaylistEntries> before;
+    for (int round = 0; round < 600; ++round) {
+        const PlaylistEntries &entries = world.store->entries();
+        const qsizetype at = random.bounded(int(entries.size()) + 1);
+        const qsizetype removed = at == entries.size() ? 0 : random.bounded(2);
+        if (round % 150 == 0)
+            world.store->setEntries(
+                PlaylistEntries::fromList({someEntry(), someEntry(), someEntry(), someEntry()}));
+        else if (round % 7 == 0)
+            world.store->setEntries(before.at(random.bounded(int(before.size()))));
+        else if (random.bounded(3) == 0)
+            world.store->save(someEntry());
+        else
+            world.store->setEntries(entries.replacing(at, removed,
+                                                      entries.size() < 10 && random.bounded(3) > 0
+                                                          ? QList{someEntry()}
+                                                          : QList<PlaylistEntry>()));
+        before.append(world.store->entries());
+        for (int number = 0; number < 12; ++number) {
+            const QUrl url(u"http://h/%1"_s.arg(number));
+            const QList<PlaylistEntry> all = world.store->entries().toList();
+            const auto found = std::ranges::find(all, url, &PlaylistEntry::url);
+            QCOMPARE(world.store->indexOf(url), found == all.end() ? -1 : found - all.begin());
+        }
+    }
+}
+
 void LocalM3UStoreTest::survivesTheNextLaunch()
 {
     World world;
@@ -170,6 +209,37 @@ void LocalM3UStoreTest::survivesTheNextLaunch()
     world.restart();
     QCOMPARE(names(world.store->entries()), (QStringList{u"C"_s, u"B"_s, u"\"A\"\n😀"_s}));
     QCOMPARE(world.store->entries(), changed);
+}
+
+void LocalM3UStoreTest::waitsForWhatIsStored()
+{
+    World world;
+    world.store->save(QUrl(u"http://h/a"_s), u"A"_s);
+    world.restart();
+    QSignalSpy loaded(world.store.get(), &LocalM3UStore::loaded);
+    QSignalSpy changed(world.store.get(), &LocalM3UStore::entriesChanged);
+    QVERIFY(world.store->isLoading());
+    QVERIFY(world.store->contains(QUrl(u"http://h/a"_s)));
+    QCOMPARE(names(world.store->entries()), QStringList{u"A"_s});
+    QVERIFY(world.store->isLoading());
+    world.scheduler.runBackground();
+    QVERIFY(!world.store->isLoading());
+    QCOMPARE(loaded.count(), 1);
+    QCOMPARE(changed.count(), 0);
+
+    // Neither is what was stored lost by storing early, nor by going early.
+    world.restart();
+    world.store->persist();
+    world.restart();
+    world.restart();
+    QSignalSpy loadedAgain(world.store.get(), &LocalM3UStore::loaded);
+    connect(world.store.get(), &LocalM3UStore::entriesChanged, this,
+            [&] { QCOMPARE(loadedAgain.count(), 1); });
+    world.store->save(QUrl(u"http://h/b"_s), u"B"_s);
+    world.scheduler.runBackground();
+    QCOMPARE(loadedAgain.count(), 1);
+    world.restart();
+    QCOMPARE(names(world.store->entries()), (QStringList{u"B"_s, u"A"_s}));
 }
 
 void LocalM3UStoreTest::whatIsSavedLoadsAgain()
@@ -215,6 +285,17 @@ void LocalM3UStoreTest::startsEmptyOnBadData()
     world.restart();
     QCOMPARE(names(world.store->entries()), QStringList{u"B"_s});
     QCOMPARE(world.defaults.setAsideValues.size(), 1);
+}
+
+void LocalM3UStoreTest::savingEarlyKeepsBadDataAside()
+{
+    World world;
+    world.defaults.values.insert(key, "no library");
+    world.restart();
+    world.store->save(QUrl(u"http://h/b"_s), u"B"_s);
+    world.restart();
+    QCOMPARE(world.defaults.setAsideValues, QByteArrayList{"no library"});
+    QCOMPARE(names(world.store->entries()), QStringList{u"B"_s});
 }
 
 void LocalM3UStoreTest::saysWhenItCannotStore()

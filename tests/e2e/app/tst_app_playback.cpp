@@ -29,6 +29,7 @@ private Q_SLOTS:
     void liveStreamStallsAndRecovers();
     void seeksExactly();
     void pausesAtTheEndAndPlaysAgain();
+    void stoppingLeavesNoPicture();
     void calmlyShowsWhatCannotBePlayed_data();
     void calmlyShowsWhatCannotBePlayed();
     void truncatedFilmPlaysUntilItEnds();
@@ -216,6 +217,25 @@ void AppPlaybackTest::pausesAtTheEndAndPlaysAgain()
     QCOMPARE(player.title(), u"Lumaro"_s);
     m_world->press(Qt::Key_Space);
     QVERIFY(m_world->playsTo(0.2));
+}
+
+void AppPlaybackTest::stoppingLeavesNoPicture()
+{
+    // Beside what is written where nothing plays.
+    const auto isDark = [this] {
+        const QImage screen = m_world->screen();
+        const int x = screen.width() * 9 / 10;
+        for (int y = screen.height() / 4; y < screen.height() / 2; ++y) {
+            if (qGray(screen.pixel(x, y)) > 16)
+                return false;
+        }
+        return true;
+    };
+    m_world->open(fixture(Fixture::Movie));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return !isDark(); }));
+    m_world->player().stop();
+    QVERIFY(becomesTrue(isDark));
 }
 
 void AppPlaybackTest::calmlyShowsWhatCannotBePlayed_data()
