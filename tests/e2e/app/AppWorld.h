@@ -42,11 +42,14 @@ public:
     PlayerSurfaceRegistry &surfaces() { return m_application->surfaces(); }
     RecentItems &recent() { return m_application->recent(); }
     RecordingModel &recording() { return m_application->recording(); }
+    QuickFilePanels &panels() { return m_application->panels(); }
     QQuickWindow &window() { return *m_window; }
     SnifferViewModel &finder() { return m_application->finder(); }
     SnifferWindowController &finderController() { return m_application->finderWindow(); }
     /// Shows the stream finder; its window, or nothing when that does not appear.
     QQuickWindow *openFinder();
+    /// The same without the keyboard, which a window may not have where nobody manages windows.
+    void showFinder() { m_application->showFinder(); }
     QString folder() const { return m_folder.path(); }
     void open(const QString &fileOrAddress) { m_application->open(fileOrAddress, {}); }
 

@@ -48,6 +48,12 @@ QList<FaultRequest> FaultBoard::requests() const
     return m_requests;
 }
 
+void FaultBoard::forgetRequests()
+{
+    const QMutexLocker locker(&m_mutex);
+    m_requests.clear();
+}
+
 void FaultBoard::addToConnections(int difference)
 {
     const QMutexLocker locker(&m_mutex);

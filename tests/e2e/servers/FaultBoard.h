@@ -20,6 +20,7 @@ public:
 
     void record(const FaultRequest &request);
     QList<FaultRequest> requests() const;
+    void forgetRequests();
 
     void addToConnections(int difference);
     int connections() const;

@@ -89,6 +89,11 @@ qsizetype FaultServer::requestCount(const QByteArray &target) const
     return std::ranges::count(m_board->requests(), target, &FaultRequest::target);
 }
 
+void FaultServer::forgetRequests()
+{
+    m_board->forgetRequests();
+}
+
 int FaultServer::openConnections() const
 {
     return m_board->connections();

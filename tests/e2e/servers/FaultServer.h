@@ -51,6 +51,8 @@ public:
     /// Every request received whole so far, oldest first, held ones among them.
     QList<FaultRequest> requests() const;
     qsizetype requestCount(const QByteArray &target) const;
+    /// Makes requests() begin anew.
+    void forgetRequests();
     /// Connections that are open now.
     int openConnections() const;
 
