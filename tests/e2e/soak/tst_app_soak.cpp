@@ -33,11 +33,11 @@ constexpr bool isSanitized = false;
 constexpr std::chrono::milliseconds longestSilence = isSanitized ? 40s : 10s;
 
 /// In kilobytes: what lists of 200,000 channels, pictures and pages leave in the allocator's pieces
-/// and the browser's caches varies by about half of that from one rest to the next.
+/// and the browser's caches. Eight megabytes have been seen in four minutes.
 constexpr qint64 memoryBound = 60 * 1024;
-/// The HTTP clients keep a few connections for the next request, and the browser those to the two
-/// page processes that it keeps for the next page.
-constexpr int descriptorBound = 16;
+/// Minutes after its start, once, the browser opens another database, of eight files, for each of
+/// its two profiles; besides, clients keep a few connections for the next request.
+constexpr int descriptorBound = 2 * 8 + 8;
 /// Pools keep threads for a while; how many depends on what came last.
 constexpr int threadBound = 12;
 /// The browser keeps up to two processes for the next page.
