@@ -90,13 +90,9 @@ Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayNa
     const QString shownTitle = trimmedOr(displayName, productName());
 
     if (const auto youTube = YouTubeContent::fromUrl(*url)) {
-        publish(m_lastPlayableSource, YouTubeSource{*youTube, shownTitle},
-                &PlayerModel::lastPlayableSourceChanged);
-        showWebContent(*m_lastPlayableSource);
+        openWebContent(YouTubeSource{*youTube, shownTitle});
     } else if (const auto okVideo = OKVideoContent::fromUrl(*url)) {
-        publish(m_lastPlayableSource, OKVideoSource{*okVideo, shownTitle},
-                &PlayerModel::lastPlayableSourceChanged);
-        showWebContent(*m_lastPlayableSource);
+        openWebContent(OKVideoSource{*okVideo, shownTitle});
     } else if (isIPTVPlaylistURL(*url)) {
         co_await loadM3U(*url, std::move(displayName), requestID);
         co_return;
@@ -447,6 +443,12 @@ void PlayerModel::replayLastSourceOrShowToast()
     }
 }
 
+void PlayerModel::openWebContent(const LastPlayableSource &source)
+{
+    publish(m_lastPlayableSource, source, &PlayerModel::lastPlayableSourceChanged);
+    showWebContent(source);
+}
+
 void PlayerModel::showWebContent(const LastPlayableSource &source)
 {
     const auto *youTube = std::get_if<YouTubeSource>(&source);
@@ -455,7 +457,8 @@ void PlayerModel::showWebContent(const LastPlayableSource &source)
     publish(m_currentURL, QUrl(), &PlayerModel::currentURLChanged);
     setWebContent(youTube ? std::optional(youTube->content) : std::nullopt,
                   okVideo ? std::optional(okVideo->content) : std::nullopt);
-    publish(m_title, youTube ? youTube->title : okVideo->title, &PlayerModel::titleChanged);
+    publish(m_title, std::visit([](const auto &content) { return content.title; }, source),
+            &PlayerModel::titleChanged);
     m_webPauseIsDue = false;
     publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
 }

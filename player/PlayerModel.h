@@ -211,6 +211,7 @@ private:
     void updateIsLoading();
     void cancelLoads();
 
+    void openWebContent(const LastPlayableSource &source);
     void showWebContent(const LastPlayableSource &source);
     void setWebContent(const std::optional<YouTubeContent> &youTube,
                        const std::optional<OKVideoContent> &okVideo);
