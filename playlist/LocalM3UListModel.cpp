@@ -81,13 +81,18 @@ void LocalM3UListModel::refresh()
 Task<> LocalM3UListModel::prepare(PlaylistEntries entries, std::stop_token stop)
 {
     setIsSearching(true);
-    const auto indexing = m_scheduler.inBackground(
-        [entries] { return std::make_shared<const SearchIndex>(entries); });
-    auto index = co_await indexing;
+    const QString text = m_filterText;
+    const auto searching = m_scheduler.inBackground([entries, text] {
+        auto index = std::make_shared<const SearchIndex>(entries);
+        Rows rows = index->matches(text);
+        return std::pair(std::move(index), std::move(rows));
+    });
+    auto [index, rows] = co_await searching;
     if (stop.stop_requested())
         co_return;
     m_index = std::move(index);
-    changeRows(entries, m_index->matches(m_filterText));
+    // More may have been typed meanwhile.
+    changeRows(entries, m_filterText == text ? std::move(rows) : m_index->matches(m_filterText));
     setIsSearching(false);
 }
 

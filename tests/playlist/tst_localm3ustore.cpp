@@ -180,9 +180,9 @@ void LocalM3UStoreTest::findsWhateverChanges()
                                                           ? QList{someEntry()}
                                                           : QList<PlaylistEntry>()));
         before.append(world.store->entries());
+        const QList<PlaylistEntry> all = world.store->entries().toList();
         for (int number = 0; number < 12; ++number) {
             const QUrl url(u"http://h/%1"_s.arg(number));
-            const QList<PlaylistEntry> all = world.store->entries().toList();
             const auto found = std::ranges::find(all, url, &PlaylistEntry::url);
             QCOMPARE(world.store->indexOf(url), found == all.end() ? -1 : found - all.begin());
         }
