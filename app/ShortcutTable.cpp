@@ -69,6 +69,8 @@ constexpr std::array finderKeys{
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Smaller"), "Ctrl+-"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Original Size"), "Ctrl+0"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Find in Page"), "Ctrl+F"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Next Place"), "F3"},
+    Key{QT_TRANSLATE_NOOP("ShortcutTable", "Previous Place"), "Shift+F3"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Save or Forget the Website"), "Ctrl+D"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "Saved Websites and History"), "Ctrl+H"},
     Key{QT_TRANSLATE_NOOP("ShortcutTable", "More or Fewer Streams"), "+ / -"},

@@ -36,8 +36,8 @@ Rectangle {
         activeFocusOnTab: true
         Accessible.role: Accessible.PageTabList
         Accessible.name: qsTr("Tabs")
-        Keys.onLeftPressed: root.tabs.selectRow(root.tabs.selectedRow - 1)
-        Keys.onRightPressed: root.tabs.selectRow(root.tabs.selectedRow + 1)
+        Keys.onLeftPressed: root.tabs.selectNext(-1)
+        Keys.onRightPressed: root.tabs.selectNext(1)
         Keys.onDeletePressed: root.tabs.closeRow(root.tabs.selectedRow)
 
         delegate: T.AbstractButton {

@@ -121,7 +121,6 @@ Item {
         currentIndex: -1
         reuseItems: true
         keyNavigationEnabled: false
-        activeFocusOnTab: true
         boundsBehavior: Flickable.StopAtBounds
         T.ScrollBar.vertical: ScrollBar {}
 

@@ -37,4 +37,12 @@ bool becomesTrue(Condition condition)
     return isTrue;
 }
 
+/// Handles events for as long as `time`.
+inline void letPass(std::chrono::milliseconds time)
+{
+    QEventLoop loop;
+    QTimer::singleShot(time, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 } // namespace lumaro
