@@ -347,18 +347,18 @@ bool Application::loadFinder()
 
 SnifferWindowController::KeyWindow Application::classified(const QWindow *window) const
 {
-    using KeyWindow = SnifferWindowController::KeyWindow;
+    using Key = SnifferWindowController::KeyWindow;
     if (!window)
-        return KeyWindow::None;
+        return Key::None;
     if (window == m_finderWindow)
-        return KeyWindow::Finder;
+        return Key::Finder;
     if (window->isModal())
-        return KeyWindow::OwnPanel;
+        return Key::OwnPanel;
     for (const QWindow *above = window; above; above = above->transientParent()) {
         if (above == m_finderWindow)
-            return KeyWindow::OwnPanel;
+            return Key::OwnPanel;
     }
-    return KeyWindow::Other;
+    return Key::Other;
 }
 
 void Application::playFound(const QUrl &url, const QString &name)

@@ -103,7 +103,7 @@ Row measureRates(int rounds)
 {
     Row row{u"pictures shown, smart to normal"_s, 0, {}, Limit{Limit::Kind::AtLeast, 0.99}};
     const auto file =
-        MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::FullHdMovie);
+        MediaFixtures(QStringLiteral(LUMARO_FIXTURE_FOLDER)).path(Fixture::CountedMovie);
     if (!file) {
         row.ratio = std::unexpected(file.error());
         return row;

@@ -84,6 +84,16 @@ Recipe recipeFor(Fixture fixture)
         return {u"fullhd.mp4"_s,
                 words(testPicture(u"1920x1080"_s, 75) + encoding + u"-b:v 3000k "_s + mp4
                       + u"fullhd.mp4"_s)};
+    case Fixture::CountedMovie: {
+        QStringList squares;
+        for (const QString &color : {u"red"_s, u"green"_s, u"blue"_s})
+            squares.append(
+                u"drawbox=x=iw/2-240:y=ih/2-240:w=480:h=480:t=fill:color=%1:enable=eq(mod(n\\,3)\\,%2)"_s
+                    .arg(color, QString::number(squares.size())));
+        return {u"counted.mp4"_s,
+                words(testPicture(u"1920x1080"_s, 30) + u"-vf "_s + squares.join(u',') + u' '
+                      + encoding + u"-b:v 3000k "_s + mp4 + u"counted.mp4"_s)};
+    }
     case Fixture::SmallMovie:
         return {u"small.mp4"_s,
                 words(testPicture(u"320x180"_s, 60) + encoding + mp4 + u"small.mp4"_s)};

@@ -23,6 +23,8 @@ enum class Fixture {
     MovingFace, ///< MP4, 40 s, 1280x720: a face goes from left to right in 16 s, then rests; the
                 ///< grey behind it grows lighter to the right
     FullHdMovie, ///< as Movie, but 1920x1080 and 75 s
+    CountedMovie, ///< as FullHdMovie, but 30 s, with a square in the middle that is red, green and
+                  ///< blue by turns
     SmallMovie, ///< MP4, 60 s of a moving test picture, 320x180 at 30 frames a second, and a tone
     SmallClip, ///< the first 10 s of that
     LongMovie, ///< MP4, 15 minutes of a moving test picture, 320x180 at 5 frames a second
