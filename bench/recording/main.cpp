@@ -91,7 +91,7 @@ public:
     {
         m_window->setGeometry(0, 0, 1280, 720);
         m_application.window().setSidebarVisible(false);
-        m_application.open(film, {});
+        m_application.open({film}, {});
         // Starting up has an end, and the controls fade.
         if (!becomesTrue([&] { return m_application.player().currentTime() > 4; }))
             return std::unexpected(u"The film does not play."_s);
