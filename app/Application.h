@@ -145,8 +145,8 @@ private:
     BoundedNetworkAccess m_pictureAccess;
     DelayedTask m_garbage{m_scheduler};
     QQmlApplicationEngine m_engine;
-    /// Made when it is first shown; the engine owns it.
     QLibrary m_browser;
+    /// Made when it is first shown, and deleted before the engine.
     QPointer<QQuickWindow> m_finderWindow;
 };
 

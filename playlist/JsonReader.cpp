@@ -16,6 +16,8 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
+} // namespace
+
 int hexDigit(char c)
 {
     if (isDigit(c))
@@ -23,6 +25,8 @@ int hexDigit(char c)
     const char lower = char(c | 0x20);
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
+
+namespace {
 
 /// The first byte that means something in a string, or must not be there.
 const char *findSpecial(const char *at, const char *end)

@@ -5,6 +5,9 @@
 
 namespace lumaro {
 
+/// What `c` is worth as a hexadecimal digit in either case; -1 for no digit.
+int hexDigit(char c);
+
 /// Walks through a JSON text (RFC 8259) from its beginning, value by value, without copying it.
 /// What is wrong stops the walk for good: failed() is true then and every other call false.
 class JsonReader

@@ -39,14 +39,6 @@ QByteArray textOf(const JsonReader::String &string)
                              : QByteArray::fromRawData(string.raw.data(), string.raw.size());
 }
 
-int hexDigit(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    const char lower = char(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 /// The form that is written, in either case (RFC 4122, section 3); QUuid forgives more.
 std::optional<QUuid> idOf(const JsonReader::String &string)
 {

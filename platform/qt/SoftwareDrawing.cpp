@@ -10,7 +10,9 @@
 
 namespace lumaro {
 
-bool isDrawnInSoftware()
+namespace {
+
+bool rendersInSoftware()
 {
     QOffscreenSurface surface;
     surface.create();
@@ -22,6 +24,14 @@ bool isDrawnInSoftware()
     const QByteArray renderer = QByteArray(name).toLower();
     return renderer.contains("llvmpipe") || renderer.contains("softpipe")
         || renderer.contains("swrast") || renderer.contains("software");
+}
+
+} // namespace
+
+bool isDrawnInSoftware()
+{
+    static const bool answer = rendersInSoftware();
+    return answer;
 }
 
 void drawInTurns(QQuickWindow &window)

@@ -5,7 +5,7 @@ class QQuickWindow;
 namespace lumaro {
 
 /// Whether the processor draws here what is a graphics card's elsewhere. Asks an OpenGL context of
-/// its own, which takes some milliseconds. Main thread.
+/// its own at the first call, which takes some milliseconds. Main thread.
 bool isDrawnInSoftware();
 
 /// Lets one of the windows given here draw at a time. Mesa's llvmpipe, at least up to 22.3, looks
