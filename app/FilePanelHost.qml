@@ -45,8 +45,9 @@ Item {
             dialog.open();
         }
         function onWithdrawn() {
-            for (const loader of host.loaders)
-                loader.item?.close();
+            // Qt 6.4 throws where a list of objects is walked by "of".
+            for (let i = 0; i < host.loaders.length; ++i)
+                host.loaders[i].item?.close();
             (replacing.item as Dialog)?.close();
         }
     }

@@ -26,6 +26,12 @@ void AppWorld::start()
                                                           {m_folder.path()},
                                                           m_folder.path()},
                                                   m_services);
+    // An error in a view's script ends what it was doing, and is seen by nobody else.
+    QObject::connect(&m_application->engine(), &QQmlEngine::warnings,
+                     [](const QList<QQmlError> &errors) {
+                         for (const QQmlError &error : errors)
+                             QTest::qFail(qPrintable(error.toString()), __FILE__, __LINE__);
+                     });
     if (!m_application->show())
         qFatal("The main window's views cannot be loaded.");
     m_window = qobject_cast<QQuickWindow *>(m_application->engine().rootObjects().value(0));

@@ -167,6 +167,7 @@ private Q_SLOTS:
     void keysAddEditAndDelete();
     void savesWhatPlays();
     void exportsByKeys();
+    void closedFormTakesItsFilePanelAlong();
     void fileDroppedOnTheLibraryBecomesIt();
     void killedWhileWritingKeepsWholeLibraries();
     void fullDiskKeepsTheStoredLibrary();
@@ -302,6 +303,18 @@ void AppLibraryTest::exportsByKeys()
     m_world->press(Qt::Key_Tab);
     m_world->press(Qt::Key_Return);
     QVERIFY(becomesTrue([&] { return exported(u"my list.m3u"_s) == 3; }));
+}
+
+void AppLibraryTest::closedFormTakesItsFilePanelAlong()
+{
+    openWorld();
+    LocalM3UEditor &form = *m_world->librarySection().editor();
+    form.beginAdding(u"http://host.example/live.m3u8"_s);
+    form.chooseLogoFile();
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+    form.cancel();
+    QVERIFY(!m_world->panels().isOpen());
+    QVERIFY(becomesTrue([&] { return !m_world->isPopupOpen(); }));
 }
 
 void AppLibraryTest::fileDroppedOnTheLibraryBecomesIt()
