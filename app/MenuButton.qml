@@ -73,7 +73,7 @@ Item {
             required property MenuCommand modelData
 
             text: modelData.title
-            shortcutText: modelData.shortcut
+            shortcutText: modelData.shownKeys
             startsGroup: modelData.startsGroup
             enabled: modelData.isEnabled
             checkable: modelData.isCheckable

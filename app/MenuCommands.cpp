@@ -76,19 +76,28 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
     };
 
     MenuCommand *playPause =
-        make({[&player] { return player.isPlaying() ? tr("Pause") : tr("Play"); },
-              {},
-              [&player] { player.togglePlayback(); }});
+        make({.title = [&player] { return player.isPlaying() ? tr("Pause") : tr("Play"); },
+              .shortcut = {},
+              .action = [&player] { player.togglePlayback(); },
+              .monitoredKeys = QStringLiteral("Space")});
     connect(&player, &PlayerModel::isPlayingChanged, playPause, &MenuCommand::titleChanged);
-    m_playback = {playPause, make({always(tr("Stop")), {}, [&player] { player.stop(); }})};
-    for (const int seconds : {5, 20, 60}) {
+    m_playback = {playPause,
+                  make({.title = always(tr("Stop")),
+                        .shortcut = {},
+                        .action = [&player] { player.stop(); },
+                        .monitoredKeys = QStringLiteral("Ctrl+K")})};
+    for (const auto &[seconds, modifier] :
+         {std::pair(5, ""), std::pair(20, "Alt+"), std::pair(60, "Ctrl+")}) {
+        const QString keys = QString::fromLatin1(modifier);
         m_playback << make({.title = always(tr("Back %n Seconds", nullptr, seconds)),
                             .shortcut = {},
                             .action = [&player, seconds] { player.skip(-seconds); },
-                            .startsGroup = seconds == 5})
-                   << make({always(tr("Forward %n Seconds", nullptr, seconds)),
-                            {},
-                            [&player, seconds] { player.skip(seconds); }});
+                            .startsGroup = seconds == 5,
+                            .monitoredKeys = keys + u"Left"})
+                   << make({.title = always(tr("Forward %n Seconds", nullptr, seconds)),
+                            .shortcut = {},
+                            .action = [&player, seconds] { player.skip(seconds); },
+                            .monitoredKeys = keys + u"Right"});
     }
     m_playback << make({always(tr("Play from the Beginning")), QStringLiteral("Home"),
                         [&player] { player.seek(0); }});

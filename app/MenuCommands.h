@@ -22,6 +22,9 @@ class MenuCommand : public QObject
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
     /// In QKeySequence's portable form; empty for none.
     Q_PROPERTY(QString shortcut READ shortcut CONSTANT)
+    /// The keys to show beside the title: the shortcut, or those that the player's key monitor
+    /// takes.
+    Q_PROPERTY(QString shownKeys READ shownKeys CONSTANT)
     Q_PROPERTY(bool isEnabled READ isEnabled NOTIFY isEnabledChanged)
     /// One of several choices.
     Q_PROPERTY(bool isCheckable READ isCheckable CONSTANT)
@@ -45,12 +48,18 @@ public:
         /// With it the command is one of several choices.
         std::function<bool()> isChecked{};
         bool opensMenu = false;
+        /// In place of a shortcut; in QKeySequence's portable form.
+        QString monitoredKeys{};
     };
 
     explicit MenuCommand(Description description, QObject *parent = nullptr);
 
     QString title() const { return m_description.title(); }
     const QString &shortcut() const { return m_description.shortcut; }
+    const QString &shownKeys() const
+    {
+        return shortcut().isEmpty() ? m_description.monitoredKeys : shortcut();
+    }
     bool isEnabled() const { return !m_description.isEnabled || m_description.isEnabled(); }
     bool isCheckable() const { return bool(m_description.isChecked); }
     bool isChecked() const { return isCheckable() && m_description.isChecked(); }
