@@ -22,11 +22,10 @@ test_packages=(
 )
 # Some distributions of node bring npm along, and do not get on with the package.
 command -v npm >/dev/null || test_packages+=(npm)
+# What building the benchmarks needs, which the tests do; and what running them does.
+bench_build_packages=(libx11-dev libxext-dev libopencv-objdetect-dev opencv-data)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
-bench_packages=(
-    bsdextrautils mpv libx11-dev libxext-dev curl yt-dlp libopencv-objdetect-dev opencv-data
-    opencv-doc python3-skimage
-)
+bench_packages=(bsdextrautils mpv curl yt-dlp opencv-doc python3-skimage)
 
 # need_packages NAME…: installs those that are not there yet, and says which.
 need_packages() {

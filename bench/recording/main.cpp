@@ -184,9 +184,8 @@ private:
         const double player = processorTime() - begin;
         if (!becomesTrue([&] { return !ffmpeg.isRunning(); }) || ffmpeg.exitCode() != 0)
             return std::unexpected(u"ffmpeg failed."_s);
-        const double grabber =
-            forAllFrames(std::chrono::duration<double>(ffmpeg.processorTime()).count(),
-                         framesIn(file));
+        const double grabber = forAllFrames(
+            std::chrono::duration<double>(ffmpeg.processorTime()).count(), framesIn(file));
         round.grabbing = player + grabber;
         round.peer = round.grabbing - round.playing;
         return {};
