@@ -34,6 +34,11 @@ FocusScope {
         return item !== null;
     }
 
+    // What the controls need side by side. A window manager may give less.
+    readonly property real leastStageWidth: Math.max(520, topBar.leastWidth, controlBar.leastWidth + Theme.spacing * 8)
+    readonly property real leastSidebarWidth: Theme.roomFor(280, 10)
+    readonly property real leastWidth: (sidebar.visible ? leastSidebarWidth : 0) + leastStageWidth
+
     Item {
         id: stage
 
@@ -139,7 +144,7 @@ FocusScope {
                 bottomMargin: Theme.spacing * (root.webPlayers.wantsPage ? 16 : 4)
                 horizontalCenter: parent.horizontalCenter
             }
-            width: Math.min(parent.width - Theme.spacing * 8, 760)
+            width: Math.min(parent.width - Theme.spacing * 8, Math.max(760, leastWidth))
             shown: root.shell.controlsVisible
             player: root.player
             shell: root.shell
@@ -194,7 +199,7 @@ FocusScope {
         id: sidebar
 
         anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
-        width: Math.min(340, root.width * 0.45)
+        width: Math.min(Theme.roomFor(340, 10), Math.max(root.leastSidebarWidth, root.width - root.leastStageWidth), root.width * 0.45)
         visible: root.shell.sidebarVisible && !root.shell.isFullScreen
         player: root.player
         shell: root.shell
@@ -202,7 +207,7 @@ FocusScope {
         library: root.library
         onDismissed: surface.forceActiveFocus()
         // Keys must not go on typing into a field that nobody sees.
-        onVisibleChanged: if (!visible) surface.forceActiveFocus()
+        onVisibleChanged: if (!visible && activeFocus) surface.forceActiveFocus()
     }
 
     Binding {

@@ -14,7 +14,12 @@ Rectangle {
     default property alias extras: extraControls.data
 
     readonly property bool inUse: hover.hovered || seekSlider.pressed || volumeSlider.pressed
-    readonly property bool isCompact: width < 520
+    // With a short bar of the volume, and the play button in the middle.
+    readonly property real leastWidth: transportButtons.implicitWidth + Theme.spacing * 12
+        + 2 * Math.max(muteButton.implicitWidth + compactVolume + stopButton.implicitWidth + Theme.spacing * 4, rightButtons.implicitWidth)
+    readonly property bool isCompact: width < leastWidth + 2 * (roomyVolume - compactVolume)
+    readonly property int compactVolume: 56
+    readonly property int roomyVolume: 96
 
     implicitHeight: column.implicitHeight + Theme.spacing * 5
     radius: Theme.radiusLarge
@@ -102,6 +107,8 @@ Rectangle {
                 spacing: Theme.spacing
 
                 IconButton {
+                    id: muteButton
+
                     onOverlay: true
                     iconName: root.player.isMuted ? "volume-mute" : root.player.volume < 0.5 ? "volume-low" : "volume-high"
                     text: root.player.isMuted ? qsTr("Unmute") : qsTr("Mute")
@@ -112,7 +119,7 @@ Rectangle {
                     id: volumeSlider
 
                     anchors.verticalCenter: parent.verticalCenter
-                    width: root.isCompact ? 56 : 96
+                    width: root.isCompact ? root.compactVolume : root.roomyVolume
                     onOverlay: true
                     from: 0
                     to: 1
@@ -124,6 +131,8 @@ Rectangle {
             }
 
             IconButton {
+                id: stopButton
+
                 anchors {
                     right: transportButtons.left; rightMargin: Theme.spacing * 2
                     verticalCenter: parent.verticalCenter
@@ -169,6 +178,8 @@ Rectangle {
             }
 
             Row {
+                id: rightButtons
+
                 anchors { right: parent.right; verticalCenter: parent.verticalCenter }
                 spacing: Theme.spacing
 

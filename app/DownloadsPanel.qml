@@ -96,6 +96,8 @@ T.Popup {
             }
             DownloadList {
                 width: parent.width
+                // A low window has to show the rest of the panel too.
+                maximumHeight: Math.max(64, Math.min(336, (T.Overlay.overlay?.height ?? 700) - Theme.roomFor(270, 7)))
                 visible: count > 0
                 model: root.downloads.list
                 manager: root.downloads.manager

@@ -8,6 +8,8 @@ Row {
     property string text
     property bool onOverlay: false
 
+    onTextChanged: if (text !== "") Announcer.announce(root)
+
     spacing: Theme.spacing * 2
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text

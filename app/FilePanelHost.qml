@@ -86,6 +86,7 @@ Item {
             title: qsTr("Replace File?")
             acceptText: qsTr("Replace")
             destructive: true
+            onAboutToShow: isAgreed = false
             onAccepted: isAgreed = true
             onRejected: isAgreed = false
             onClosed: isAgreed ? host.panels.replace() : host.panels.chooseAnother()

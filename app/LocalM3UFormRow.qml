@@ -24,7 +24,7 @@ Item {
     TextField {
         id: field
 
-        anchors { left: parent.left; leftMargin: 84; right: parent.right }
+        anchors { left: parent.left; leftMargin: Math.round(84 * Theme.fontBody / 13); right: parent.right }
         text: root.shown
         onTextEdited: root.edited(text)
         onCleared: root.edited("")

@@ -103,18 +103,22 @@ Item {
         onDismissed: root.dismissed()
     }
 
-    EmptyState {
-        anchors {
-            left: parent.left; right: parent.right
-            verticalCenter: parent.verticalCenter
-            margins: Theme.spacing * 6
-        }
+    Item {
+        anchors { left: parent.left; right: parent.right; top: head.bottom; bottom: parent.bottom }
         visible: root.isEmpty
-        iconName: "library"
-        title: qsTr("Local M3U")
-        text: qsTr("No local M3U8 links yet. Choose an M3U file or click + to add a link.")
-        buttonText: qsTr("Choose M3U File…")
-        onButtonClicked: root.library.importLocalPlaylist()
+
+        EmptyState {
+            anchors {
+                left: parent.left; right: parent.right
+                verticalCenter: parent.verticalCenter
+                margins: Theme.spacing * 6
+            }
+            iconName: "library"
+            title: qsTr("Local M3U")
+            text: qsTr("No local M3U8 links yet. Choose an M3U file or click + to add a link.")
+            buttonText: qsTr("Choose M3U File…")
+            onButtonClicked: root.library.importLocalPlaylist()
+        }
     }
 
     Loader {
@@ -138,6 +142,7 @@ Item {
             target: root.library.list
             function onRowsInserted() { linkMenu.close(); }
             function onRowsRemoved() { linkMenu.close(); }
+            function onDataChanged() { linkMenu.close(); }
             function onModelReset() { linkMenu.close(); }
         }
         sourceComponent: Menu {

@@ -34,8 +34,8 @@ Window {
 
     width: 1120
     height: 700
-    minimumWidth: 560
-    minimumHeight: 360
+    minimumWidth: Math.max(560, content.leastWidth)
+    minimumHeight: Theme.roomFor(360, 10)
     visible: true
     color: "black"
     title: player.title
@@ -77,6 +77,8 @@ Window {
     }
 
     ContentView {
+        id: content
+
         anchors.fill: parent
         focus: true
         player: window.player

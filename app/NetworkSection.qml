@@ -4,7 +4,7 @@ import Lumaro.Playlist
 import Lumaro.Ui
 
 // The address field with its optional name, the error line, and the channels of the playlist.
-Item {
+FocusScope {
     id: root
 
     required property PlayerModel player
@@ -12,6 +12,9 @@ Item {
     required property ChannelListModel channels
     required property LocalM3UModel library
     signal dismissed()
+
+    // Keys must not go on typing into a field that nobody sees.
+    onVisibleChanged: if (!visible && activeFocus) dismissed()
 
     Column {
         id: form
@@ -42,6 +45,7 @@ Item {
         TextField {
             width: parent.width
             visible: root.shell.displayNameShown
+            onVisibleChanged: if (!visible && activeFocus) root.dismissed()
             iconName: "edit"
             placeholderText: qsTr("Movie or playlist name")
             text: root.shell.displayName
@@ -110,16 +114,20 @@ Item {
         onDismissed: root.dismissed()
     }
 
-    EmptyState {
-        anchors {
-            left: parent.left; right: parent.right
-            verticalCenter: parent.verticalCenter
-            margins: Theme.spacing * 6
-        }
+    Item {
+        anchors { left: parent.left; right: parent.right; top: form.bottom; bottom: parent.bottom }
         visible: root.channels.count === 0 && !root.player.isLoading
-        iconName: "tv"
-        title: qsTr("No channels")
-        text: qsTr("Paste the address of an IPTV playlist, or import an M3U file.")
+
+        EmptyState {
+            anchors {
+                left: parent.left; right: parent.right
+                verticalCenter: parent.verticalCenter
+                margins: Theme.spacing * 6
+            }
+            iconName: "tv"
+            title: qsTr("No channels")
+            text: qsTr("Paste the address of an IPTV playlist, or import an M3U file.")
+        }
     }
 
     Loader {
@@ -134,6 +142,11 @@ Item {
         }
 
         active: false
+        // Another channel may have the number then.
+        Connections {
+            target: root.channels
+            function onModelReset() { (channelMenu.item as Menu)?.close(); }
+        }
         sourceComponent: Menu {
             MenuItem {
                 text: qsTr("Play")

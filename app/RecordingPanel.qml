@@ -12,9 +12,9 @@ Window {
     // Once: the user may move it.
     readonly property point place: recording.panelPosition()
 
-    width: recording.controller.recordingPanelWidth
+    width: Math.round(recording.controller.recordingPanelWidth * Theme.fontSmall / 12)
     height: Theme.roomFor(48, 1)
-    x: place.x
+    x: place.x + recording.controller.recordingPanelWidth - width
     y: place.y
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.WindowDoesNotAcceptFocus
     color: "transparent"

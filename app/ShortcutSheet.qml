@@ -34,7 +34,7 @@ Dialog {
 
             x: list.inset
             width: list.width - 2 * list.inset
-            height: Math.max(32, label.implicitHeight + 8)
+            height: Math.max(Theme.roomFor(32, 1), label.implicitHeight + 8)
 
             Accessible.role: Accessible.StaticText
             Accessible.name: title + ": " + text
@@ -68,7 +68,7 @@ Dialog {
                         required property string modelData
 
                         width: Math.ceil(keyText.implicitWidth) + 12
-                        height: 22
+                        height: Theme.roomFor(22, 1)
                         radius: Theme.radiusSmall
                         color: Theme.fillHover
                         border { width: 1; color: Theme.stroke }

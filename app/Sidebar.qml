@@ -4,7 +4,7 @@ import Lumaro.Playlist
 import Lumaro.Ui
 
 // The panel beside the picture, with its two sections.
-Rectangle {
+FocusScope {
     id: root
 
     required property PlayerModel player
@@ -14,8 +14,10 @@ Rectangle {
     // The user is done typing here.
     signal dismissed()
 
-    color: Theme.background
-
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.background
+    }
     Rectangle {
         anchors { right: parent.right; top: parent.top; bottom: parent.bottom }
         width: 1
@@ -59,6 +61,7 @@ Rectangle {
             topMargin: Theme.spacing * 3
         }
         visible: root.shell.showsLocalM3U
+        onVisibleChanged: if (!visible && activeFocus) root.dismissed()
         // Made when it is first shown.
         active: visible || item
         sourceComponent: LocalM3USection {

@@ -23,7 +23,7 @@ Item {
     Row {
         id: row
 
-        scale: Math.min(1, root.width / implicitWidth)
+        scale: Math.max(0, Math.min(1, root.width / implicitWidth))
         transformOrigin: Item.Left
 
         Repeater {

@@ -22,6 +22,7 @@ Dialog {
     width: Math.min(480, parent ? parent.width - 48 : 480)
     title: panels.title
     acceptText: panels.prompt
+    acceptEnabled: name.text.trim() !== ""
     closesOnAccept: false
     initialFocus: name
     onAboutToShow: {

@@ -17,6 +17,8 @@ Item {
 
     readonly property bool inUse: hover.hovered || openMenus > 0 || downloads.panelShown
     property int openMenus: 0
+    // Without a title.
+    readonly property real leastWidth: leading.implicitWidth + finderButton.width + downloadsButton.width + Theme.spacing * 9
 
     implicitHeight: Theme.roomFor(56, 1)
     opacity: shown ? 1 : 0
@@ -77,8 +79,6 @@ Item {
                 onOpenedChanged: root.openMenus += opened ? 1 : -1
             }
             MenuButton {
-                // In the narrowest window its keys must do.
-                visible: root.width >= 460
                 title: qsTr("Help")
                 commands: root.commands.help
                 onOpenedChanged: root.openMenus += opened ? 1 : -1

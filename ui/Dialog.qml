@@ -10,6 +10,7 @@ import Lumaro.Ui
 //   cancelText    the other button's; empty leaves it out
 //   destructive   accepting loses something
 //   initialFocus  has the focus at first instead of a button
+//   acceptEnabled  the main button can be used
 //   closesOnAccept, acceptRequested()   without the first, the main button only asks by the second
 //   further items lie between the text and the buttons
 T.Dialog {
@@ -20,6 +21,7 @@ T.Dialog {
     property string cancelText: qsTr("Cancel")
     property bool destructive: false
     property Item initialFocus: null
+    property bool acceptEnabled: true
     property bool closesOnAccept: true
     signal acceptRequested()
     default property alias extras: extraItems.data
@@ -27,7 +29,7 @@ T.Dialog {
     parent: T.Overlay.overlay
     x: parent ? Math.round((parent.width - width) / 2) : 0
     y: parent ? Math.round((parent.height - height) / 2) : 0
-    width: Math.min(400, parent ? parent.width - 48 : 400)
+    width: Math.min(Math.max(400, buttons.implicitWidth + leftPadding + rightPadding), parent ? parent.width - 48 : 400)
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 24
     margins: 16
@@ -117,6 +119,7 @@ T.Dialog {
                     Button {
                         id: acceptButton
 
+                        enabled: control.acceptEnabled
                         text: control.acceptText
                         primary: !control.destructive
                         destructive: control.destructive

@@ -12,7 +12,7 @@ T.ToolTip {
     property string shortcutText
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: Theme.roomFor(28, 1)
+    implicitHeight: Math.max(Theme.roomFor(28, 1), implicitContentHeight + 12)
     margins: 8
     leftPadding: 10
     rightPadding: 10
@@ -27,15 +27,16 @@ T.ToolTip {
 
     contentItem: Item {
         implicitWidth: label.width + (keys.visible ? keys.implicitWidth + 10 : 0)
+        implicitHeight: label.implicitHeight
 
         Text {
             id: label
 
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, 320)
+            width: Math.min(implicitWidth, 27 * font.pixelSize)
             text: control.text
             textFormat: Text.PlainText
-            elide: Text.ElideRight
+            wrapMode: Text.Wrap
             color: Theme.text
             font.pixelSize: Theme.fontSmall
         }

@@ -120,7 +120,7 @@ Task<std::optional<QUrl>> QuickFilePanels::show(Panel panel, std::stop_token sto
         Q_EMIT withdrawn();
         answer(std::nullopt);
     });
-    Q_EMIT proposedFileChanged();
+    Q_EMIT panelChanged();
     Q_EMIT openRequested();
     co_return co_await choice;
 }
@@ -140,7 +140,7 @@ void QuickFilePanels::accept(const QUrl &chosen)
         return answer(file);
     m_panel.folder = folderOf(file);
     m_panel.proposedFile = file;
-    Q_EMIT proposedFileChanged();
+    Q_EMIT panelChanged();
     Q_EMIT replacingAsked();
 }
 

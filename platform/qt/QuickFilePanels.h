@@ -12,23 +12,23 @@ class QuickFilePanels : public QObject, public FilePanels
 {
     Q_OBJECT
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY isOpenChanged)
-    Q_PROPERTY(Kind kind READ kind NOTIFY openRequested)
-    Q_PROPERTY(QString title READ title NOTIFY openRequested)
-    Q_PROPERTY(QString prompt READ prompt NOTIFY openRequested)
+    Q_PROPERTY(Kind kind READ kind NOTIFY panelChanged)
+    Q_PROPERTY(QString title READ title NOTIFY panelChanged)
+    Q_PROPERTY(QString prompt READ prompt NOTIFY panelChanged)
     /// Name filters as Qt's dialogs write them.
-    Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY openRequested)
+    Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY panelChanged)
     /// Where a panel for a folder or a new file begins.
-    Q_PROPERTY(QUrl folder READ folder NOTIFY openRequested)
+    Q_PROPERTY(QUrl folder READ folder NOTIFY panelChanged)
     /// What a panel for a new file begins with; what the user chose once replacing is asked.
-    Q_PROPERTY(QUrl proposedFile READ proposedFile NOTIFY proposedFileChanged)
-    Q_PROPERTY(QString proposedName READ proposedName NOTIFY proposedFileChanged)
+    Q_PROPERTY(QUrl proposedFile READ proposedFile NOTIFY panelChanged)
+    Q_PROPERTY(QString proposedName READ proposedName NOTIFY panelChanged)
     /// The extension that such a panel adds to a name without one.
-    Q_PROPERTY(QString defaultSuffix READ defaultSuffix NOTIFY openRequested)
+    Q_PROPERTY(QString defaultSuffix READ defaultSuffix NOTIFY panelChanged)
     /// The texts around the further text, and that text itself.
-    Q_PROPERTY(QString accessoryLabel READ accessoryLabel NOTIFY openRequested)
-    Q_PROPERTY(QString accessoryPlaceholder READ accessoryPlaceholder NOTIFY openRequested)
-    Q_PROPERTY(QString accessoryToolTip READ accessoryToolTip NOTIFY openRequested)
-    Q_PROPERTY(QString accessoryHint READ accessoryHint NOTIFY openRequested)
+    Q_PROPERTY(QString accessoryLabel READ accessoryLabel NOTIFY panelChanged)
+    Q_PROPERTY(QString accessoryPlaceholder READ accessoryPlaceholder NOTIFY panelChanged)
+    Q_PROPERTY(QString accessoryToolTip READ accessoryToolTip NOTIFY panelChanged)
+    Q_PROPERTY(QString accessoryHint READ accessoryHint NOTIFY panelChanged)
     Q_PROPERTY(QString accessoryText MEMBER m_accessoryText NOTIFY accessoryTextChanged)
 
 public:
@@ -82,8 +82,9 @@ public:
 
 Q_SIGNALS:
     void isOpenChanged();
+    /// What the next panel shows, always before it is to open.
+    void panelChanged();
     void openRequested();
-    void proposedFileChanged();
     void accessoryTextChanged();
     /// The view asks whether to replace the file, and answers with replace() or chooseAnother().
     void replacingAsked();

@@ -1,7 +1,9 @@
 #include "finder/ToolbarTexts.h"
 #include "tests/e2e/app/Accessibles.h"
 #include "tests/e2e/app/AppWorld.h"
+#include "ui/Theme.h"
 
+#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -135,6 +137,8 @@ private Q_SLOTS:
     void tabReachesEveryControl();
     void everyStopHearsItsKeys_data() { places(); }
     void everyStopHearsItsKeys();
+    void smallestWindowHasRoomForItsControls_data();
+    void smallestWindowHasRoomForItsControls();
 
 private:
     /// The states of the windows that are looked at, each with what leads there.
@@ -323,6 +327,57 @@ void AppAccessibilityTest::everyStopHearsItsKeys()
     QVERIFY2(faults.isEmpty(), qPrintable(u"\n  " + faults.join(u"\n  ")));
     // A menu's items are no stops.
     QVERIFY(tried > 0 || hasPopup(window));
+}
+
+void AppAccessibilityTest::smallestWindowHasRoomForItsControls_data()
+{
+    QTest::addColumn<bool>("hasSidebar");
+    QTest::addColumn<double>("textScale");
+    QTest::newRow("sidebar") << true << 1.0;
+    QTest::newRow("no sidebar") << false << 1.0;
+    QTest::newRow("sidebar, large type") << true << 2.0;
+    QTest::newRow("no sidebar, large type") << false << 2.0;
+}
+
+void AppAccessibilityTest::smallestWindowHasRoomForItsControls()
+{
+    QFETCH(const bool, hasSidebar);
+    QFETCH(const double, textScale);
+    QQuickWindow &window = windowOf("main");
+    auto *const theme =
+        qmlEngine(&window)->singletonInstance<Theme *>(qmlTypeId("Lumaro.Ui", 1, 0, "Theme"));
+    QVERIFY(theme);
+    const QSize before = window.size();
+    const auto restore = qScopeGuard([&] {
+        theme->setDesktopTextScale(1);
+        m_world->shell().setSidebarVisible(true);
+        window.resize(before);
+    });
+    theme->setDesktopTextScale(textScale);
+    m_world->shell().setSidebarVisible(hasSidebar);
+    QVERIFY(becomesTrue([&window] {
+        window.resize(window.minimumSize());
+        return window.contentItem()->size() == QSizeF(window.minimumSize());
+    }));
+    m_world->screen(); // laid out
+    const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS");
+    if (!folder.isEmpty())
+        m_world->screen().save(folder + u"/smallest " + QLatin1StringView(QTest::currentDataTag())
+                               + u".png");
+
+    const QList<QQuickItem *> stops = tabStops(window);
+    QVERIFY(stops.size() > 10);
+    const QRectF all({}, QSizeF(window.size()));
+    for (const QQuickItem *const one : stops) {
+        const QRectF place = one->mapRectToScene(one->boundingRect());
+        QVERIFY2(all.contains(place), qPrintable(describe(one)));
+        for (const QQuickItem *const other : stops) {
+            const bool isPart =
+                one == other || one->isAncestorOf(other) || other->isAncestorOf(one);
+            QVERIFY2(isPart || !place.intersects(other->mapRectToScene(other->boundingRect())),
+                     qPrintable(describe(one) + u" and " + describe(other)));
+        }
+    }
 }
 
 LUMARO_APP_TEST_MAIN(AppAccessibilityTest)

@@ -1,10 +1,13 @@
 #include "tests/e2e/app/AppWorld.h"
 
 #include <QMimeData>
+#include <QQuickItem>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using namespace lumaro;
+
+Q_DECLARE_METATYPE(std::function<void(MainWindowModel &)>)
 
 /// The main window driven as a user does, by keys, mouse and drops.
 class AppWindowTest : public QObject
@@ -28,6 +31,9 @@ private Q_SLOTS:
     void desktopMakesItFillTheScreen();
     void dropsPlay_data();
     void dropsPlay();
+    void filePanelsAskForWhatIsWantedNow();
+    void hiddenFieldsTakeNoKeys_data();
+    void hiddenFieldsTakeNoKeys();
     void quitsWithAPanelOpen();
     void programStartsPlaysAndQuits();
     void programSaysWhatItIs();
@@ -37,6 +43,19 @@ private:
     {
         // Right of the sidebar, above the controls.
         return {m_world->window().width() - 200, m_world->window().height() / 2};
+    }
+
+    /// Something in the window says `text`.
+    bool isShown(const QString &text)
+    {
+        QList<QQuickItem *> items{m_world->window().contentItem()};
+        while (!items.isEmpty()) {
+            const QQuickItem *item = items.takeLast();
+            if (item->isVisible() && item->property("text").toString() == text)
+                return true;
+            items += item->childItems();
+        }
+        return false;
     }
 
     MediaFixtures m_media{QStringLiteral(LUMARO_FIXTURE_FOLDER)};
@@ -218,6 +237,47 @@ void AppWindowTest::dropsPlay()
         QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
     else
         QVERIFY(m_world->playsTo(0.2));
+}
+
+void AppWindowTest::filePanelsAskForWhatIsWantedNow()
+{
+    // The same panel of Qt serves them all.
+    QStringList titles;
+    for (const auto key : {Qt::Key_O, Qt::Key_I, Qt::Key_O}) {
+        m_world->press(key, Qt::ControlModifier);
+        QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+        titles << m_world->panels().title();
+        QVERIFY2(becomesTrue([&] { return isShown(titles.last()); }), qPrintable(titles.last()));
+        QVERIFY2(isShown(m_world->panels().nameFilters().first()), qPrintable(titles.last()));
+        m_world->press(Qt::Key_Escape);
+        QVERIFY(becomesTrue([&] { return !m_world->isPopupOpen(); }));
+    }
+    QVERIFY(titles.at(0) != titles.at(1));
+}
+
+void AppWindowTest::hiddenFieldsTakeNoKeys_data()
+{
+    QTest::addColumn<std::function<void(MainWindowModel &)>>("hide");
+    const auto row = [](const char *name, std::function<void(MainWindowModel &)> hide) {
+        QTest::newRow(name) << hide;
+    };
+    row("another section", [](MainWindowModel &shell) {
+        shell.setSidebarSection(MainWindowModel::PlayerSidebarSection::localM3U);
+    });
+    row("no sidebar", [](MainWindowModel &shell) { shell.setSidebarVisible(false); });
+    row("full screen", [](MainWindowModel &shell) { shell.setIsFullScreen(true); });
+}
+
+void AppWindowTest::hiddenFieldsTakeNoKeys()
+{
+    QFETCH(const std::function<void(MainWindowModel &)>, hide);
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    m_world->type(u"host.example/a"_s);
+    const QString typed = m_world->shell().addressText();
+    QCOMPARE(typed, u"host.example/a"_s);
+    hide(m_world->shell());
+    m_world->type(u"b"_s);
+    QCOMPARE(m_world->shell().addressText(), typed);
 }
 
 void AppWindowTest::quitsWithAPanelOpen()
