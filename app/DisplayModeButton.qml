@@ -19,8 +19,7 @@ IconButton {
     Accessible.role: Accessible.ButtonMenu
     onClicked: {
         loader.active = true;
-        const menu = loader.item;
-        menu.popup(root, (width - menu.width) / 2, -menu.height - Theme.spacing * 4);
+        (loader.item as Menu).toggleAbove(root);
     }
 
     function chosenTitle(): string {

@@ -67,7 +67,7 @@ Item {
 
                     iconName: "more"
                     text: qsTr("More")
-                    onClicked: moreMenu.popup()
+                    onClicked: moreMenu.toggle()
                 }
             }
         }
@@ -172,9 +172,9 @@ Item {
     Loader {
         id: moreMenu
 
-        function popup(): void {
+        function toggle(): void {
             active = true;
-            (item as Menu).popup(moreButton, 0, moreButton.height);
+            (item as Menu).toggleBelow(moreButton);
         }
 
         active: false

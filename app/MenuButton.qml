@@ -14,9 +14,9 @@ Item {
     implicitWidth: button.implicitWidth
     implicitHeight: button.implicitHeight
 
-    function open(): void {
+    function toggle(): void {
         loader.active = true;
-        loader.item.popup(root, 0, root.height + Theme.spacing);
+        (loader.item as Menu).toggleBelow(root);
     }
 
     TextButton {
@@ -25,7 +25,7 @@ Item {
         onOverlay: true
         text: root.title
         down: root.opened
-        onClicked: root.open()
+        onClicked: root.toggle()
     }
 
     Repeater {

@@ -23,8 +23,7 @@ IconButton {
             return;
         }
         loader.active = true;
-        const menu = loader.item;
-        menu.popup(root, (width - menu.width) / 2, -menu.height - Theme.spacing * 4);
+        (loader.item as Menu).toggleAbove(root);
     }
 
     Shortcut {

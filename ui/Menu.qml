@@ -3,7 +3,8 @@ import QtQuick.Templates as T
 import Lumaro.Ui
 
 // A menu that pops up: arrows move, Enter and Return trigger, Escape closes. Make it in a Loader
-// when it is first needed; `popup(parent, x, y)` opens it, `visible` tells.
+// when it is first needed; `popup(parent, x, y)` opens it, `visible` tells. As a button's own menu
+// it is opened and closed by toggleBelow(button) or toggleAbove(button).
 T.Menu {
     id: control
 
@@ -12,6 +13,26 @@ T.Menu {
         for (let i = 0; i < count; ++i)
             widest = Math.max(widest, itemAt(i).implicitWidth);
         contentWidth = Math.min(widest, 420);
+    }
+
+    function toggleBelow(button: Item): void {
+        toggle(button, () => Qt.point(0, button.height + Theme.spacing));
+    }
+
+    function toggleAbove(button: Item): void {
+        toggle(button, () => Qt.point((button.width - width) / 2, -height - Theme.spacing * 4));
+    }
+
+    function toggle(button: Item, place: var): void {
+        if (visible) {
+            close();
+            return;
+        }
+        // The button's click closes it: a press there must not, as the click would open it again.
+        closePolicy = T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent;
+        fit();
+        const point = place();
+        popup(button, point.x, point.y);
     }
 
     implicitWidth: contentWidth + leftPadding + rightPadding

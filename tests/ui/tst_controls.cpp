@@ -81,6 +81,7 @@ private Q_SLOTS:
     void segmentsAreStops();
     void sliderMovesAndStaysBound();
     void menuIsUsedByKeys();
+    void menuClosesByItsButton();
     void dialogKeys_data();
     void dialogKeys();
     void viewsGrowWithTheDesktopsText();
@@ -306,6 +307,33 @@ void TestControls::menuIsUsedByKeys()
     QTRY_VERIFY(!stage.control()->property("visible").toBool());
     QCOMPARE(stage.log().size(), 2);
     QTRY_COMPARE(stage.focus(), u"rest"_s);
+}
+
+void TestControls::menuClosesByItsButton()
+{
+    const Stage stage(uR"(
+        Button {
+            id: control
+            x: 20; y: 100
+            text: "File"
+            property Menu menu: Menu { MenuItem { text: "one" } }
+            onClicked: menu.toggleBelow(control)
+        })"_s);
+    const auto isOpen = [&stage] {
+        return stage.control()->property("menu").value<QObject *>()->property("visible").toBool();
+    };
+    const auto click = [&stage] {
+        QTest::mouseClick(stage.window.get(), Qt::LeftButton, {}, {30, 110});
+    };
+    click();
+    QTRY_VERIFY(isOpen());
+    click();
+    QTRY_VERIFY(!isOpen());
+    click();
+    QTRY_VERIFY(isOpen());
+    // Beside both.
+    QTest::mouseClick(stage.window.get(), Qt::LeftButton, {}, {390, 10});
+    QTRY_VERIFY(!isOpen());
 }
 
 void TestControls::dialogKeys_data()
