@@ -16,6 +16,8 @@ Rectangle {
     // Presses beside the buttons are not clicks on the picture.
     MouseArea { anchors.fill: parent }
 
+    Component.onCompleted: if (!recording.noticeIsError) Announcer.announce(saved)
+
     Column {
         id: column
 
@@ -33,6 +35,8 @@ Rectangle {
             text: root.recording.noticeIsError ? root.recording.notice : ""
         }
         Text {
+            id: saved
+
             width: parent.width
             visible: !root.recording.noticeIsError
             text: root.recording.notice

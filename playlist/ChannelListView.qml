@@ -24,6 +24,8 @@ Item {
     function move(step: int): void {
         list.currentIndex = channels.rowAfter(list.currentIndex, step);
         list.positionViewAtIndex(list.currentIndex, ListView.Contain);
+        // The focus stays in the search field.
+        Announcer.announce(list.currentItem);
     }
     // Answers whether the key is meant for the list.
     function steer(event: KeyEvent): bool {

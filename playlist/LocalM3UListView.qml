@@ -34,6 +34,11 @@ Item {
             links.moveSelection(1);
         played(links.selectedRow);
     }
+    function move(step: int): void {
+        links.moveSelection(step);
+        // The focus stays in the search field.
+        Announcer.announce(list.itemAtIndex(links.selectedRow));
+    }
     function handleKey(event: KeyEvent): void {
         if (event.accepted)
             return;
@@ -46,10 +51,10 @@ Item {
         const page = Math.max(1, Math.floor(list.height / list.rowHeight) - 1);
         event.accepted = true;
         switch (event.key) {
-        case Qt.Key_Up: links.moveSelection(-1); break;
-        case Qt.Key_Down: links.moveSelection(1); break;
-        case Qt.Key_PageUp: links.moveSelection(-page); break;
-        case Qt.Key_PageDown: links.moveSelection(page); break;
+        case Qt.Key_Up: root.move(-1); break;
+        case Qt.Key_Down: root.move(1); break;
+        case Qt.Key_PageUp: root.move(-page); break;
+        case Qt.Key_PageDown: root.move(page); break;
         case Qt.Key_F2: edited(links.selectedRow); break;
         case Qt.Key_Menu: askForMenuOfSelected(); break;
         case Qt.Key_F10:
