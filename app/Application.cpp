@@ -87,21 +87,21 @@ Application::Application(const Folders &folders, const WebServices &services)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
     , m_viewServices(m_scheduler, m_idle, m_notifications, m_surfaces,
                      std::make_shared<DlibFaceDetector>())
-    , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
-                m_okVideo})
+    , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_files, m_input, m_notifications,
+                m_youTube, m_okVideo})
     , m_volumeMemory(m_player, m_defaults, m_scheduler)
     , m_wakefulPlayback(m_player, m_keepAwake)
     , m_resumePositions(m_defaults, m_scheduler)
-    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions, m_scheduler)
+    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions, m_files)
     , m_webPlayers({m_player, m_scheduler, m_workspace, m_notifications, m_surfaces, services},
                    m_youTube, m_okVideo, [this] { return loadBrowser(); })
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
     , m_placement(m_defaults, m_scheduler)
-    , m_recent({m_player, m_mediaPlayer, m_window, m_defaults, m_scheduler})
+    , m_recent({m_player, m_mediaPlayer, m_window, m_defaults, m_files})
     , m_mediaControls(
           {.uriSchemes = {QStringLiteral("file"), QStringLiteral("http"), QStringLiteral("https")},
            .mimeTypes = supportedMimeTypes()})
-    , m_remote(m_player, m_window, m_scheduler, m_mediaControls)
+    , m_remote(m_player, m_window, m_files, m_mediaControls)
     , m_transport(m_player)
     , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_downloads(m_downloadManager, m_player)
@@ -127,12 +127,12 @@ Application::Application(const Folders &folders, const WebServices &services)
     , m_commands(m_player, m_window, m_downloads, m_recent)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
-    , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler})
+    , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler, m_files})
     , m_libraryCommands(m_librarySection)
     , m_help(m_commands, m_libraryCommands, QStringLiteral(LUMARO_VERSION))
     , m_ruleLists(m_scheduler)
     , m_adBlocker(m_defaults, m_scheduler, m_ruleLists)
-    , m_websites(m_defaults, m_scheduler, m_panels)
+    , m_websites(m_defaults, m_files, m_panels)
     , m_finder(
           {.blocker = m_adBlocker,
            .proxy = m_proxy,
@@ -141,7 +141,7 @@ Application::Application(const Folders &folders, const WebServices &services)
            .downloads = m_downloadManager,
            .notifications = m_notifications,
            .panels = m_panels,
-           .scheduler = m_scheduler,
+           .scheduler = m_files,
            .onOpenStream = [this](const QUrl &url, const QString &name) { playFound(url, name); }})
     , m_finderController({*m_finder.tabs(), m_notifications, m_defaults, m_scheduler})
     , m_pictureAccess(folders.cache + QStringLiteral("/logos"))

@@ -1,19 +1,58 @@
 #include "platform/qt/QtScheduler.h"
 
+#include <QCoreApplication>
 #include <QTimer>
+
+#include <mutex>
 
 namespace lumaro {
 
-QtScheduler::QtScheduler(QThread::Priority priority, QObject *parent)
-    : QObject(parent)
+/// The way back to the main thread, while there is one.
+class QtScheduler::Reports
 {
-    m_threads.setThreadPriority(priority);
+public:
+    explicit Reports(QtScheduler *scheduler)
+        : m_scheduler(scheduler)
+    {
+    }
+
+    void post(const std::function<void()> &done)
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_scheduler)
+            QMetaObject::invokeMethod(m_scheduler, done, Qt::QueuedConnection);
+    }
+
+    void end()
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_scheduler = nullptr;
+    }
+
+private:
+    std::mutex m_mutex;
+    QtScheduler *m_scheduler;
+};
+
+QtScheduler::QtScheduler(const BackgroundThreads &threads, QObject *parent)
+    : QObject(parent)
+    , m_patience(threads.patience)
+    , m_reports(std::make_shared<Reports>(this))
+    , m_threads(std::make_unique<QThreadPool>())
+{
+    m_threads->setThreadPriority(threads.priority);
+    m_threads->setMaxThreadCount(threads.count);
 }
 
 QtScheduler::~QtScheduler()
 {
-    m_threads.clear();
-    m_threads.waitForDone();
+    m_threads->waitForDone(int(m_patience.count()));
+    // Coroutines that wait hold what nobody else would let go of.
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+    m_reports->end();
+    // A thread that the system does not give back can only be left to the end of the process.
+    if (!m_threads->waitForDone(0)) [[maybe_unused]]
+        QThreadPool *const left = m_threads.release();
 }
 
 Scheduler::TimePoint QtScheduler::now() const
@@ -46,11 +85,13 @@ void QtScheduler::cancel(TimerId timer)
 
 void QtScheduler::runInBackground(std::function<void()> work, std::function<void()> done)
 {
-    m_threads.start([this, work = std::move(work), done = std::move(done)] {
-        work();
-        // Dropped with the scheduler if that goes first.
-        QMetaObject::invokeMethod(this, done, Qt::QueuedConnection);
-    });
+    m_threads->start(
+        [reports = m_reports, work = std::move(work), done = std::move(done)]() mutable {
+            work();
+            // Who hears of it may rely on what it held being gone.
+            work = nullptr;
+            reports->post(done);
+        });
 }
 
 } // namespace lumaro

@@ -31,7 +31,7 @@ struct ShellWorld
     YouTubePlayerRegistry youTube;
     OKVideoPlayerRegistry okVideo;
     PlayerModel player{
-        {mediaPlayer, http, panels, scheduler, input, notifications, youTube, okVideo}};
+        {mediaPlayer, http, panels, scheduler, scheduler, input, notifications, youTube, okVideo}};
     MainWindowModel shell{player, mediaPlayer, scheduler, notifications, defaults};
     M3U8DownloadManager downloadManager{
         {http, scheduler, defaults, panels, workspace, {saveFolder.path()}}};
