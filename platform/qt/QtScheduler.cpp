@@ -1,6 +1,7 @@
 #include "platform/qt/QtScheduler.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QTimer>
 
 #include <mutex>
@@ -46,13 +47,18 @@ QtScheduler::QtScheduler(const BackgroundThreads &threads, QObject *parent)
 
 QtScheduler::~QtScheduler()
 {
-    m_threads->waitForDone(int(m_patience.count()));
-    // Coroutines that wait hold what nobody else would let go of.
-    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+    const QDeadlineTimer end(m_patience);
+    bool isDone = true;
+    // Coroutines that wait hold what nobody else would let go of, and may have more to do.
+    for (quint64 begun = 0; isDone && begun != m_begun;) {
+        begun = m_begun;
+        isDone = m_threads->waitForDone(int(end.remainingTime()));
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+    }
     m_reports->end();
     // A thread that the system does not give back can only be left to the end of the process.
-    if (!m_threads->waitForDone(0)) [[maybe_unused]]
-        QThreadPool *const left = m_threads.release();
+    if (!isDone)
+        (void)m_threads.release();
 }
 
 Scheduler::TimePoint QtScheduler::now() const
@@ -85,6 +91,7 @@ void QtScheduler::cancel(TimerId timer)
 
 void QtScheduler::runInBackground(std::function<void()> work, std::function<void()> done)
 {
+    ++m_begun;
     m_threads->start(
         [reports = m_reports, work = std::move(work), done = std::move(done)]() mutable {
             work();

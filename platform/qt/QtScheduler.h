@@ -48,6 +48,8 @@ private:
     /// Shared with the work.
     std::shared_ptr<Reports> m_reports;
     std::unique_ptr<QThreadPool> m_threads;
+    /// Pieces of work so far.
+    quint64 m_begun = 0;
 };
 
 } // namespace lumaro

@@ -25,6 +25,14 @@ Task<> computeSquare(Scheduler &scheduler, int number, QList<int> &results)
     results.append(co_await work);
 }
 
+Task<> computeSquares(Scheduler &scheduler, int count, QList<int> &results)
+{
+    for (int number = 0; number < count; ++number) {
+        auto next = computeSquare(scheduler, number, results);
+        co_await next;
+    }
+}
+
 } // namespace
 
 class QtSchedulerTest : public QObject
@@ -179,6 +187,12 @@ void QtSchedulerTest::destructionEndsCoroutines()
             computeSquare(scheduler, number, results);
     }
     QCOMPARE(results, (QList<int>{0, 1, 4}));
+    {
+        QtScheduler scheduler;
+        // What one asks for when it is resumed is done as well.
+        computeSquares(scheduler, 5, results);
+    }
+    QCOMPARE(results.last(), 16);
 }
 
 void QtSchedulerTest::destructionLeavesBehindWhatHangs()
