@@ -103,7 +103,8 @@ Application::Application(const Folders &folders, const WebServices &services)
            .mimeTypes = supportedMimeTypes()})
     , m_remote(m_player, m_window, m_files, m_mediaControls)
     , m_transport(m_player)
-    , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
+    , m_downloadManager(
+          {m_http, m_scheduler, m_files, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_downloads(m_downloadManager, m_player)
     , m_capture([](AudioCaptureRequest request) {
         return std::make_unique<PulseMonitor>(std::move(request));
