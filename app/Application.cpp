@@ -55,6 +55,21 @@ void addBrowserFlag(const QByteArray &flag)
     qputenv(flags, qgetenv(flags) + ' ' + flag);
 }
 
+/// What all threads read is settled before the program starts any of its own.
+void settleProcess()
+{
+    // libmpv requires it, and the application object has just set the user's locale.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe)
+    std::setlocale(LC_NUMERIC, "C");
+    // A thread of the browser's own that draws would not keep to the windows' turns.
+    static const bool isSettled = [] {
+        if (isDrawnInSoftware())
+            addBrowserFlag("--disable-gpu");
+        return true;
+    }();
+    Q_UNUSED(isSettled)
+}
+
 /// Of a QML window.
 QVariantMap frameProperties(const QRect &frame)
 {
@@ -77,12 +92,9 @@ void Application::prepare()
 }
 
 Application::Application(const Folders &folders, const WebServices &services)
-    : m_folders(folders)
+    : m_folders((settleProcess(), folders))
     , m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
     , m_defaults(folders.settings)
-    // libmpv requires it, and the application object has just set the user's locale.
-    // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
-    , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
     , m_proxyRoute(m_http, m_mediaPlayer)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
     , m_viewServices(m_scheduler, m_idle, m_notifications, m_surfaces,
@@ -288,9 +300,6 @@ bool Application::loadBrowser()
 {
     if (m_browser.isLoaded())
         return true;
-    // A thread of its own that draws would not keep to the windows' turns.
-    if (isDrawnInSoftware())
-        addBrowserFlag("--disable-gpu");
     m_browser.setFileName(QCoreApplication::applicationDirPath()
                           + QStringLiteral("/" LUMARO_BROWSER));
     if (m_browser.load())
@@ -378,8 +387,9 @@ void Application::bringToFront(const QByteArray &activationToken)
     QQuickWindow *const window = mainWindow();
     if (!window)
         return;
-    // Qt's Wayland platform takes the token from here.
-    if (!activationToken.isEmpty())
+    // Qt's Wayland platform takes the token from here, and there is no other way. Elsewhere the
+    // environment, which other threads read, stays as it is.
+    if (!activationToken.isEmpty() && QGuiApplication::platformName().startsWith(u"wayland"))
         qputenv("XDG_ACTIVATION_TOKEN", activationToken);
     window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
     // show() would make it an ordinary window again.
