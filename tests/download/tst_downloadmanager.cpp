@@ -535,7 +535,6 @@ void DownloadManagerTest::asksForTheStoredFolderInTheBackground()
                                  m_world->workspace,
                                  {m_world->folder.path()}});
     QCOMPARE(manager.saveFolder(), QUrl::fromLocalFile(gone));
-    const QUrl list = DownloadWorld::url(u"a.m3u8"_s);
     const auto job = [&] { return manager.jobs().value(M3U8DownloadManager::keyOf(list)); };
     if (choosesAnother)
         manager.setSaveFolder(QUrl::fromLocalFile(another.path()));
