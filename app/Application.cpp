@@ -55,6 +55,21 @@ void addBrowserFlag(const QByteArray &flag)
     qputenv(flags, qgetenv(flags) + ' ' + flag);
 }
 
+/// What all threads read is settled before the program starts any of its own.
+void settleProcess()
+{
+    // libmpv requires it, and the application object has just set the user's locale.
+    // NOLINTNEXTLINE(concurrency-mt-unsafe)
+    std::setlocale(LC_NUMERIC, "C");
+    // A thread of the browser's own that draws would not keep to the windows' turns.
+    static const bool isSettled = [] {
+        if (isDrawnInSoftware())
+            addBrowserFlag("--disable-gpu");
+        return true;
+    }();
+    Q_UNUSED(isSettled)
+}
+
 /// Of a QML window.
 QVariantMap frameProperties(const QRect &frame)
 {
@@ -77,33 +92,31 @@ void Application::prepare()
 }
 
 Application::Application(const Folders &folders, const WebServices &services)
-    : m_folders(folders)
+    : m_folders((settleProcess(), folders))
     , m_http(QByteArrayLiteral("Lumaro/" LUMARO_VERSION))
     , m_defaults(folders.settings)
-    // libmpv requires it, and the application object has just set the user's locale.
-    // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
-    , m_mediaPlayer((std::setlocale(LC_NUMERIC, "C"), nullptr))
     , m_proxyRoute(m_http, m_mediaPlayer)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
     , m_viewServices(m_scheduler, m_idle, m_notifications, m_surfaces,
                      std::make_shared<DlibFaceDetector>())
-    , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_input, m_notifications, m_youTube,
-                m_okVideo})
+    , m_player({m_mediaPlayer, m_http, m_panels, m_scheduler, m_files, m_input, m_notifications,
+                m_youTube, m_okVideo})
     , m_volumeMemory(m_player, m_defaults, m_scheduler)
     , m_wakefulPlayback(m_player, m_keepAwake)
     , m_resumePositions(m_defaults, m_scheduler)
-    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions, m_scheduler)
+    , m_resumingPlayback(m_player, m_mediaPlayer, m_resumePositions, m_files)
     , m_webPlayers({m_player, m_scheduler, m_workspace, m_notifications, m_surfaces, services},
                    m_youTube, m_okVideo, [this] { return loadBrowser(); })
     , m_window(m_player, m_mediaPlayer, m_scheduler, m_notifications, m_defaults)
     , m_placement(m_defaults, m_scheduler)
-    , m_recent({m_player, m_mediaPlayer, m_window, m_defaults, m_scheduler})
+    , m_recent({m_player, m_mediaPlayer, m_window, m_defaults, m_files})
     , m_mediaControls(
           {.uriSchemes = {QStringLiteral("file"), QStringLiteral("http"), QStringLiteral("https")},
            .mimeTypes = supportedMimeTypes()})
-    , m_remote(m_player, m_window, m_scheduler, m_mediaControls)
+    , m_remote(m_player, m_window, m_files, m_mediaControls)
     , m_transport(m_player)
-    , m_downloadManager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
+    , m_downloadManager(
+          {m_http, m_scheduler, m_files, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_downloads(m_downloadManager, m_player)
     , m_capture([](AudioCaptureRequest request) {
         return std::make_unique<PulseMonitor>(std::move(request));
@@ -127,12 +140,12 @@ Application::Application(const Folders &folders, const WebServices &services)
     , m_commands(m_player, m_window, m_downloads, m_recent)
     , m_channels(m_scheduler)
     , m_library(m_defaults, m_scheduler)
-    , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler})
+    , m_librarySection({m_library, m_player, m_window, m_panels, m_scheduler, m_files})
     , m_libraryCommands(m_librarySection)
     , m_help(m_commands, m_libraryCommands, QStringLiteral(LUMARO_VERSION))
     , m_ruleLists(m_scheduler)
     , m_adBlocker(m_defaults, m_scheduler, m_ruleLists)
-    , m_websites(m_defaults, m_scheduler, m_panels)
+    , m_websites(m_defaults, m_files, m_panels)
     , m_finder(
           {.blocker = m_adBlocker,
            .proxy = m_proxy,
@@ -141,7 +154,7 @@ Application::Application(const Folders &folders, const WebServices &services)
            .downloads = m_downloadManager,
            .notifications = m_notifications,
            .panels = m_panels,
-           .scheduler = m_scheduler,
+           .scheduler = m_files,
            .onOpenStream = [this](const QUrl &url, const QString &name) { playFound(url, name); }})
     , m_finderController({*m_finder.tabs(), m_notifications, m_defaults, m_scheduler})
     , m_pictureAccess(folders.cache + QStringLiteral("/logos"))
@@ -287,9 +300,6 @@ bool Application::loadBrowser()
 {
     if (m_browser.isLoaded())
         return true;
-    // A thread of its own that draws would not keep to the windows' turns.
-    if (isDrawnInSoftware())
-        addBrowserFlag("--disable-gpu");
     m_browser.setFileName(QCoreApplication::applicationDirPath()
                           + QStringLiteral("/" LUMARO_BROWSER));
     if (m_browser.load())
@@ -377,8 +387,9 @@ void Application::bringToFront(const QByteArray &activationToken)
     QQuickWindow *const window = mainWindow();
     if (!window)
         return;
-    // Qt's Wayland platform takes the token from here.
-    if (!activationToken.isEmpty())
+    // Qt's Wayland platform takes the token from here, and there is no other way. Elsewhere the
+    // environment, which other threads read, stays as it is.
+    if (!activationToken.isEmpty() && QGuiApplication::platformName().startsWith(u"wayland"))
         qputenv("XDG_ACTIVATION_TOKEN", activationToken);
     window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
     // show() would make it an ordinary window again.

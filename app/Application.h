@@ -98,7 +98,9 @@ private:
     const Folders m_folders;
     // In the order of who needs whom; the engine goes first at the end, and with it every view.
     QtScheduler m_scheduler;
-    QtScheduler m_idle{QThread::IdlePriority};
+    /// For those whose work waits for file systems, some of which never answer.
+    QtScheduler m_files{{.count = 16}};
+    QtScheduler m_idle{{.priority = QThread::IdlePriority}};
     NotificationCenter m_notifications;
     CurlHttpClient m_http;
     FileUserDefaults m_defaults;

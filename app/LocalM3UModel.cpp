@@ -41,7 +41,7 @@ LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
     , m_player(parts.player)
     , m_window(parts.window)
     , m_panels(parts.panels)
-    , m_scheduler(parts.scheduler)
+    , m_files(parts.files)
     , m_list(parts.store, parts.scheduler)
     , m_editor(parts.panels)
     , m_history(parts.store)
@@ -359,7 +359,7 @@ Task<> LocalM3UModel::exportTo(std::stop_token stop)
     if (!file || stop.stop_requested())
         co_return;
     const QString path = file->toLocalFile();
-    const auto writing = m_scheduler.inBackground(
+    const auto writing = m_files.inBackground(
         [path, entries = m_store.entries()] { return replaceFile(path, writePlaylist(entries)); });
     const std::expected<void, FileWriteError> written = co_await writing;
     if (stop.stop_requested())

@@ -44,6 +44,8 @@ public:
         MainWindowModel &window;
         FilePanels &panels;
         Scheduler &scheduler;
+        /// Its background work may wait for a file system.
+        Scheduler &files;
     };
 
     /// All parts outlive the model.
@@ -120,7 +122,7 @@ private:
     PlayerModel &m_player;
     MainWindowModel &m_window;
     FilePanels &m_panels;
-    Scheduler &m_scheduler;
+    Scheduler &m_files;
     LocalM3UListModel m_list;
     LocalM3UEditor m_editor;
     LocalM3UHistory m_history;

@@ -48,7 +48,8 @@ TerminalApplication::TerminalApplication(const Folders &folders)
     , m_defaults(folders.settings)
     , m_proxyRoute(m_http)
     , m_proxy(m_defaults, m_scheduler, m_proxyRoute)
-    , m_downloads({m_http, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
+    , m_downloads(
+          {m_http, m_scheduler, m_scheduler, m_defaults, m_panels, m_workspace, folders.downloads})
     , m_download(m_downloads, m_scheduler, m_terminal)
 {
 }

@@ -285,8 +285,9 @@ Task<> PlayerHostingView::followFace(double time, std::stop_token stop)
     const quint64 item = m_observedItem;
     const quint64 run = m_smartRun;
     // Playback waits while a picture is copied, so that must not wait for other work.
-    const auto copy = [output = m_videoOutput, time] { return output->copyPixelBuffer(time); };
-    const auto copying = m_services.scheduler.inBackground(copy);
+    // Nothing here holds the output, with all that plays behind it, any longer than that.
+    const auto copying = m_services.scheduler.inBackground(
+        [output = m_videoOutput, time] { return output->copyPixelBuffer(time); });
     const std::optional<PixelBuffer> picture = co_await copying;
     if (stop.stop_requested())
         co_return;

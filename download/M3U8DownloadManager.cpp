@@ -54,7 +54,12 @@ M3U8DownloadManager::M3U8DownloadManager(DownloadPlatform platform, QObject *par
     , m_fetcher(m_platform.http, m_platform.scheduler)
 {
     const QByteArray stored = m_platform.defaults.data(saveFolderKey()).value_or(QByteArray());
-    m_saveFolder = firstFolder(QStringList(QString::fromUtf8(stored)) + m_platform.standardFolders);
+    if (stored.isEmpty()) {
+        m_saveFolder = firstFolder(m_platform.standardFolders);
+    } else {
+        m_saveFolder = m_uncheckedFolder = QUrl::fromLocalFile(QString::fromUtf8(stored));
+        checkSaveFolder(m_lifetime.get_token());
+    }
 }
 
 M3U8DownloadManager::~M3U8DownloadManager()
@@ -116,13 +121,42 @@ M3U8DownloadManager::save(QUrl url, std::optional<QString> suggestedName, std::s
     if (!playlist)
         co_return std::unexpected(playlist.error());
 
-    SegmentFile file;
+    if (!m_uncheckedFolder.isEmpty() && m_saveFolder == m_uncheckedFolder) {
+        auto checking = checkSaveFolder(stop);
+        co_await checking;
+        if (stop.stop_requested())
+            co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
+    }
+    const auto file = std::make_shared<SegmentFile>();
     const QString fileExtension =
         playlist->mapURL.isEmpty() ? QStringLiteral("ts") : QStringLiteral("mp4");
-    const Outcome opened = openDestination(file, keyOf(url), suggestedName, fileExtension);
+    const Outcome opened = openDestination(*file, keyOf(url), suggestedName, fileExtension);
     if (!opened)
         co_return opened;
-    co_return co_await download(*std::move(playlist), file, keyOf(url), stop);
+    // This may be gone by the time it is needed.
+    Scheduler &files = m_platform.files;
+    auto downloading = download(*std::move(playlist), file, keyOf(url), stop);
+    const Outcome downloaded = co_await downloading;
+    const auto closing = files.inBackground([file] { return file->close(); });
+    const std::expected<void, FileWriteError> closed = co_await closing;
+    if (downloaded && !closed)
+        co_return std::unexpected(closed.error());
+    co_return downloaded;
+}
+
+/// A folder of another machine may take its time to say whether it is there, or never do so.
+Task<> M3U8DownloadManager::checkSaveFolder(std::stop_token stop)
+{
+    const QUrl folder = m_uncheckedFolder;
+    const auto looking = m_platform.files.inBackground(
+        [path = folder.toLocalFile()] { return isFolder(path); }, stop);
+    const std::optional<bool> isThere = co_await looking;
+    if (!isThere || stop.stop_requested())
+        co_return;
+    m_uncheckedFolder.clear();
+    // The user may have chosen another one meanwhile.
+    if (!*isThere && m_saveFolder == folder)
+        setSaveFolder(firstFolder(m_platform.standardFolders));
 }
 
 M3U8DownloadManager::Outcome
@@ -149,8 +183,8 @@ M3U8DownloadManager::openDestination(SegmentFile &file, const QString &key,
 }
 
 Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist playlist,
-                                                                 SegmentFile &file, QString key,
-                                                                 std::stop_token stop)
+                                                                 std::shared_ptr<SegmentFile> file,
+                                                                 QString key, std::stop_token stop)
 {
     if (!playlist.mapURL.isEmpty()) {
         const Outcome appended = co_await append(playlist.mapURL, file, stop);
@@ -202,22 +236,30 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist p
     }
 }
 
-Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::append(QUrl segment, SegmentFile &file,
-                                                               std::stop_token stop)
+Task<M3U8DownloadManager::Outcome>
+M3U8DownloadManager::append(QUrl segment, std::shared_ptr<SegmentFile> file, std::stop_token stop)
 {
-    const HttpBodySink sink = [&file](QByteArrayView bytes) { return file.append(bytes); };
+    // This may be gone when the segment has arrived.
+    Scheduler &files = m_platform.files;
+    const HttpBodySink sink = [file](QByteArrayView bytes) { return file->append(bytes); };
     const Outcome fetched = co_await m_fetcher.fetchData(segment, sink, stop);
-    if (const auto &error = file.error())
+    if (const auto &error = file->error())
         co_return std::unexpected(*error);
     if (!fetched)
         co_return fetched;
-    // The open file would go on growing where nobody finds it.
-    if (!file.folderExists())
+    const auto looking = files.inBackground([file] { return file->fate(); });
+    switch (co_await looking) {
+    case SegmentFile::Fate::FolderGone:
         co_return std::unexpected(DownloadError::cannotCreateDestination);
-    if (file.isDeleted())
+    case SegmentFile::Fate::Deleted:
         co_return std::unexpected(FileWriteError{.kind = FileWriteError::Kind::Failed,
                                                  .description = tr("it was deleted")});
-    file.keep();
+    case SegmentFile::Fate::There:
+        break;
+    }
+    file->keep();
+    if (stop.stop_requested())
+        co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
     co_return {};
 }
 

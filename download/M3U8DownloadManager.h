@@ -17,6 +17,8 @@ struct DownloadPlatform
 {
     HttpClient &http;
     Scheduler &scheduler;
+    /// Its background work may wait for a file system.
+    Scheduler &files;
     UserDefaults &defaults;
     FilePanels &panels;
     Workspace &workspace;
@@ -88,12 +90,13 @@ private:
 
     Task<> run(QUrl url, std::optional<QString> suggestedName, std::stop_token stop);
     Task<Outcome> save(QUrl url, std::optional<QString> suggestedName, std::stop_token stop);
+    Task<> checkSaveFolder(std::stop_token stop);
     Outcome openDestination(SegmentFile &file, const QString &key,
                             const std::optional<QString> &suggestedName,
                             const QString &fileExtension);
-    Task<Outcome> download(MediaPlaylist playlist, SegmentFile &file, QString key,
+    Task<Outcome> download(MediaPlaylist playlist, std::shared_ptr<SegmentFile> file, QString key,
                            std::stop_token stop);
-    Task<Outcome> append(QUrl segment, SegmentFile &file, std::stop_token stop);
+    Task<Outcome> append(QUrl segment, std::shared_ptr<SegmentFile> file, std::stop_token stop);
     void finish(const QString &key, const Outcome &outcome, bool wasStopped, double seconds);
 
     void setJob(const QString &key, const JobState &state);
@@ -105,6 +108,8 @@ private:
     QMap<QString, QString> m_names;
     QString m_errorMessage;
     QUrl m_saveFolder;
+    /// The stored save folder, until it is known to be there.
+    QUrl m_uncheckedFolder;
     QMap<QString, std::stop_source> m_tasks;
     std::stop_source m_lifetime;
 };

@@ -9,8 +9,8 @@ namespace lumaro {
 
 SegmentFile::~SegmentFile()
 {
-    if (m_size != m_keptSize)
-        m_file.resize(m_keptSize);
+    // Who wants to hear of a failure has closed it.
+    (void)close();
 }
 
 std::expected<void, FileWriteError> SegmentFile::create(const QString &path)
@@ -36,16 +36,26 @@ bool SegmentFile::append(QByteArrayView bytes)
     return true;
 }
 
-bool SegmentFile::folderExists() const
+SegmentFile::Fate SegmentFile::fate() const
 {
-    return QFileInfo(m_file).dir().exists();
+    // The open file would go on growing where nobody finds it.
+    if (!QFileInfo(m_file).dir().exists())
+        return Fate::FolderGone;
+    struct stat status{};
+    const bool isDeleted = fstat(m_file.handle(), &status) == 0 && status.st_nlink == 0;
+    return isDeleted ? Fate::Deleted : Fate::There;
 }
 
-bool SegmentFile::isDeleted() const
+std::expected<void, FileWriteError> SegmentFile::close()
 {
-    // Moved or renamed it would still be there.
-    struct stat status{};
-    return fstat(m_file.handle(), &status) == 0 && status.st_nlink == 0;
+    if (!m_file.isOpen())
+        return {};
+    if (m_size != m_keptSize)
+        m_file.resize(m_keptSize);
+    m_file.close();
+    if (m_file.error() != QFileDevice::NoError)
+        return std::unexpected(currentError());
+    return {};
 }
 
 FileWriteError SegmentFile::currentError() const

@@ -63,14 +63,11 @@ template <typename T>
 Task<DownloadResult<T>> inBackground(Scheduler &scheduler, std::function<DownloadResult<T>()> read,
                                      std::stop_token stop)
 {
-    const OneShot<DownloadResult<T>> finished;
-    const auto result = std::make_shared<std::optional<DownloadResult<T>>>();
-    scheduler.runInBackground([result, read = std::move(read)] { *result = read(); },
-                              [result, finished] { finished.complete(std::move(**result)); });
-    const std::stop_callback whenStopped(stop, [finished] {
-        finished.complete(std::unexpected(HttpError{HttpError::Kind::Cancelled}));
-    });
-    co_return co_await finished;
+    const auto reading = scheduler.inBackground(std::move(read), std::move(stop));
+    std::optional<DownloadResult<T>> result = co_await reading;
+    if (!result)
+        co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
+    co_return *std::move(result);
 }
 
 } // namespace

@@ -51,6 +51,19 @@ public:
                         [result, finished] { finished.complete(std::move(**result)); });
         co_return co_await finished;
     }
+
+    /// The same, but ends with nothing as soon as `stop` is requested. The work goes on for nobody.
+    template <typename Work>
+    Task<std::optional<std::invoke_result_t<Work>>> inBackground(Work work, std::stop_token stop)
+    {
+        using Result = std::optional<std::invoke_result_t<Work>>;
+        const OneShot<Result> finished;
+        const auto result = std::make_shared<Result>();
+        runInBackground([result, work = std::move(work)] { result->emplace(work()); },
+                        [result, finished] { finished.complete(std::move(*result)); });
+        const std::stop_callback whenStopped(stop, [finished] { finished.complete({}); });
+        co_return co_await finished;
+    }
 };
 
 } // namespace lumaro

@@ -80,7 +80,8 @@ struct CaptureOutput
     std::function<void()> pictureIsDue;
 };
 
-/// One capture. Main thread; errors are English sentences. Destroying it ends the capture at once.
+/// One capture. Main thread; errors are English sentences. Destroying it ends the capture at once,
+/// and with it the tasks.
 class CaptureStream
 {
 public:

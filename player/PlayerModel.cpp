@@ -260,7 +260,7 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
     updateIsLoading();
 
     const std::stop_token stop = m_import.get_token();
-    const auto reading = m_platform.scheduler.inBackground(
+    const auto reading = m_platform.files.inBackground(
         [file] { return readPlaylistFile(file, maximumPlaylistSize); });
     PlaylistResult result = co_await reading;
     if (stop.stop_requested())

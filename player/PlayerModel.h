@@ -31,6 +31,8 @@ struct PlayerPlatform
     HttpClient &http;
     FilePanels &panels;
     Scheduler &scheduler;
+    /// Its background work may wait for a file system.
+    Scheduler &files;
     InputMonitor &input;
     NotificationCenter &notifications;
     YouTubePlayerRegistry &youTube;

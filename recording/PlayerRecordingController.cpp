@@ -85,6 +85,7 @@ PlayerRecordingController::~PlayerRecordingController()
 {
     m_lifetime.request_stop();
     m_stream.reset();
+    m_stoppingStream.reset();
     if (m_writer) {
         m_writer->hurry();
         if (!m_isFinishing)
@@ -338,16 +339,18 @@ void PlayerRecordingController::stop()
     hidePanel();
     m_durationTimer.cancel();
     m_automaticStopAfter.reset();
-    finish(std::move(m_stream));
+    m_stoppingStream = std::move(m_stream);
+    finish();
 }
 
-Task<> PlayerRecordingController::finish(std::unique_ptr<CaptureStream> stream)
+Task<> PlayerRecordingController::finish()
 {
     const std::stop_token stop = m_lifetime.get_token();
-    auto stopping = stream->stopCapture();
+    auto stopping = m_stoppingStream->stopCapture();
     co_await stopping;
     if (stop.stop_requested())
         co_return;
+    m_stoppingStream.reset();
     m_isFinishing = true;
     m_captureQueue->post([self = QPointer(this), writer = m_writer] {
         writer->finish([self, writer](const PlayerCaptureWriter::Outcome &outcome) {

@@ -108,7 +108,7 @@ private:
     void tick();
     Task<> followSurface();
     void hidePanel();
-    Task<> finish(std::unique_ptr<CaptureStream> stream);
+    Task<> finish();
     void finished(const PlayerCaptureWriter::Outcome &outcome);
     void streamDidStop(const QString &error);
 
@@ -133,6 +133,8 @@ private:
     /// Its finishing has been posted.
     bool m_isFinishing = false;
     std::unique_ptr<CaptureStream> m_stream;
+    /// Has been stopped, and delivers what is still on its way.
+    std::unique_ptr<CaptureStream> m_stoppingStream;
     DelayedTask m_durationTimer;
     Scheduler::TimePoint m_startedAt;
     std::optional<double> m_automaticStopAfter;

@@ -67,7 +67,7 @@ int AudioEncoder::encode(const AudioSample &sample, MediaTime time, const Packet
     int result = 0;
     if (!m_begun || lateness > gap * rate || lateness < -overlap * rate) {
         if (lateness > 0)
-            result = addSilence(std::llround(lateness));
+            result = addSilence(std::llround(lateness), sink);
         else
             skipped = std::min(std::llround(-lateness), static_cast<long long>(frames));
         m_drift = 0;
@@ -91,7 +91,7 @@ void AudioEncoder::followClock(double lateness)
                          int(std::clamp(m_drift, -mostStretch * rate, mostStretch * rate)), rate);
 }
 
-int AudioEncoder::addSilence(qint64 frames)
+int AudioEncoder::addSilence(qint64 frames, const PacketSink &sink)
 {
     const Frame silence(av_frame_alloc());
     silence->format = m_codec->sample_fmt;
@@ -109,6 +109,9 @@ int AudioEncoder::addSilence(qint64 frames)
             return written;
         frames -= count;
         m_position += count;
+        // A machine may have slept for days.
+        if (const int result = drain(m_codec->frame_size, sink); result < 0)
+            return result;
     }
     return 0;
 }

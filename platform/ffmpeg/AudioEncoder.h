@@ -20,7 +20,7 @@ public:
 
 private:
     bool open(const AudioInputSettings &settings);
-    int addSilence(qint64 frames);
+    int addSilence(qint64 frames, const ffmpeg::PacketSink &sink);
     int addSound(const float *data, qint64 frames);
     void followClock(double lateness);
     int drain(int least, const ffmpeg::PacketSink &sink);

@@ -45,14 +45,16 @@ std::expected<std::unique_ptr<AssetWriter>, QString> FfmpegAssetWriter::create(c
     Output output(context);
     const QString path = file.toLocalFile();
     removeAbandonedCopies(QFileInfo(path).absolutePath());
-    const QByteArray url = "file:" + QFile::encodeName(path);
-    if (const int result = avio_open(&output->pb, url.constData(), AVIO_FLAG_WRITE); result < 0)
+    auto made = std::make_unique<NewFile>(path);
+    if (const int result = made->open(*output); result < 0)
         return std::unexpected(sentence(result));
-    return std::unique_ptr<AssetWriter>(new FfmpegAssetWriter(path, std::move(output)));
+    return std::unique_ptr<AssetWriter>(
+        new FfmpegAssetWriter(path, std::move(made), std::move(output)));
 }
 
-FfmpegAssetWriter::FfmpegAssetWriter(QString path, Output output)
+FfmpegAssetWriter::FfmpegAssetWriter(QString path, std::unique_ptr<NewFile> file, Output output)
     : m_path(std::move(path))
+    , m_file(std::move(file))
     , m_output(std::move(output))
 {
 }
@@ -192,6 +194,7 @@ void FfmpegAssetWriter::complete()
     if (const int result = avio_closep(&m_output->pb); result < 0)
         return fail(result);
     m_output.reset();
+    m_file.reset();
     // What cannot be made ordinary plays as it is.
     makeOrdinary({.path = m_path,
                   .packets = m_videoPackets + m_audioPackets,
@@ -225,7 +228,8 @@ void FfmpegAssetWriter::fail(int error)
     }
     m_output.reset();
     // Half a fragment would be the end of some players.
-    QFile::resize(m_path, m_wholeSize);
+    if (m_file)
+        m_file->truncate(m_wholeSize);
     m_status = Status::Failed;
 }
 

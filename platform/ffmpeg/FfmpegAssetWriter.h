@@ -2,6 +2,7 @@
 
 #include "platform/AssetWriter.h"
 #include "platform/ffmpeg/AudioEncoder.h"
+#include "platform/ffmpeg/NewFile.h"
 #include "platform/ffmpeg/VideoEncoder.h"
 
 #include <atomic>
@@ -39,7 +40,7 @@ public:
     QString error() const override;
 
 private:
-    explicit FfmpegAssetWriter(QString path, ffmpeg::Output output);
+    FfmpegAssetWriter(QString path, std::unique_ptr<ffmpeg::NewFile> file, ffmpeg::Output output);
 
     AVStream *addStream(const AVCodecContext &codec);
     ffmpeg::PacketSink sink(const AVCodecContext &codec, AVStream *stream, qint64 &packets);
@@ -47,6 +48,8 @@ private:
     void fail(int error);
 
     const QString m_path;
+    /// Until it is complete.
+    std::unique_ptr<ffmpeg::NewFile> m_file;
     ffmpeg::Output m_output;
     std::unique_ptr<VideoEncoder> m_video;
     std::unique_ptr<AudioEncoder> m_audio;

@@ -1,6 +1,6 @@
 #include "platform/ffmpeg/Mp4Remuxer.h"
 
-#include "platform/ffmpeg/Handles.h"
+#include "platform/ffmpeg/NewFile.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -8,9 +8,6 @@
 
 #include <chrono>
 #include <cstdio>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace lumaro {
 
@@ -31,14 +28,13 @@ QByteArray urlOf(const QString &path)
     return "file:" + QFile::encodeName(path);
 }
 
-Output openOutput(const QString &path)
+Output openOutput(const NewFile &file)
 {
     AVFormatContext *context = nullptr;
     if (avformat_alloc_output_context2(&context, nullptr, "mp4", nullptr) < 0)
         return nullptr;
     Output output(context);
-    return avio_open(&output->pb, urlOf(path).constData(), AVIO_FLAG_WRITE) < 0 ? nullptr
-                                                                                : std::move(output);
+    return file.open(*output) < 0 ? nullptr : std::move(output);
 }
 
 bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &file,
@@ -83,30 +79,27 @@ bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &
     return avio_closep(&output.pb) >= 0;
 }
 
-bool reachesTheDisk(const QString &path)
-{
-    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    const bool synced = descriptor >= 0 && fsync(descriptor) == 0;
-    return descriptor >= 0 && close(descriptor) == 0 && synced;
-}
-
 } // namespace
 
 void makeOrdinary(const FragmentedMp4 &file, const std::atomic<bool> &abandoned)
 {
     const QFileInfo info(file.path);
     const QString beside = info.absolutePath() + u"/." + info.fileName() + copySuffix;
+    // Left there by a process that died, or by somebody else.
+    QFile::remove(beside);
+    const NewFile copyFile(beside);
+    if (copyFile.error() < 0)
+        return;
     bool copied = false;
     {
         AVFormatContext *opened = nullptr;
-        if (avformat_open_input(&opened, urlOf(file.path).constData(), nullptr, nullptr) < 0)
-            return;
+        avformat_open_input(&opened, urlOf(file.path).constData(), nullptr, nullptr);
         const Input input(opened);
-        const Output output = openOutput(beside);
-        copied = output && avformat_find_stream_info(input.get(), nullptr) >= 0
+        const Output output = openOutput(copyFile);
+        copied = input && output && avformat_find_stream_info(input.get(), nullptr) >= 0
             && copy(*input, *output, file, abandoned);
     }
-    const bool replaced = copied && !abandoned && reachesTheDisk(beside)
+    const bool replaced = copied && !abandoned && copyFile.reachesTheDisk()
         && std::rename(QFile::encodeName(beside).constData(),
                        QFile::encodeName(file.path).constData())
             == 0;

@@ -228,12 +228,11 @@ void FrameGrabber::release(bool waits)
         return;
     bool isReleased = true;
     for (const auto &slot : m_slots) {
-        const auto deadline = mediaTimeNow() + longestWait;
-        while (waits && slot->isInUse && mediaTimeNow() < deadline)
+        // Whoever uses it reads from memory that goes with the context.
+        while (waits && slot->isInUse)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        // Better lost than taken away.
         if (slot->isInUse) {
-            isReleased = waits;
+            isReleased = false;
             continue;
         }
         if (slot->fence)

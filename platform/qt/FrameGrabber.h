@@ -53,8 +53,8 @@ public:
     void frameRendered();
     /// Delivers what has arrived; waits for the rest if `waits`.
     void collect(bool waits);
-    /// Gives back what belongs to the context, but for pictures still in use, for which it waits
-    /// a moment if `waits`.
+    /// Gives back what belongs to the context. Pictures still in use stay, or are waited for, for
+    /// as long as it takes, if `waits`.
     void release(bool waits);
     /// Nothing belongs to the context any more. On any thread.
     bool isReleased() const { return m_isReleased; }

@@ -1,19 +1,64 @@
 #include "platform/qt/QtScheduler.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QTimer>
+
+#include <mutex>
 
 namespace lumaro {
 
-QtScheduler::QtScheduler(QThread::Priority priority, QObject *parent)
-    : QObject(parent)
+/// The way back to the main thread, while there is one.
+class QtScheduler::Reports
 {
-    m_threads.setThreadPriority(priority);
+public:
+    explicit Reports(QtScheduler *scheduler)
+        : m_scheduler(scheduler)
+    {
+    }
+
+    void post(const std::function<void()> &done)
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_scheduler)
+            QMetaObject::invokeMethod(m_scheduler, done, Qt::QueuedConnection);
+    }
+
+    void end()
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_scheduler = nullptr;
+    }
+
+private:
+    std::mutex m_mutex;
+    QtScheduler *m_scheduler;
+};
+
+QtScheduler::QtScheduler(const BackgroundThreads &threads, QObject *parent)
+    : QObject(parent)
+    , m_patience(threads.patience)
+    , m_reports(std::make_shared<Reports>(this))
+    , m_threads(std::make_unique<QThreadPool>())
+{
+    m_threads->setThreadPriority(threads.priority);
+    m_threads->setMaxThreadCount(threads.count);
 }
 
 QtScheduler::~QtScheduler()
 {
-    m_threads.clear();
-    m_threads.waitForDone();
+    const QDeadlineTimer end(m_patience);
+    bool isDone = true;
+    // Coroutines that wait hold what nobody else would let go of, and may have more to do.
+    for (quint64 begun = 0; isDone && begun != m_begun;) {
+        begun = m_begun;
+        isDone = m_threads->waitForDone(int(end.remainingTime()));
+        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
+    }
+    m_reports->end();
+    // A thread that the system does not give back can only be left to the end of the process.
+    if (!isDone)
+        (void)m_threads.release();
 }
 
 Scheduler::TimePoint QtScheduler::now() const
@@ -46,11 +91,14 @@ void QtScheduler::cancel(TimerId timer)
 
 void QtScheduler::runInBackground(std::function<void()> work, std::function<void()> done)
 {
-    m_threads.start([this, work = std::move(work), done = std::move(done)] {
-        work();
-        // Dropped with the scheduler if that goes first.
-        QMetaObject::invokeMethod(this, done, Qt::QueuedConnection);
-    });
+    ++m_begun;
+    m_threads->start(
+        [reports = m_reports, work = std::move(work), done = std::move(done)]() mutable {
+            work();
+            // Who hears of it may rely on what it held being gone.
+            work = nullptr;
+            reports->post(done);
+        });
 }
 
 } // namespace lumaro

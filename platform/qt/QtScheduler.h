@@ -6,23 +6,32 @@
 #include <QThread>
 #include <QThreadPool>
 
+#include <memory>
 #include <unordered_map>
 
 class QTimer;
 
 namespace lumaro {
 
-/// Delays by Qt's timers, background work on its own threads. Destroying it waits for the work
-/// that already runs and drops what has not been reported.
+/// The threads that a scheduler works on.
+struct BackgroundThreads
+{
+    /// An idle one only takes what nothing else wants.
+    QThread::Priority priority = QThread::InheritPriority;
+    int count = QThread::idealThreadCount();
+    /// How long the end waits for what is under way.
+    std::chrono::milliseconds patience{10'000};
+};
+
+/// Delays by Qt's timers, background work on its own threads. Destroying it does the work that was
+/// asked for and reports it. What then takes longer than the threads' patience, as in a file system
+/// that does not answer, ends with the process, unreported.
 class QtScheduler final : public QObject, public Scheduler
 {
     Q_OBJECT
 
 public:
-    /// `priority` is that of the work in the background; an idle one only takes what nothing else
-    /// wants.
-    explicit QtScheduler(QThread::Priority priority = QThread::InheritPriority,
-                         QObject *parent = nullptr);
+    explicit QtScheduler(const BackgroundThreads &threads = {}, QObject *parent = nullptr);
     ~QtScheduler() override;
 
     TimePoint now() const override;
@@ -31,9 +40,16 @@ public:
     void runInBackground(std::function<void()> work, std::function<void()> done) override;
 
 private:
+    class Reports;
+
     TimerId m_lastId = 0;
     std::unordered_map<TimerId, std::unique_ptr<QTimer>> m_timers;
-    QThreadPool m_threads;
+    const std::chrono::milliseconds m_patience;
+    /// Shared with the work.
+    std::shared_ptr<Reports> m_reports;
+    std::unique_ptr<QThreadPool> m_threads;
+    /// Pieces of work so far.
+    quint64 m_begun = 0;
 };
 
 } // namespace lumaro

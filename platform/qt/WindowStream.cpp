@@ -1,5 +1,6 @@
 #include "platform/qt/WindowStream.h"
 
+#include "platform/AudioFeed.h"
 #include "platform/qt/FrameGrabber.h"
 
 #include <QCoreApplication>
@@ -175,6 +176,7 @@ WindowStream::WindowStream(QQuickWindow *window, SystemAudio audio,
 
 WindowStream::~WindowStream()
 {
+    m_lifetime.request_stop();
     m_audio.reset();
     m_feed->end();
     detach();
@@ -233,15 +235,15 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
             failed(QCoreApplication::translate("WindowStream", "The window is no longer drawn."));
         },
         Qt::DirectConnection);
-    if (m_configuration.capturesAudio)
-        m_audio = m_makeAudio(
-            {.sampleRate = m_configuration.audioSampleRate,
-             .channels = m_configuration.audioChannels,
-             .sample =
-                 [queue = m_output.queue, audio = m_output.audio](AudioSample sample) {
-                     queue->post([audio, sample = std::move(sample)] { audio(sample); });
-                 },
-             .becameUnavailable = m_output.audioBecameUnavailable});
+    if (m_configuration.capturesAudio) {
+        const auto feed = std::make_shared<AudioFeed>(m_output.queue, m_output.audio,
+                                                      m_configuration.audioSampleRate);
+        m_audio =
+            m_makeAudio({.sampleRate = m_configuration.audioSampleRate,
+                         .channels = m_configuration.audioChannels,
+                         .sample = [feed](AudioSample sample) { feed->deliver(std::move(sample)); },
+                         .becameUnavailable = m_output.audioBecameUnavailable});
+    }
     // A picture that stands still is a picture too.
     m_window->update();
     m_pulse.start();
@@ -286,7 +288,9 @@ Task<> WindowStream::stopCapture()
 {
     const MediaTime end = mediaTimeNow();
     detach();
+    const std::stop_token gone = m_lifetime.get_token();
     const OneShot<bool> stopped;
+    const std::stop_callback whenGone(gone, [stopped] { stopped.complete(false); });
     if (m_window) {
         m_window->scheduleRenderJob(new RenderJob(
                                         [grabber = m_grabber, feed = m_feed] {
@@ -298,6 +302,8 @@ Task<> WindowStream::stopCapture()
         QTimer::singleShot(longestStop, qApp, [stopped] { stopped.complete(false); });
         co_await stopped;
     }
+    if (gone.stop_requested())
+        co_return;
     VideoSample last = m_feed->last();
     last.presentationTime = end;
     if (last.isDataReady())

@@ -40,6 +40,7 @@ private:
     void keepGoing();
     void detach();
 
+    std::stop_source m_lifetime;
     QPointer<QQuickWindow> m_window;
     SystemAudio m_makeAudio;
     CaptureConfiguration m_configuration;

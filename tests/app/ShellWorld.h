@@ -31,10 +31,10 @@ struct ShellWorld
     YouTubePlayerRegistry youTube;
     OKVideoPlayerRegistry okVideo;
     PlayerModel player{
-        {mediaPlayer, http, panels, scheduler, input, notifications, youTube, okVideo}};
+        {mediaPlayer, http, panels, scheduler, scheduler, input, notifications, youTube, okVideo}};
     MainWindowModel shell{player, mediaPlayer, scheduler, notifications, defaults};
     M3U8DownloadManager downloadManager{
-        {http, scheduler, defaults, panels, workspace, {saveFolder.path()}}};
+        {http, scheduler, scheduler, defaults, panels, workspace, {saveFolder.path()}}};
     DownloadsModel downloads{downloadManager, player};
     RecentItems recent{{player, mediaPlayer, shell, defaults, scheduler}};
 

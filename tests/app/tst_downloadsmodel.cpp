@@ -70,6 +70,7 @@ void DownloadsModelTest::savesWhatPlays()
     world.http.respond(stream, 200, "#EXTM3U\na\n");
     world.scheduler.runBackground();
     world.downloadManager.stop(stream);
+    world.scheduler.runBackground();
     QVERIFY(world.downloads.canDownloadStream());
     QCOMPARE(changes.count(), 3);
 }

@@ -18,7 +18,7 @@ namespace {
 struct World : ShellWorld
 {
     LocalM3UStore library{defaults, scheduler};
-    LocalM3UModel section{{library, player, shell, panels, scheduler}};
+    LocalM3UModel section{{library, player, shell, panels, scheduler, scheduler}};
     MenuCommands menus{player, shell, downloads, recent};
     LocalM3UCommands libraryMenu{section};
     HelpModel help{menus, libraryMenu, u"1.2.3"_s};

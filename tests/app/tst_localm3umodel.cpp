@@ -18,7 +18,7 @@ using Section = MainWindowModel::PlayerSidebarSection;
 struct World : ShellWorld
 {
     LocalM3UStore store{defaults, scheduler};
-    LocalM3UModel library{{store, player, shell, panels, scheduler}};
+    LocalM3UModel library{{store, player, shell, panels, scheduler, scheduler}};
     QTemporaryDir folder;
 
     void set(const QString &letters)

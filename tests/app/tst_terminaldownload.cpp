@@ -89,6 +89,7 @@ void TerminalDownloadTest::saysWhyItFailed()
     begin("#EXTM3U\na\nb\n");
     m_world->respond(a, "x");
     m_world->http.respond(b, 403, {});
+    m_world->scheduler.runBackground();
     QCOMPARE(m_world->terminal.said.sliced(2),
              (QStringList{u"The stream server rejected the download request."_s,
                           u"What had arrived is kept: "_s + path()}));
@@ -120,6 +121,7 @@ void TerminalDownloadTest::endsAsTheUserWishes()
     if (hasSegment)
         m_world->respond(a, "x");
     Q_EMIT m_world->terminal.interrupted(SIGINT);
+    m_world->scheduler.runBackground();
     QTEST(m_world->finished.value(0).value(0).toInt(), "status");
     QTEST(m_world->terminal.said.last(), "sentence");
     QCOMPARE(m_world->terminal.printed, QStringList{path()});

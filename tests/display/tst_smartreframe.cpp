@@ -42,6 +42,7 @@ private Q_SLOTS:
     void oneDetectionAtATime();
     void resultThatComesTooLateIsDropped();
     void viewMayGoDuringADetection();
+    void aDetectionHoldsNoOutput();
 
 private:
     void tick()
@@ -196,6 +197,24 @@ void SmartReframeTest::viewMayGoDuringADetection()
     // The picture was still being copied.
     QCOMPARE(m_world->detector->calls, 0);
     QCOMPARE(m_world->scheduler.pendingCalls(), 0);
+}
+
+/// What the player has behind it could not go before the detector is done.
+void SmartReframeTest::aDetectionHoldsNoOutput()
+{
+    FakeScheduler idle;
+    PlayerViewServices services{m_world->scheduler, idle, m_world->notifications, m_world->surfaces,
+                                m_world->detector};
+    m_view = std::make_unique<PlayerHostingView>(services);
+    m_view->setPlayer(&m_world->player);
+    m_view->setDisplayMode(Mode::smart);
+    tick();
+    QCOMPARE(idle.pendingBackgroundWork(), 1);
+    QVERIFY(!m_world->player.videoOutput.expired());
+    m_view.reset();
+    QVERIFY(m_world->player.videoOutput.expired());
+    idle.runBackground();
+    QCOMPARE(m_world->detector->calls, 1);
 }
 
 QTEST_MAIN(SmartReframeTest)

@@ -17,6 +17,13 @@ namespace lumaro {
 /// A download manager on fakes, which saves into a folder of its own.
 struct DownloadWorld
 {
+    ~DownloadWorld()
+    {
+        manager.reset();
+        // Files are closed elsewhere.
+        scheduler.runBackground();
+    }
+
     QTemporaryDir folder;
     FakeHttpClient http;
     FakeScheduler scheduler;
@@ -27,8 +34,8 @@ struct DownloadWorld
 
     std::unique_ptr<M3U8DownloadManager> make()
     {
-        return std::make_unique<M3U8DownloadManager>(
-            DownloadPlatform{http, scheduler, defaults, panels, workspace, {folder.path()}});
+        return std::make_unique<M3U8DownloadManager>(DownloadPlatform{
+            http, scheduler, scheduler, defaults, panels, workspace, {folder.path()}});
     }
 
     /// An address on the one server there is.

@@ -74,6 +74,8 @@ private Q_SLOTS:
 
     void remembersTheFolder_data();
     void remembersTheFolder();
+    void asksForTheStoredFolderInTheBackground_data();
+    void asksForTheStoredFolderInTheBackground();
     void choosesTheFolder();
     void cancelledPanelChangesNothing();
     void showsTheFile();
@@ -326,6 +328,7 @@ void DownloadManagerTest::stops()
     const QUrl destination = job().destination;
 
     m_world->manager->stop(list);
+    m_world->scheduler.runBackground();
     QCOMPARE(job().message, u"Stopped · file saved"_s);
     QVERIFY(!job().isActive);
     QVERIFY(!job().progress);
@@ -370,6 +373,7 @@ void DownloadManagerTest::fails()
         m_world->http.fail(segment(2), HttpError::Kind::TimedOut);
     else
         m_world->http.respond(segment(2), status, "<html>");
+    m_world->scheduler.runBackground();
     QCOMPARE(job().message, u"Download failed"_s);
     QVERIFY(!job().isActive);
     QVERIFY(!job().progress);
@@ -419,6 +423,7 @@ void DownloadManagerTest::dropsTornSegments()
     m_world->http.sendPiece(segment(2), "<2");
     QCOMPARE(m_world->saved(u"News.ts"_s), "<1><2");
     m_world->http.fail(segment(2), error);
+    m_world->scheduler.runBackground();
     QCOMPARE(m_world->saved(u"News.ts"_s), "<1>");
 }
 
@@ -468,6 +473,7 @@ void DownloadManagerTest::destroyedManagerLeavesWholeSegments()
     respond(1, "<1>");
     m_world->http.sendPiece(segment(2), "<2");
     m_world->manager.reset();
+    m_world->scheduler.runBackground();
     QCOMPARE(m_world->saved(u"News.ts"_s), "<1>");
     QCOMPARE(m_world->http.pendingRequests(), 0);
 }
@@ -496,9 +502,59 @@ void DownloadManagerTest::remembersTheFolder()
     if (!stored.isEmpty())
         m_world->defaults.values.insert(u"Lumaro.M3U8DownloadFolder"_s,
                                         root.filePath(stored).toUtf8());
-    const M3U8DownloadManager manager({m_world->http, m_world->scheduler, m_world->defaults,
-                                       m_world->panels, m_world->workspace, standard});
+    const M3U8DownloadManager manager({m_world->http, m_world->scheduler, m_world->scheduler,
+                                       m_world->defaults, m_world->panels, m_world->workspace,
+                                       standard});
+    m_world->scheduler.runBackground();
     QCOMPARE(manager.saveFolder(), QUrl::fromLocalFile(root.filePath(used)));
+}
+
+/// Another machine may not answer: neither the program's start nor stopping a job waits for it.
+void DownloadManagerTest::asksForTheStoredFolderInTheBackground_data()
+{
+    QTest::addColumn<bool>("stops");
+    QTest::addColumn<bool>("choosesAnother");
+    QTest::newRow("gone") << false << false;
+    QTest::newRow("stopped meanwhile") << true << false;
+    QTest::newRow("another chosen meanwhile") << false << true;
+}
+
+void DownloadManagerTest::asksForTheStoredFolderInTheBackground()
+{
+    QFETCH(const bool, stops);
+    QFETCH(const bool, choosesAnother);
+    const QTemporaryDir another;
+    const QString gone = m_world->folder.filePath(u"gone"_s);
+    m_world->defaults.values.insert(u"Lumaro.M3U8DownloadFolder"_s, gone.toUtf8());
+    FakeScheduler files;
+    M3U8DownloadManager manager({m_world->http,
+                                 m_world->scheduler,
+                                 files,
+                                 m_world->defaults,
+                                 m_world->panels,
+                                 m_world->workspace,
+                                 {m_world->folder.path()}});
+    QCOMPARE(manager.saveFolder(), QUrl::fromLocalFile(gone));
+    const auto job = [&] { return manager.jobs().value(M3U8DownloadManager::keyOf(list)); };
+    if (choosesAnother)
+        manager.setSaveFolder(QUrl::fromLocalFile(another.path()));
+    manager.start(list, u"News"_s);
+    m_world->respond(list, "#EXTM3U\n#EXTINF:1,\na.ts\n#EXT-X-ENDLIST\n");
+    QCOMPARE(job().isActive, true);
+    QCOMPARE(job().destination.isEmpty(), !choosesAnother);
+    if (stops) {
+        manager.stop(list);
+        QVERIFY(!job().isActive);
+    }
+    files.runBackground();
+    const QString used = choosesAnother ? another.path() : m_world->folder.path();
+    QCOMPARE(manager.saveFolder(), QUrl::fromLocalFile(used));
+    if (stops)
+        return;
+    m_world->respond(DownloadWorld::url(u"a.ts"_s), "<1>");
+    files.runBackground();
+    QCOMPARE(job().message, u"Saved"_s);
+    QVERIFY(QFile::exists(used + u"/News.ts"));
 }
 
 void DownloadManagerTest::choosesTheFolder()
@@ -554,7 +610,7 @@ void DownloadManagerTest::manySegmentsTakeLittleTime()
     constexpr int count = 100'000;
     start(finished(1, count));
     for (int i = 1; i <= count; ++i)
-        m_world->http.respond(segment(i), 200, "x");
+        respond(i, "x");
     QCOMPARE(job().message, u"Saved"_s);
     QCOMPARE(m_world->saved(u"News.ts"_s).size(), count);
 }

@@ -40,7 +40,8 @@ struct World
     SnifferProxyManager proxy{defaults, scheduler, target};
     SnifferSavedWebsiteStore websites{defaults, scheduler, panels};
     LocalM3UStore library{defaults, scheduler};
-    M3U8DownloadManager downloads{{http, scheduler, defaults, panels, workspace, {folder.path()}}};
+    M3U8DownloadManager downloads{
+        {http, scheduler, scheduler, defaults, panels, workspace, {folder.path()}}};
     QStringList opened;
     QStringList posted;
     SnifferViewModel finder{{.blocker = blocker,

@@ -25,6 +25,14 @@ Task<> computeSquare(Scheduler &scheduler, int number, QList<int> &results)
     results.append(co_await work);
 }
 
+Task<> computeSquares(Scheduler &scheduler, int count, QList<int> &results)
+{
+    for (int number = 0; number < count; ++number) {
+        auto next = computeSquare(scheduler, number, results);
+        co_await next;
+    }
+}
+
 } // namespace
 
 class QtSchedulerTest : public QObject
@@ -38,7 +46,10 @@ private Q_SLOTS:
     void callMayDestroyTheScheduler();
     void sleepEndsOrStops();
     void backgroundWorkReportsOnTheMainThread();
-    void destructionWaitsForRunningWorkAndDropsTheRest();
+    void destructionDoesAllWorkAndReportsIt();
+    void destructionEndsCoroutines();
+    void destructionLeavesBehindWhatHangs();
+    void workIsGoneWhenItIsReported();
 };
 
 void QtSchedulerTest::callsInOrderOfTime()
@@ -139,34 +150,86 @@ void QtSchedulerTest::backgroundWorkReportsOnTheMainThread()
         QCOMPARE(results[number], number * number);
 }
 
-void QtSchedulerTest::destructionWaitsForRunningWorkAndDropsTheRest()
+void QtSchedulerTest::destructionDoesAllWorkAndReportsIt()
 {
-    const int threads = QThread::idealThreadCount();
+    constexpr int threads = 2;
+    constexpr int pieces = 5;
     std::atomic<int> begun = 0;
+    std::atomic<bool> mayEnd = false;
     std::atomic<int> ended = 0;
-    bool queuedWorkRan = false;
     int reported = 0;
-    // Goes with the work that waits for a thread.
-    auto queued = std::make_shared<int>();
-    const std::weak_ptr<int> watched = queued;
-    auto scheduler = std::make_unique<QtScheduler>();
-    for (int i = 0; i < threads; ++i)
+    auto scheduler = std::make_unique<QtScheduler>(BackgroundThreads{.count = threads});
+    for (int i = 0; i < pieces; ++i)
         scheduler->runInBackground(
-            [&begun, &ended, watched] {
+            [&] {
                 ++begun;
-                while (!watched.expired())
+                while (!mayEnd)
                     std::this_thread::yield();
                 ++ended;
             },
             [&] { ++reported; });
-    scheduler->runInBackground([&, held = std::exchange(queued, nullptr)] { queuedWorkRan = true; },
-                               [&] { ++reported; });
     QVERIFY(QTest::qWaitFor([&] { return begun == threads; }, patience));
+    // No more at a time than there are threads.
+    QCOMPARE(begun.load(), threads);
+    std::thread releasing([&] { mayEnd = true; });
     scheduler.reset();
-    QCOMPARE(ended.load(), threads);
-    QVERIFY(!queuedWorkRan);
-    QCoreApplication::processEvents();
+    releasing.join();
+    QCOMPARE(ended.load(), pieces);
+    QCOMPARE(reported, pieces);
+}
+
+void QtSchedulerTest::destructionEndsCoroutines()
+{
+    QList<int> results;
+    {
+        QtScheduler scheduler({.count = 1});
+        for (int number = 0; number < 3; ++number)
+            computeSquare(scheduler, number, results);
+    }
+    QCOMPARE(results, (QList<int>{0, 1, 4}));
+    {
+        QtScheduler scheduler;
+        // What one asks for when it is resumed is done as well.
+        computeSquares(scheduler, 5, results);
+    }
+    QCOMPARE(results.last(), 16);
+}
+
+void QtSchedulerTest::destructionLeavesBehindWhatHangs()
+{
+    const auto mayEnd = std::make_shared<std::atomic<bool>>(false);
+    const auto ended = std::make_shared<std::atomic<bool>>(false);
+    int reported = 0;
+    auto scheduler = std::make_unique<QtScheduler>(BackgroundThreads{.count = 2, .patience = 1ms});
+    std::atomic<bool> begun = false;
+    scheduler->runInBackground(
+        [mayEnd, ended, &begun] {
+            begun = true;
+            while (!*mayEnd)
+                std::this_thread::yield();
+            *ended = true;
+        },
+        [&] { ++reported; });
+    QVERIFY(QTest::qWaitFor([&] { return begun.load(); }, patience));
+    scheduler.reset();
+    QVERIFY(!*ended);
+    *mayEnd = true;
+    QVERIFY(QTest::qWaitFor([&] { return ended->load(); }, patience));
+    // There is nobody to report to.
+    QTest::qWait(5);
     QCOMPARE(reported, 0);
+}
+
+void QtSchedulerTest::workIsGoneWhenItIsReported()
+{
+    QtScheduler scheduler;
+    auto held = std::make_shared<int>();
+    const std::weak_ptr<int> watched = held;
+    std::optional<bool> wasGone;
+    scheduler.runInBackground([held = std::exchange(held, nullptr)] {},
+                              [&] { wasGone = watched.expired(); });
+    QVERIFY(QTest::qWaitFor([&] { return wasGone.has_value(); }, patience));
+    QVERIFY(*wasGone);
 }
 
 QTEST_GUILESS_MAIN(QtSchedulerTest)

@@ -39,8 +39,8 @@ struct World
     NotificationCenter notifications;
     YouTubePlayerRegistry youTube;
     OKVideoPlayerRegistry okVideo;
-    std::unique_ptr<PlayerModel> model = std::make_unique<PlayerModel>(
-        PlayerPlatform{player, http, panels, scheduler, input, notifications, youTube, okVideo});
+    std::unique_ptr<PlayerModel> model = std::make_unique<PlayerModel>(PlayerPlatform{
+        player, http, panels, scheduler, scheduler, input, notifications, youTube, okVideo});
 
     void open(const QUrl &url, const QString &name = {})
     {

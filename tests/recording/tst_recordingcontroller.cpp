@@ -517,6 +517,8 @@ void RecordingControllerTest::completesTheFileAtTheEnd()
         world.controller->stop();
     world.capture.output.reset();
     world.controller.reset();
+    // A stream that were left behind would go on capturing.
+    QCOMPARE(world.capture.destroyedStreams, 1);
     QCOMPARE(world.asset.log.count(u"finished"_s), 1);
     QCOMPARE(world.asset.log.last(), u"finished"_s);
     // Before it could begin.
@@ -525,7 +527,6 @@ void RecordingControllerTest::completesTheFileAtTheEnd()
     if (world.capture.stopping)
         world.capture.stopping->complete(true);
     QCOMPARE(world.asset.log.count(u"finished"_s), 1);
-    QCOMPARE(world.capture.destroyedStreams, 1);
 }
 
 void RecordingControllerTest::saysWhenThereIsNoSound()

@@ -18,7 +18,8 @@ constexpr auto patience = 200s;
 } // namespace
 
 DownloadWorld::DownloadWorld()
-    : m_manager({m_http, m_scheduler, m_defaults, m_panels, m_workspace, {m_folder.path()}})
+    : m_manager(
+          {m_http, m_scheduler, m_scheduler, m_defaults, m_panels, m_workspace, {m_folder.path()}})
 {
 }
 

@@ -352,7 +352,7 @@ void DownloadFaultsTest::stopsWithinKnownSegments()
     m_world->manager().start(list(), u"Film"_s);
     QTRY_COMPARE_WITH_TIMEOUT(m_world->job(list()).message, u"0%"_s, patience);
     m_world->manager().stop(list());
-    QCOMPARE(m_world->job(list()).message, u"Stopped · file saved"_s);
+    QCOMPARE(m_world->messageAtEnd(list()), u"Stopped · file saved"_s);
 }
 
 void DownloadFaultsTest::refusesAHugePlaylist()

@@ -16,6 +16,7 @@
 #include <csignal>
 #include <thread>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
@@ -154,7 +155,10 @@ private Q_SLOTS:
     void noticesThatTheFileIsGone();
     void fillsHoles_data();
     void fillsHoles();
+    void aLongHoleTakesNoMemory();
     void survivesAFullDisk();
+    void staysInItsFolder();
+    void cutsOffOnlyItsOwnFile();
     void saysWhyItCannotBegin_data();
     void saysWhyItCannotBegin();
     void writesTheSmallestSize();
@@ -373,6 +377,28 @@ void AssetWriterTest::fillsHoles()
     QVERIFY2(std::abs(heard - begin) < 0.015, qPrintable(QString::number(heard)));
 }
 
+void AssetWriterTest::aLongHoleTakesNoMemory()
+{
+    const auto mostMemory = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss / 1024;
+    };
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"a.mp4"_s);
+    const auto writer = makeWriter(file);
+    writer->append(noise(0s));
+    writer->append(sound(0s));
+    const long before = mostMemory();
+    // As samples 700 MB.
+    constexpr auto hole = 30min;
+    writer->append(sound(hole));
+    writer->append(noise(hole));
+    QVERIFY2(mostMemory() - before < 350, qPrintable(QString::number(mostMemory() - before)));
+    QVERIFY(finish(*writer));
+    QVERIFY(std::abs(probe(file, u"stream=duration"_s, u"a"_s).toDouble() - 1800.0) < 0.1);
+}
+
 void AssetWriterTest::survivesAFullDisk()
 {
     const MountedFolder disk(MountedFolder::Kind::Small);
@@ -389,6 +415,51 @@ void AssetWriterTest::survivesAFullDisk()
     QVERIFY(outcome.error().startsWith(u"The disk is full."));
     QVERIFY(probe(file, u"format=duration"_s).toDouble() > 0.5);
     QCOMPARE(complaints(file), QString());
+}
+
+/// Others may put links into a shared folder, by names that they can guess.
+void AssetWriterTest::staysInItsFolder()
+{
+    const QTemporaryDir folder;
+    const QTemporaryDir elsewhere;
+    QFile precious(elsewhere.filePath(u"precious"_s));
+    QVERIFY(precious.open(QIODevice::WriteOnly) && precious.write("own") == 3);
+    precious.close();
+    const QString file = folder.filePath(u"a.mp4"_s);
+    QVERIFY(precious.link(file));
+    const auto writer = makeWriter(file);
+    for (int i = 0; i < 30; ++i)
+        writer->append(noise(i * MediaTime(1s) / 30));
+    QVERIFY(precious.link(folder.filePath(u".a.mp4.lumaro-part"_s)));
+    QVERIFY(finish(*writer));
+    QVERIFY(precious.open(QIODevice::ReadOnly));
+    QCOMPARE(precious.readAll(), "own"_ba);
+    QVERIFY(!boxes(file).contains(u"moof"_s));
+    QVERIFY(!QFileInfo(file).isSymLink());
+    QCOMPARE(complaints(file), QString());
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"a.mp4"_s});
+}
+
+/// The disk becomes full when the file has another name, and its name is another's.
+void AssetWriterTest::cutsOffOnlyItsOwnFile()
+{
+    const MountedFolder disk(MountedFolder::Kind::Small);
+    if (!disk.isMounted())
+        QSKIP("Mounting needs privileges.");
+    const QString file = disk.path() + u"/a.mp4";
+    const auto writer = makeWriter(file);
+    writer->append(noise(0s));
+    QVERIFY(QFile::rename(file, disk.path() + u"/b.mp4"));
+    QFile other(file);
+    const QByteArray content(100'000, 'x');
+    QVERIFY(other.open(QIODevice::WriteOnly) && other.write(content) == content.size());
+    other.close();
+    for (int i = 1; i < 3000 && !writer->hasFailed(); ++i)
+        writer->append(noise(i * MediaTime(1s) / 30));
+    QVERIFY(writer->hasFailed());
+    QVERIFY(other.open(QIODevice::ReadOnly));
+    QCOMPARE(other.readAll(), content);
+    QCOMPARE(complaints(disk.path() + u"/b.mp4"), QString());
 }
 
 void AssetWriterTest::saysWhyItCannotBegin_data()
