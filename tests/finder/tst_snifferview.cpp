@@ -88,6 +88,7 @@ private Q_SLOTS:
     void viewDecides();
     void viewsGo();
     void streamsOfTheSelectedTab();
+    void manyStreams();
     void streamActions();
     void streamNames_data();
     void streamNames();
@@ -199,6 +200,64 @@ void SnifferViewTest::streamsOfTheSelectedTab()
     QCOMPARE(world.finder.streams()->count(), 2);
     world.finder.tabs()->closeRow(0);
     QCOMPARE(world.finder.streams()->count(), 0);
+}
+
+/// Pages may load playlists by the thousand: what happens to one is told of its row, and nobody is
+/// asked about the others.
+void SnifferViewTest::manyStreams()
+{
+    World world;
+    Streams &streams = *world.finder.streams();
+    const auto address = [](int i) { return u"https://h/live.m3u8?_HLS_msn=%1"_s.arg(i); };
+    constexpr int many = 3000;
+    for (int i = 0; i < many; ++i)
+        world.detect(address(i));
+
+    QSignalSpy inserts(&streams, &Streams::rowsInserted);
+    QSignalSpy moves(&streams, &Streams::rowsMoved);
+    QSignalSpy resets(&streams, &Streams::modelReset);
+    QSignalSpy changes(&streams, &Streams::dataChanged);
+    const auto changedRows = [&] {
+        int rows = 0;
+        for (const QVariantList &change : std::as_const(changes)) {
+            for (int row = change[0].toModelIndex().row(); row <= change[1].toModelIndex().row();
+                 ++row) {
+                if (streams.addressAt(row) != address(10))
+                    return -1;
+                ++rows;
+            }
+        }
+        return rows;
+    };
+    world.detect(address(many));
+    QCOMPARE(inserts.size(), 1);
+    QCOMPARE(changes.size(), 0);
+    world.detect(address(10));
+    QCOMPARE(moves.size(), 1);
+    QCOMPARE(changedRows(), 1);
+    changes.clear();
+    world.detect(address(11));
+    changes.clear();
+
+    // What the library read for its first question would be what it was then.
+    FakeUserDefaults stored;
+    {
+        FakeScheduler scheduler;
+        LocalM3UStore library(stored, scheduler);
+        library.save(QUrl(address(10)), {});
+    }
+    world.defaults.values = stored.values;
+    QVERIFY(world.shown(1, Streams::IsSavedRole).toBool());
+    QVERIFY(!world.shown(0, Streams::IsSavedRole).toBool());
+
+    streams.download(1);
+    QCOMPARE(changedRows(), 1);
+    streams.stopDownload(1);
+    world.scheduler.runBackground();
+    QVERIFY(changedRows() > 1);
+    QCOMPARE(inserts.size(), 1);
+    QCOMPARE(moves.size(), 2);
+    QCOMPARE(resets.size(), 0);
 }
 
 void SnifferViewTest::streamActions()
