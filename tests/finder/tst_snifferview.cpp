@@ -99,6 +99,9 @@ private Q_SLOTS:
     void closingHides();
     void losingTheKeyboard_data();
     void savingsWaitForEachOther();
+    void savingsWaitForOtherPanels();
+    void uploadsAreAnswered_data();
+    void uploadsAreAnswered();
     void panelsKeepTheWindow();
     void followsWithinThePage();
     void losingTheKeyboard();
@@ -462,6 +465,58 @@ void SnifferViewTest::savingsWaitForEachOther()
     QCOMPARE(cancelled.size(), 5);
     for (int saving = flood; saving <= flood + 20; ++saving)
         QVERIFY(!world.finder.isSaving(saving));
+}
+
+void SnifferViewTest::savingsWaitForOtherPanels()
+{
+    World world;
+    QSignalSpy cancelled(&world.finder, &SnifferViewModel::savingCancelled);
+    world.panels.choice = QUrl::fromLocalFile(world.folder.filePath(u"b.zip"_s));
+    world.finder.setPanelOpen(true);
+    const int gone = world.finder.beginSaving(u"a.zip"_s);
+    const int wanted = world.finder.beginSaving(u"b.zip"_s);
+    world.scheduler.advance(std::chrono::minutes(1));
+    QVERIFY(world.panels.saveRequests.isEmpty());
+    QVERIFY(world.finder.isSaving(wanted));
+    world.finder.abandonSaving(gone, {});
+    world.finder.setPanelOpen(false);
+    // The other's answer has yet to be taken.
+    QVERIFY(world.panels.saveRequests.isEmpty());
+    world.scheduler.advance({});
+    QCOMPARE(world.panels.saveRequests.size(), 1);
+    QVERIFY(world.finder.hasPlace(wanted));
+    QVERIFY(cancelled.isEmpty());
+}
+
+void SnifferViewTest::uploadsAreAnswered_data()
+{
+    QTest::addColumn<bool>("isPanelOpen");
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<int>("notices");
+    QTest::newRow("chosen") << false << u"/home/a.png"_s << u"/home/a.png"_s << 0;
+    QTest::newRow("cancelled") << false << QString() << QString() << 0;
+    QTest::newRow("another panel is open") << true << u"/home/a.png"_s << QString() << 1;
+}
+
+void SnifferViewTest::uploadsAreAnswered()
+{
+    QFETCH(const bool, isPanelOpen);
+    QFETCH(const QString, choice);
+    QFETCH(const QString, answer);
+    World world;
+    QSignalSpy chosen(&world.finder, &SnifferViewModel::uploadChosen);
+    QSignalSpy notices(&world.finder, &SnifferViewModel::notice);
+    if (!choice.isEmpty())
+        world.panels.choice = QUrl::fromLocalFile(choice);
+    world.finder.setPanelOpen(isPanelOpen);
+    const int upload = world.finder.beginUpload();
+    // Nobody could tell yet which one it is for.
+    QVERIFY(chosen.isEmpty());
+    world.scheduler.advance({});
+    QCOMPARE(chosen, (QList<QVariantList>{{upload, answer}}));
+    QTEST(int(notices.size()), "notices");
+    QCOMPARE(world.panels.requests.isEmpty(), isPanelOpen);
 }
 
 void SnifferViewTest::panelsKeepTheWindow()
