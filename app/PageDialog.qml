@@ -59,9 +59,16 @@ FocusScope {
         if (isOpen)
             answer(false);
     }
+    function siteOf(address: string): string {
+        try {
+            return new URL(address).origin;
+        } catch (error) {
+            return "";
+        }
+    }
     // A page may ask until the next one is there, which is at `address`.
     function withdrawOthers(address: url): void {
-        if (dialog && new URL(origin).origin !== new URL(address).origin)
+        if (dialog && siteOf(origin) !== siteOf(address.toString()))
             withdraw();
     }
     function answer(accepted: bool): void {
