@@ -74,6 +74,7 @@ private Q_SLOTS:
     void redirectsAreFollowed();
     void filesAskForAPlace();
     void filesWaitForTheirPanel();
+    void pagesAskForFilesAgain();
     void linksOpenFromTheMenu();
     void pagesAskBeforeTheyMay();
     void pagesFillTheScreen();
@@ -243,6 +244,10 @@ void AppFinderTest::initTestCase()
                   u"<body %1><script>onbeforeunload = function (event) {"
                   " event.preventDefault(); return event.returnValue = 'x'; };"
                   " onmouseup = function () { fetch('/touched'); }</script>"_s.arg(wide)));
+    QVERIFY(write(u"uploads.html"_s,
+                  u"<body %1><input type=file hidden><script>onclick = function () {"
+                  " setTimeout(function () { document.querySelector('input').click();"
+                  " fetch('/picks'); }, 700); }</script>"_s.arg(wide)));
     QVERIFY(write(u"embeds.html"_s,
                   u"<iframe src='%1/media-on.html' allow=autoplay></iframe>"_s.arg(other())));
     for (const QString &name : {u"jump"_s, u"jumpclick"_s, u"jumplate"_s})
@@ -473,6 +478,28 @@ void AppFinderTest::filesWaitForTheirPanel()
     QTest::keyClick(m_window, Qt::Key_Return);
     QVERIFY(becomesTrue(
         [&] { return QFileInfo(m_home.filePath(u"Documents/waited.zip"_s)).size() == 1000; }));
+}
+
+void AppFinderTest::pagesAskForFilesAgain()
+{
+    QuickFilePanels &panels = m_world->panels();
+    QVERIFY(opens(u"/uploads.html"_s));
+    click();
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] { return panels.isOpen(); }));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/picks"_s); }));
+    QTest::qWait(300);
+    QCOMPARE(panels.kind(), QuickFilePanels::Kind::NewFileAndText);
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return !panels.isOpen(); }));
+    // The engine lets a page ask for one file at a time, so it must have been answered.
+    click();
+    QVERIFY(becomesTrue(
+        [&] { return panels.isOpen() && panels.kind() == QuickFilePanels::Kind::File; }));
+    QVERIFY(becomesTrue([&] {
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        return !panels.isOpen();
+    }));
 }
 
 void AppFinderTest::linksOpenFromTheMenu()
