@@ -80,6 +80,8 @@ private Q_SLOTS:
     void pagesFillTheScreen();
     void pagesTalkOverThemselves();
     void hiddenPagesTakeNoKeys();
+    void serversAskForNames_data();
+    void serversAskForNames();
     void pagesAreSilenced();
     void questionsGoWithTheirPage_data();
     void questionsGoWithTheirPage();
@@ -574,6 +576,52 @@ void AppFinderTest::hiddenPagesTakeNoKeys()
     QTest::keyClick(m_window, Qt::Key_Return);
     QVERIFY(becomesTrue([&] { return wasAsked(u"/heard-late"_s); }));
     m_world->finder().tabs()->closeRow(1);
+}
+
+void AppFinderTest::serversAskForNames_data()
+{
+    QTest::addColumn<bool>("isHidden");
+    QTest::newRow("shown") << false;
+    QTest::newRow("hidden") << true;
+}
+
+void AppFinderTest::serversAskForNames()
+{
+    QFETCH(const bool, isHidden);
+    const auto server = valueOrFail(FaultServer::start());
+    QVERIFY(server);
+    FaultResponse asks = FaultResponse::of("text/html"_ba, "<title>Closed</title>"_ba);
+    asks.status = 401;
+    asks.headers = {{"WWW-Authenticate"_ba, "Basic realm=\"Private\""_ba}};
+    server->route("/private"_ba, asks);
+    server->hold("/private"_ba);
+    tab().navigate(server->url("/private"_ba));
+    QVERIFY(becomesTrue([&] { return server->requestCount("/private"_ba) == 1; }));
+    const QQuickItem *const login = question();
+    if (isHidden) {
+        m_world->finder().tabs()->addTab();
+        QVERIFY(editsAddress());
+    }
+    server->release("/private"_ba);
+    QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
+    if (isHidden) {
+        QTest::keyClick(m_window, 'b');
+        QCOMPARE(addressText(), u"ab"_s);
+        m_world->finder().tabs()->selectNext(-1);
+    }
+    QTest::keyClick(m_window, 'n');
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QTest::keyClick(m_window, 'p');
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return server->requestCount("/private"_ba) == 2; }));
+    QCOMPARE(server->requests().last().headers.value("authorization"_ba),
+             "Basic "_ba + "n:p"_ba.toBase64());
+    // It says no, so it is asked again.
+    QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return tab().pageTitle() == u"Closed"; }));
+    if (isHidden)
+        m_world->finder().tabs()->closeRow(1);
 }
 
 void AppFinderTest::pagesAreSilenced()
