@@ -104,6 +104,8 @@ FocusScope {
             if (info.status === WebEngineView.LoadFailedStatus
                     && info.errorDomain === WebEngineView.CertificateErrorDomain)
                 refusedAddress = info.url.toString();
+            if (dialog.login && info.status !== WebEngineView.LoadSucceededStatus)
+                dialog.withdraw();
             dialog.withdrawOthers(url);
         }
         onQuestionsChanged: unarmed.restart()

@@ -620,6 +620,11 @@ void AppFinderTest::serversAskForNames()
     QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
     QTest::keyClick(m_window, Qt::Key_Escape);
     QVERIFY(becomesTrue([&] { return tab().pageTitle() == u"Closed"; }));
+    // Who gives up need not answer.
+    tab().navigate(server->url("/private?2"_ba));
+    QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
+    tab().stopLoading();
+    QVERIFY(becomesTrue([&] { return !login->property("isOpen").toBool(); }));
     if (isHidden)
         m_world->finder().tabs()->closeRow(1);
 }
