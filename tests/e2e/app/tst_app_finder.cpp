@@ -241,7 +241,7 @@ void AppFinderTest::initTestCase()
                   "</script>"_s));
     QVERIFY(write(u"talksearly.html"_s,
                   u"<script>alert('Early'); fetch('/heard-early');</script>"
-                  "<img src=/slow/1000/file.zip>"_s));
+                  "<img src=/slow/50/file.zip>"_s));
     QVERIFY(write(u"stays.html"_s,
                   u"<body %1><script>onbeforeunload = function (event) {"
                   " event.preventDefault(); return event.returnValue = 'x'; };"
