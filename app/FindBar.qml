@@ -4,14 +4,14 @@ import Lumaro.Ui
 
 // Finds text in the page of `view`. Return and F3 go to the next place, with Shift to the one before;
 // Escape ends it.
-//   closed()   the page may have the focus back
+//   closed(heldKeys)   whether it had the keyboard, which the page may have back
 FocusScope {
     id: root
 
     required property WebEngineView view
     property int matches: 0
     property int match: 0
-    signal closed()
+    signal closed(bool heldKeys)
 
     function open(): void {
         visible = true;
@@ -22,9 +22,10 @@ FocusScope {
     function close(): void {
         if (!visible)
             return;
+        const heldKeys = activeFocus;
         visible = false;
         view.findText("");
-        closed();
+        closed(heldKeys);
     }
     function find(backward: bool): void {
         if (visible)

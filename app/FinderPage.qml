@@ -18,13 +18,27 @@ FocusScope {
     readonly property bool isFullScreen: view.isFullScreen
     readonly property alias hasCrashed: view.hasCrashed
     readonly property alias refusedAddress: view.refusedAddress
+    // The page waits for an answer.
+    readonly property alias isAsking: dialog.isOpen
 
     function zoom(by: int): void {
         view.zoomFactor = by === 0 ? 1 : Math.max(0.3, Math.min(3, view.zoomFactor * Math.pow(1.1, by)));
     }
     function leaveFullScreen(): void { view.fullScreenCancelled(); }
     function find(): void { findBar.open(); }
+    // Has `part` get the keyboard when the page does; at once if `take` and the page shows.
+    function focusOn(part: Item, take: bool): void {
+        part.focus = true;
+        if (take && visible)
+            part.forceActiveFocus();
+    }
+    // What the page before wanted to know.
+    function forgetQuestions(): void {
+        view.questions = [];
+        dialog.withdraw();
+    }
 
+    focus: true
     onManagerChanged: finder.attach(manager, view.page)
     // The engine hands on only to the view's parent what the page does with no key.
     Keys.onPressed: event => event.accepted = root.finder.takeKey(event.text)
@@ -58,7 +72,7 @@ FocusScope {
 
         anchors.fill: parent
         focus: true
-        visible: !failure.visible
+        visible: !failure.isNeeded
         engineProfile: root.engineProfile
         messageHandlers: root.finder.messageHandlers
         backgroundColor: loading && url.toString() === "" ? Theme.background : "white"
@@ -76,16 +90,23 @@ FocusScope {
         }
         // Also of what a page only contains, which is then left out of it.
         onCertificateRefused: (address, reason) => refusal = reason
-        onCrashed: hasCrashed = true
+        onCrashed: {
+            root.forgetQuestions();
+            hasCrashed = true;
+        }
         onLoadingChanged: info => {
             if (info.status === WebEngineView.LoadStartedStatus) {
                 hasCrashed = false;
-                questions = [];
+                root.forgetQuestions();
                 refusedAddress = "";
-            } else if (info.status === WebEngineView.LoadFailedStatus
-                    && info.errorDomain === WebEngineView.CertificateErrorDomain) {
-                refusedAddress = info.url.toString();
+                return;
             }
+            if (info.status === WebEngineView.LoadFailedStatus
+                    && info.errorDomain === WebEngineView.CertificateErrorDomain)
+                refusedAddress = info.url.toString();
+            if (dialog.login && info.status !== WebEngineView.LoadSucceededStatus)
+                dialog.withdraw();
+            dialog.withdrawOthers(url);
         }
         onQuestionsChanged: unarmed.restart()
         onDialogRequested: request => dialog.ask(request)
@@ -139,16 +160,31 @@ FocusScope {
         color: Theme.accent
     }
 
-    Rectangle {
+    FocusScope {
         id: failure
 
         readonly property bool isRefused: view.refusedAddress !== ""
+        readonly property bool isNeeded: view.hasCrashed || isRefused
 
         anchors.fill: parent
-        visible: view.hasCrashed || isRefused
-        color: Theme.background
+        visible: isNeeded
+        // Keys reach no hidden page.
+        onIsNeededChanged: (isNeeded ? failure : view).focus = true
+        onActiveFocusChanged: focusButton()
+        onVisibleChanged: focusButton()
 
+        function focusButton(): void {
+            if (visible && activeFocus)
+                wayOut.nextItemInFocusChain().forceActiveFocus();
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            color: Theme.background
+        }
         EmptyState {
+            id: wayOut
+
             anchors.centerIn: parent
             width: Math.min(parent.width - 64, 420)
             iconName: "alert"
@@ -218,7 +254,7 @@ FocusScope {
 
         anchors { right: parent.right; top: parent.top; margins: Theme.spacing * 2 }
         view: view
-        onClosed: view.forceActiveFocus()
+        onClosed: heldKeys => root.focusOn(view, heldKeys)
     }
 
     Connections {
@@ -241,7 +277,8 @@ FocusScope {
 
         objectName: "pageDialog"
         anchors.fill: parent
-        onAnswered: view.forceActiveFocus()
+        onOpened: root.focusOn(dialog, true)
+        onClosed: heldKeys => root.focusOn(view, heldKeys)
     }
 
     Loader {

@@ -174,6 +174,11 @@ Window {
         property: "hasSheet"
         value: window.controller.isShown && window.panels.isOpen
     }
+    Binding {
+        target: window.finder
+        property: "isPanelOpen"
+        value: window.panels.isOpen
+    }
     FilePanelHost {
         panels: window.panels
         isInFront: window.controller.isShown

@@ -4,7 +4,9 @@ import Lumaro.Ui
 
 // What a page tells or asks the user, over this page only: other tabs and the toolbar stay usable.
 // A page waits for the answer. One that goes on can be silenced until it is left.
-Item {
+//   opened()          it may have the keyboard
+//   closed(heldKeys)  it has gone; whether it had the keyboard
+FocusScope {
     id: root
 
     readonly property bool isOpen: dialog !== null || login !== null
@@ -16,7 +18,8 @@ Item {
     property string origin
     property int count: 0
     property bool isSilenced: false
-    signal answered()
+    signal opened()
+    signal closed(bool heldKeys)
 
     function ask(request: JavaScriptDialogRequest): void {
         const host = request.securityOrigin.toString();
@@ -36,7 +39,8 @@ Item {
         ++count;
         dialog = request;
         answerField.text = request.defaultText.slice(0, mostText);
-        (answerField.visible ? answerField : acceptButton).forceActiveFocus();
+        (request.type === JavaScriptDialogRequest.DialogTypePrompt ? answerField : acceptButton).focus = true;
+        opened();
     }
     function askForLogin(request: AuthenticationDialogRequest): void {
         if (isOpen) {
@@ -46,15 +50,35 @@ Item {
         login = request;
         userField.text = "";
         passwordField.text = "";
-        userField.forceActiveFocus();
+        userField.focus = true;
+        opened();
+    }
+    // Whoever asked is gone.
+    function withdraw(): void {
+        silence.isOn = false;
+        if (isOpen)
+            answer(false);
+    }
+    function siteOf(address: string): string {
+        try {
+            return new URL(address).origin;
+        } catch (error) {
+            return "";
+        }
+    }
+    // A page may ask until the next one is there, which is at `address`.
+    function withdrawOthers(address: url): void {
+        if (dialog && siteOf(origin) !== siteOf(address.toString()))
+            withdraw();
     }
     function answer(accepted: bool): void {
         const request = dialog;
         const text = answerField.visible ? answerField.text : null;
         const loginRequest = login;
-        if (silence.visible && silence.checked)
+        const heldKeys = activeFocus;
+        if (silence.isOn)
             isSilenced = true;
-        silence.checked = false;
+        silence.isOn = false;
         dialog = null;
         login = null;
         if (request) {
@@ -70,7 +94,7 @@ Item {
             else
                 loginRequest.dialogReject();
         }
-        answered();
+        closed(heldKeys);
     }
 
     visible: isOpen
@@ -85,13 +109,12 @@ Item {
         hoverEnabled: true
         onWheel: wheel => wheel.accepted = true
     }
-    FocusScope {
+    Item {
         id: card
 
         anchors { horizontalCenter: parent.horizontalCenter; top: parent.top; topMargin: Theme.spacing * 6 }
         width: Math.min(440, parent.width - 48)
         height: column.implicitHeight + 48
-        focus: true
         Accessible.role: Accessible.Dialog
         Accessible.name: heading.text
         Accessible.description: message.text
@@ -168,7 +191,9 @@ Item {
                 id: silence
 
                 visible: root.dialog !== null && root.count > 1
+                objectName: "pageDialogSilence"
                 text: qsTr("No more from this page")
+                onSwitched: isOn = !isOn
             }
             Row {
                 anchors.right: parent.right

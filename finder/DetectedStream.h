@@ -42,3 +42,6 @@ struct DetectedStream
 };
 
 } // namespace lumaro
+
+// Lists of them move by moving bytes.
+Q_DECLARE_TYPEINFO(lumaro::DetectedStream, Q_RELOCATABLE_TYPE);

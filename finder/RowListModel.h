@@ -4,14 +4,10 @@
 
 #include <QAbstractListModel>
 #include <QList>
-#include <QSet>
-
-#include <algorithm>
-#include <functional>
 
 namespace lumaro {
 
-/// A list whose rows are replaced as a whole and announced as what differs. Main thread.
+/// A list that announces what differs when its rows change. Main thread.
 template <typename Row>
 class RowListModel : public QAbstractListModel
 {
@@ -41,40 +37,25 @@ protected:
         }
     }
 
-    /// The same, announcing what only moves as moved, so that a view keeps its focus and its place
-    /// there. `keyOf` tells which rows are for the same thing; a list's keys differ.
-    template <typename KeyOf>
-    void followRows(const QList<Row> &rows, KeyOf keyOf)
+    /// Puts `row` first: in place of the one at `from`, which moves there, so that a view keeps its
+    /// focus and its place on it; a new one when `from` is negative. Costs the same however long
+    /// the list is.
+    void putFirst(qsizetype from, const Row &row)
     {
-        using Key = std::decay_t<std::invoke_result_t<KeyOf, const Row &>>;
-        QSet<Key> kept;
-        for (const Row &row : rows)
-            kept.insert(std::invoke(keyOf, row));
-        for (qsizetype i = m_rows.size() - 1; i >= 0; --i) {
-            if (kept.contains(std::invoke(keyOf, m_rows[i])))
-                continue;
-            beginRemoveRows({}, int(i), int(i));
-            m_rows.removeAt(i);
-            endRemoveRows();
+        if (from < 0) {
+            beginInsertRows({}, 0, 0);
+            m_rows.prepend(row);
+            endInsertRows();
+            return;
         }
-        for (qsizetype i = 0; i < rows.size(); ++i) {
-            const auto from = std::ranges::find(m_rows.begin() + i, m_rows.end(),
-                                                std::invoke(keyOf, rows[i]), keyOf)
-                - m_rows.begin();
-            if (from == m_rows.size()) {
-                beginInsertRows({}, int(i), int(i));
-                m_rows.insert(i, rows[i]);
-                endInsertRows();
-            } else if (from != i) {
-                beginMoveRows({}, int(from), int(from), {}, int(i));
-                m_rows.move(from, i);
-                endMoveRows();
-            }
+        if (from > 0) {
+            beginMoveRows({}, int(from), int(from), {}, 0);
+            m_rows.prepend(m_rows.takeAt(from));
+            endMoveRows();
         }
-        const QList<Row> before = std::exchange(m_rows, rows);
-        for (qsizetype i = 0; i < rows.size(); ++i) {
-            if (before[i] != rows[i])
-                Q_EMIT dataChanged(index(int(i)), index(int(i)));
+        if (m_rows.first() != row) {
+            m_rows.first() = row;
+            Q_EMIT dataChanged(index(0), index(0));
         }
     }
 

@@ -48,9 +48,10 @@ SnifferDetectedStreamsModel::SnifferDetectedStreamsModel(LocalM3UStore &library,
     , m_library(library)
     , m_downloads(downloads)
 {
-    connect(&library, &LocalM3UStore::entriesChanged, this, &SnifferDetectedStreamsModel::update);
+    connect(&library, &LocalM3UStore::entriesChanged, this,
+            &SnifferDetectedStreamsModel::noteLibrary);
     connect(&downloads, &M3U8DownloadManager::jobChanged, this,
-            &SnifferDetectedStreamsModel::update);
+            &SnifferDetectedStreamsModel::noteJob);
 }
 
 void SnifferDetectedStreamsModel::setMonitor(SnifferNetworkMonitor *monitor)
@@ -60,116 +61,140 @@ void SnifferDetectedStreamsModel::setMonitor(SnifferNetworkMonitor *monitor)
     if (m_monitor)
         m_monitor->disconnect(this);
     m_monitor = monitor;
-    if (m_monitor)
-        connect(m_monitor, &SnifferNetworkMonitor::streamsChanged, this,
-                &SnifferDetectedStreamsModel::update);
-    update();
+    if (m_monitor) {
+        connect(m_monitor, &SnifferNetworkMonitor::streamSeen, this,
+                &SnifferDetectedStreamsModel::showFirst);
+        connect(m_monitor, &SnifferNetworkMonitor::cleared, this,
+                &SnifferDetectedStreamsModel::showAll);
+    }
+    showAll();
 }
 
-void SnifferDetectedStreamsModel::update()
+void SnifferDetectedStreamsModel::showAll()
 {
-    QList<DetectedStreamRow> rows;
-    if (m_monitor) {
-        const auto &jobs = m_downloads.jobs();
-        for (const DetectedStream &stream : m_monitor->streams()) {
-            DetectedStreamRow row{
-                .stream = stream, .isSaved = m_library.contains(stream.url), .job = {}};
-            if (const auto job = jobs.find(M3U8DownloadManager::keyOf(stream.url));
-                job != jobs.end())
-                row.job = *job;
-            rows.append(row);
-        }
-    }
     const int before = count();
-    followRows(rows, [](const DetectedStreamRow &row) { return row.stream.id; });
+    resetRows(m_monitor ? m_monitor->streams() : QList<DetectedStream>());
     if (count() != before)
         Q_EMIT countChanged();
 }
 
-const DetectedStreamRow *SnifferDetectedStreamsModel::rowAt(int row) const
+void SnifferDetectedStreamsModel::showFirst(qsizetype from)
+{
+    putFirst(from, m_monitor->streams().first());
+    if (from < 0)
+        Q_EMIT countChanged();
+}
+
+void SnifferDetectedStreamsModel::noteJob(const QString &key)
+{
+    const qsizetype row = m_monitor ? m_monitor->indexOf(QUrl(key)) : -1;
+    // A job may be for another fragment of the same address.
+    if (row < 0 || M3U8DownloadManager::keyOf(rows()[row].url) != key)
+        return;
+    Q_EMIT dataChanged(
+        index(int(row)), index(int(row)),
+        {JobTextRole, JobProgressRole, JobIsActiveRole, JobHasFailedRole, CanRevealRole});
+}
+
+void SnifferDetectedStreamsModel::noteLibrary()
+{
+    if (count() > 0)
+        Q_EMIT dataChanged(index(0), index(count() - 1), {IsSavedRole, SaveHelpRole});
+}
+
+std::optional<M3U8DownloadManager::JobState>
+SnifferDetectedStreamsModel::jobOf(const DetectedStream &stream) const
+{
+    const auto &jobs = m_downloads.jobs();
+    const auto job = jobs.constFind(M3U8DownloadManager::keyOf(stream.url));
+    return job == jobs.cend() ? std::nullopt : std::optional(*job);
+}
+
+const DetectedStream *SnifferDetectedStreamsModel::rowAt(int row) const
 {
     return row >= 0 && row < count() ? &rows()[row] : nullptr;
 }
 
 void SnifferDetectedStreamsModel::play(int row)
 {
-    if (const DetectedStreamRow *const found = rowAt(row)) {
-        const DetectedStream stream = found->stream;
+    if (const DetectedStream *const found = rowAt(row)) {
+        const DetectedStream stream = *found;
         Q_EMIT playRequested(stream.url, nameOf(stream));
     }
 }
 
 void SnifferDetectedStreamsModel::download(int row)
 {
-    if (const DetectedStreamRow *const found = rowAt(row)) {
-        const DetectedStream stream = found->stream;
+    if (const DetectedStream *const found = rowAt(row)) {
+        const DetectedStream stream = *found;
         m_downloads.start(stream.url, stream.displayName);
     }
 }
 
 void SnifferDetectedStreamsModel::stopDownload(int row)
 {
-    if (const DetectedStreamRow *const found = rowAt(row))
-        m_downloads.stop(QUrl(found->stream.url));
+    if (const DetectedStream *const found = rowAt(row))
+        m_downloads.stop(QUrl(found->url));
 }
 
 void SnifferDetectedStreamsModel::revealDownload(int row)
 {
-    if (const DetectedStreamRow *const found = rowAt(row))
-        m_downloads.openDownloadedFileLocation(QUrl(found->stream.url));
+    if (const DetectedStream *const found = rowAt(row))
+        m_downloads.openDownloadedFileLocation(QUrl(found->url));
 }
 
 void SnifferDetectedStreamsModel::save(int row)
 {
-    const DetectedStreamRow *const found = rowAt(row);
+    const DetectedStream *const found = rowAt(row);
     if (!found)
         return;
-    if (found->isSaved) {
+    if (m_library.contains(found->url)) {
         Q_EMIT libraryRequested();
         return;
     }
-    const DetectedStream stream = found->stream;
+    const DetectedStream stream = *found;
     m_library.save(stream.url, stream.displayName.value_or(QString()));
     Q_EMIT notice(tr("Saved to Local M3U"));
 }
 
 QString SnifferDetectedStreamsModel::addressAt(int row) const
 {
-    const DetectedStreamRow *const found = rowAt(row);
-    return found ? found->stream.url.toString(QUrl::FullyEncoded) : QString();
+    const DetectedStream *const found = rowAt(row);
+    return found ? found->url.toString(QUrl::FullyEncoded) : QString();
 }
 
 QVariant SnifferDetectedStreamsModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const DetectedStreamRow &row = rows()[index.row()];
+    const DetectedStream &stream = rows()[index.row()];
+    const auto job = role >= JobTextRole ? jobOf(stream) : std::nullopt;
     switch (role) {
     case Qt::DisplayRole:
     case NameRole:
-        return nameOf(row.stream);
+        return nameOf(stream);
     case AddressRole:
-        return row.stream.url.toDisplayString();
+        return stream.url.toDisplayString();
     case TypeRole:
-        return typeText(row.stream.type);
+        return typeText(stream.type);
     case TimeRole:
-        return QLocale().toString(row.stream.detectedAt.toLocalTime().time(),
+        return QLocale().toString(stream.detectedAt.toLocalTime().time(),
                                   QStringLiteral("HH:mm:ss"));
     case IsSavedRole:
-        return row.isSaved;
+        return m_library.contains(stream.url);
     case SaveHelpRole:
-        return row.isSaved ? tr("Saved to Local M3U (Click to open in Player)")
-                           : tr("Save to Local M3U");
+        return m_library.contains(stream.url) ? tr("Saved to Local M3U (Click to open in Player)")
+                                              : tr("Save to Local M3U");
     case JobTextRole:
-        return row.job ? jobText(*row.job) : QString();
+        return job ? jobText(*job) : QString();
     case JobProgressRole:
-        return row.job ? row.job->progress.value_or(-1) : -1.0;
+        return job ? job->progress.value_or(-1) : -1.0;
     case JobIsActiveRole:
-        return row.job && row.job->isActive;
+        return job && job->isActive;
     case JobHasFailedRole:
-        return row.job && hasFailed(*row.job);
+        return job && hasFailed(*job);
     case CanRevealRole:
-        return row.job && !row.job->isActive && !row.job->destination.isEmpty();
+        return job && !job->isActive && !job->destination.isEmpty();
     default:
         return {};
     }

@@ -9,19 +9,10 @@
 
 namespace lumaro {
 
-/// What the detected-streams panel shows of one stream.
-struct DetectedStreamRow
-{
-    DetectedStream stream;
-    bool isSaved = false;
-    /// The stream's download, if there has been one.
-    std::optional<M3U8DownloadManager::JobState> job;
-
-    bool operator==(const DetectedStreamRow &) const = default;
-};
-
-/// The detected-streams panel: the streams of one tab, and what can be done with each. Main thread.
-class SnifferDetectedStreamsModel : public RowListModel<DetectedStreamRow>
+/// The detected-streams panel: the streams of one tab, and what can be done with each. What the
+/// library and the downloads know of a stream is looked up when it is shown: pages may load
+/// thousands. Main thread.
+class SnifferDetectedStreamsModel : public RowListModel<DetectedStream>
 {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
@@ -89,8 +80,13 @@ Q_SIGNALS:
     void notice(const QString &text);
 
 private:
-    void update();
-    const DetectedStreamRow *rowAt(int row) const;
+    void showAll();
+    void showFirst(qsizetype from);
+    void noteJob(const QString &key);
+    void noteLibrary();
+    const DetectedStream *rowAt(int row) const;
+    /// Empty if there has been none.
+    std::optional<M3U8DownloadManager::JobState> jobOf(const DetectedStream &stream) const;
 
     LocalM3UStore &m_library;
     M3U8DownloadManager &m_downloads;

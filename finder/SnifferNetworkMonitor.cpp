@@ -4,6 +4,9 @@
 
 #include <QTextBoundaryFinder>
 
+#include <algorithm>
+#include <functional>
+
 namespace lumaro {
 
 namespace {
@@ -71,11 +74,14 @@ void SnifferNetworkMonitor::observe(const QUrl &url, const std::optional<QString
 
     const std::optional<QString> name = cleanedName(displayName);
     QString key = normalizedKey(url);
-    const qsizetype found = find(key, consolidateByName ? name : std::nullopt);
+    const qsizetype from = find(key, consolidateByName ? name : std::nullopt);
     DetectedStream stream;
-    if (found >= 0) {
-        stream = m_streams.takeAt(found);
-        key = m_keys.takeAt(found);
+    if (from >= 0) {
+        stream = m_streams.takeAt(from);
+        const Sighting before = m_sightings.takeAt(from);
+        key = before.key;
+        if (stream.displayName)
+            m_numbersByName.erase({*stream.displayName, before.number});
     } else {
         stream.id = QUuid::createUuid();
         stream.url = url;
@@ -85,18 +91,39 @@ void SnifferNetworkMonitor::observe(const QUrl &url, const std::optional<QString
     if (name)
         stream.displayName = name;
     stream.detectedAt = m_clock();
+
+    const qint64 number = ++m_lastNumber;
+    m_numbersByKey.insert(key, number);
+    if (stream.displayName)
+        m_numbersByName.emplace(*stream.displayName, number);
+    m_sightings.prepend({number, key});
     m_streams.prepend(stream);
-    m_keys.prepend(key);
+    Q_EMIT streamSeen(from);
     Q_EMIT streamsChanged();
+}
+
+qsizetype SnifferNetworkMonitor::placeOf(qint64 number) const
+{
+    const auto found =
+        std::ranges::lower_bound(m_sightings, number, std::greater(), &Sighting::number);
+    return found != m_sightings.cend() && found->number == number ? found - m_sightings.cbegin()
+                                                                  : -1;
 }
 
 qsizetype SnifferNetworkMonitor::find(const QString &key, const std::optional<QString> &name) const
 {
-    for (qsizetype i = 0; i < m_streams.size(); ++i) {
-        if (m_keys[i] == key || (name && m_streams[i].displayName == name))
-            return i;
+    qint64 number = m_numbersByKey.value(key, -1);
+    if (name) {
+        const auto after = m_numbersByName.upper_bound({*name, m_lastNumber});
+        if (after != m_numbersByName.cbegin() && std::prev(after)->first == *name)
+            number = std::max(number, std::prev(after)->second);
     }
-    return -1;
+    return placeOf(number);
+}
+
+qsizetype SnifferNetworkMonitor::indexOf(const QUrl &url) const
+{
+    return placeOf(m_numbersByKey.value(normalizedKey(url), -1));
 }
 
 void SnifferNetworkMonitor::observe(const ResourceMessage &message, const QString &pageTitle)
@@ -111,7 +138,10 @@ void SnifferNetworkMonitor::clear()
     if (m_streams.isEmpty())
         return;
     m_streams.clear();
-    m_keys.clear();
+    m_sightings.clear();
+    m_numbersByKey.clear();
+    m_numbersByName.clear();
+    Q_EMIT cleared();
     Q_EMIT streamsChanged();
 }
 

@@ -4,13 +4,17 @@
 #include "finder/ResourceMessage.h"
 #include "platform/WallClock.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 
+#include <set>
+#include <utility>
+
 namespace lumaro {
 
-/// The HLS playlists that a browser's pages have loaded, each once, the last seen first. Main
-/// thread.
+/// The HLS playlists that a browser's pages have loaded, each once, the last seen first. There may
+/// be many thousands: some players put what they want next into the address. Main thread.
 class SnifferNetworkMonitor : public QObject
 {
     Q_OBJECT
@@ -34,20 +38,39 @@ public:
     /// Notes what a page's script reports; `pageTitle` stands in for a missing title.
     void observe(const ResourceMessage &message, const QString &pageTitle);
 
+    /// Where the stream with that address, whatever its fragment, is in the list; -1 for nowhere.
+    qsizetype indexOf(const QUrl &url) const;
+
     /// Empties the list.
     void clear();
 
 Q_SIGNALS:
     void streamsChanged();
+    /// The stream that was at `from` has been seen again and is the first now; one that was not
+    /// listed is when that is negative.
+    void streamSeen(qsizetype from);
+    void cleared();
     void isSniffingChanged();
 
 private:
+    /// The last sighting of a stream. Later ones have greater numbers.
+    struct Sighting
+    {
+        qint64 number = -1;
+        /// What tells the streams apart.
+        QString key;
+    };
+    qsizetype placeOf(qint64 number) const;
     qsizetype find(const QString &key, const std::optional<QString> &name) const;
 
     WallClock m_clock;
     QList<DetectedStream> m_streams;
-    /// What tells the streams apart, in their order.
-    QList<QString> m_keys;
+    /// Of each stream, in their order.
+    QList<Sighting> m_sightings;
+    QHash<QString, qint64> m_numbersByKey;
+    /// Of the streams that have names, with those.
+    std::set<std::pair<QString, qint64>> m_numbersByName;
+    qint64 m_lastNumber = 0;
     bool m_isSniffing = true;
 };
 

@@ -5,8 +5,8 @@ import Lumaro.Finder
 import Lumaro.Ui
 
 // The stream finder: tabs, toolbar, the pages, and below them the streams that they loaded.
-//   webPage           makes the pages of one tab, which has `manager`, `isFullScreen`, `zoom(by)`,
-//                     `find()` and `leaveFullScreen()`
+//   webPage           makes the pages of one tab, which has `manager`, `isFullScreen`, `isAsking`,
+//                     `zoom(by)`, `find()` and `leaveFullScreen()`
 //   isPageFullScreen  a page wants the whole screen
 FocusScope {
     id: root
@@ -46,7 +46,8 @@ FocusScope {
     Shortcut { sequence: "Ctrl+H"; onActivated: toolbar.openWebList() }
     Shortcut {
         sequence: "Escape"
-        enabled: root.isPageFullScreen || root.tab.isLoading
+        // What a page asks hears it first.
+        enabled: root.isPageFullScreen || (root.tab.isLoading && !(root.page?.isAsking ?? false))
         onActivated: root.isPageFullScreen ? root.page.leaveFullScreen() : root.tab.stopLoading()
     }
 

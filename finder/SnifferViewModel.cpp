@@ -193,13 +193,14 @@ Task<> SnifferViewModel::choosePlaces()
     if (std::exchange(m_isAsking, true))
         co_return;
     const std::stop_token stop = m_lifetime.get_token();
-    while (!m_placeless.isEmpty()) {
+    // While another panel is open, what is to be saved waits for its end.
+    while (!m_isPanelOpen && !m_placeless.isEmpty()) {
         const int saving = m_placeless.takeFirst();
         const auto found = m_savings.constFind(saving);
         if (found == m_savings.cend())
             continue;
         const SavePanelRequest panel{.title = SnifferViewModel::tr("Save File"),
-                                     .prompt = QStringLiteral("Save"),
+                                     .prompt = SnifferViewModel::tr("Save"),
                                      .proposedName = found->proposedName,
                                      .typeDescription = SnifferViewModel::tr("All files"),
                                      .extension = {}};
@@ -224,6 +225,14 @@ Task<> SnifferViewModel::choosePlaces()
     m_isAsking = false;
 }
 
+void SnifferViewModel::setPanelOpen(bool open)
+{
+    if (std::exchange(m_isPanelOpen, open) == open || open)
+        return;
+    // Not before whoever asked for it has been answered.
+    m_panelClosed.start({}, [this] { choosePlaces(); });
+}
+
 int SnifferViewModel::beginUpload()
 {
     const int upload = ++m_lastUpload;
@@ -234,8 +243,17 @@ int SnifferViewModel::beginUpload()
 Task<> SnifferViewModel::chooseUpload(int upload)
 {
     const std::stop_token stop = m_lifetime.get_token();
+    // Whoever asks knows the number first.
+    const auto turn = m_parts.scheduler.sleep({}, stop);
+    if (!co_await turn)
+        co_return;
+    if (m_isPanelOpen) {
+        Q_EMIT notice(SnifferViewModel::tr("Only one panel for choosing files can be open."));
+        Q_EMIT uploadChosen(upload, {});
+        co_return;
+    }
     const OpenPanelRequest panel{.title = SnifferViewModel::tr("Choose File to Upload"),
-                                 .prompt = QStringLiteral("Upload"),
+                                 .prompt = SnifferViewModel::tr("Upload"),
                                  .typeDescription = SnifferViewModel::tr("All files"),
                                  .extensions = {}};
     const std::optional<QUrl> file = co_await m_parts.panels.chooseFile(panel, stop);

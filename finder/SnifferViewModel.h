@@ -6,6 +6,7 @@
 #include "finder/SnifferProxySettingsModel.h"
 #include "finder/SnifferWebListModel.h"
 #include "finder/SnifferWebView.h"
+#include "platform/DelayedTask.h"
 #include "platform/NotificationCenter.h"
 
 #include <functional>
@@ -29,6 +30,10 @@ class SnifferViewModel : public QObject
                    isStreamsExpandedChanged)
     /// What a click on the panel's header does.
     Q_PROPERTY(QString toggleHelp READ toggleHelp NOTIFY isStreamsExpandedChanged)
+
+    /// Some panel for files is open, whoever asked for it, so that there cannot be another. The
+    /// window tells.
+    Q_PROPERTY(bool isPanelOpen MEMBER m_isPanelOpen WRITE setPanelOpen)
 
     // The toolbar.
     Q_PROPERTY(bool isBlocking READ isBlocking NOTIFY toolbarChanged)
@@ -111,8 +116,10 @@ public:
     Q_INVOKABLE void finishSaving(int saving, const QString &path);
     /// It will not be there, for a reason that the user is told unless it is empty.
     Q_INVOKABLE void abandonSaving(int saving, const QString &reason);
-    /// Asks the user for a file for a page. Returns the number that uploadChosen() bears.
+    /// Asks the user for a file for a page. Returns the number that uploadChosen() bears, which
+    /// comes later.
     Q_INVOKABLE int beginUpload();
+    void setPanelOpen(bool open);
     /// What a key's text does anywhere in the window but where one types; false for nothing.
     Q_INVOKABLE bool takeKey(const QString &text);
     /// Tells the user, below the pages.
@@ -158,6 +165,8 @@ private:
     /// The savings whose places are still to be asked for, in order.
     QList<int> m_placeless;
     bool m_isAsking = false;
+    bool m_isPanelOpen = false;
+    DelayedTask m_panelClosed{m_parts.scheduler};
     std::stop_source m_lifetime;
 };
 

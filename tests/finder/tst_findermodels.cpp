@@ -41,14 +41,11 @@ struct World
                                            QAbstractItemModelTester::FailureReportingMode::QtTest};
 };
 
-/// Rows that are for the same thing when they begin with the same letter.
-class LetterModel : public RowListModel<QString>
+class TextModel : public RowListModel<QString>
 {
 public:
-    void show(const QStringList &rows)
-    {
-        followRows(rows, [](const QString &row) { return row.front(); });
-    }
+    using RowListModel::putFirst;
+    using RowListModel::resetRows;
     QVariant data(const QModelIndex &index, int role) const override
     {
         return role == Qt::DisplayRole && index.isValid() ? rows().value(index.row()) : QVariant();
@@ -72,8 +69,8 @@ class FinderModelsTest : public QObject
 private Q_SLOTS:
     void findsChangedRows_data();
     void findsChangedRows();
-    void followsMovedRows_data();
-    void followsMovedRows();
+    void putsRowsFirst_data();
+    void putsRowsFirst();
     void listsDomainsNewestFirst();
     void searchesDomains_data();
     void searchesDomains();
@@ -113,50 +110,45 @@ void FinderModelsTest::findsChangedRows()
     QTEST(RowUpdate::between(before, after), "change");
 }
 
-void FinderModelsTest::followsMovedRows_data()
+void FinderModelsTest::putsRowsFirst_data()
 {
-    QTest::addColumn<QString>("before");
-    QTest::addColumn<QString>("after");
-    QTest::addColumn<int>("moves");
-    QTest::newRow("same") << u"a b c"_s << u"a b c"_s << 0;
-    QTest::newRow("first again") << u"a b c"_s << u"c2 a b"_s << 1;
-    QTest::newRow("exchanged") << u"a b"_s << u"b a"_s << 1;
-    QTest::newRow("changed in place") << u"a b"_s << u"a b2"_s << 0;
-    QTest::newRow("one new, one gone, one moved") << u"a b c d"_s << u"n d a c"_s << 1;
-    QTest::newRow("from nothing") << QString() << u"a b"_s << 0;
-    QTest::newRow("to nothing") << u"a b"_s << QString() << 0;
-    QTest::newRow("all others") << u"a b"_s << u"c d e"_s << 0;
+    QTest::addColumn<int>("from");
+    QTest::addColumn<QString>("row");
+    QTest::addColumn<QStringList>("after");
+    // What is announced.
+    QTest::addColumn<int>("inserted");
+    QTest::addColumn<int>("moved");
+    QTest::addColumn<int>("changed");
+    QTest::newRow("new") << -1 << u"n"_s << QStringList{u"n"_s, u"a"_s, u"b"_s, u"c"_s} << 1 << 0
+                         << 0;
+    QTest::newRow("first again") << 0 << u"a"_s << QStringList{u"a"_s, u"b"_s, u"c"_s} << 0 << 0
+                                 << 0;
+    QTest::newRow("first, changed")
+        << 0 << u"a2"_s << QStringList{u"a2"_s, u"b"_s, u"c"_s} << 0 << 0 << 1;
+    QTest::newRow("middle") << 1 << u"b"_s << QStringList{u"b"_s, u"a"_s, u"c"_s} << 0 << 1 << 0;
+    QTest::newRow("last, changed")
+        << 2 << u"c2"_s << QStringList{u"c2"_s, u"a"_s, u"b"_s} << 0 << 1 << 1;
 }
 
-void FinderModelsTest::followsMovedRows()
+void FinderModelsTest::putsRowsFirst()
 {
-    QFETCH(const QString, before);
-    QFETCH(const QString, after);
-    const QStringList old = before.split(u' ', Qt::SkipEmptyParts);
-    const QStringList now = after.split(u' ', Qt::SkipEmptyParts);
-    LetterModel model;
+    QFETCH(const int, from);
+    QFETCH(const QString, row);
+    QFETCH(const QStringList, after);
+    TextModel model;
     const QAbstractItemModelTester tester(&model,
                                           QAbstractItemModelTester::FailureReportingMode::QtTest);
-    model.show(old);
-    QList<QPersistentModelIndex> followed;
-    for (int row = 0; row < model.rowCount(); ++row)
-        followed.append(model.index(row));
+    model.resetRows({u"a"_s, u"b"_s, u"c"_s});
+    QSignalSpy inserts(&model, &QAbstractItemModel::rowsInserted);
     QSignalSpy moves(&model, &QAbstractItemModel::rowsMoved);
     QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-    model.show(now);
-    QCOMPARE(texts(model, Qt::DisplayRole), now);
-    QTEST(int(moves.size()), "moves");
-    int changed = 0;
-    for (qsizetype i = 0; i < old.size(); ++i) {
-        const auto is = [&](const QString &row) { return row.front() == old[i].front(); };
-        const auto found = std::ranges::find_if(now, is);
-        QCOMPARE(followed[i].isValid(), found != now.end());
-        if (found != now.end()) {
-            QCOMPARE(followed[i].data().toString(), *found);
-            changed += *found == old[i] ? 0 : 1;
-        }
-    }
-    QCOMPARE(changes.size(), changed);
+    const QPersistentModelIndex followed = model.index(std::max(from, 0));
+    model.putFirst(from, row);
+    QCOMPARE(texts(model, Qt::DisplayRole), after);
+    QCOMPARE(followed.row(), from < 0 ? 1 : 0);
+    QTEST(int(inserts.size()), "inserted");
+    QTEST(int(moves.size()), "moved");
+    QTEST(int(changes.size()), "changed");
 }
 
 void FinderModelsTest::listsDomainsNewestFirst()

@@ -1,5 +1,6 @@
 #include "finder/SnifferNetworkMonitor.h"
 
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimeZone>
@@ -49,6 +50,7 @@ private Q_SLOTS:
     void ignoresWhileNotSniffing();
     void takesMessages_data();
     void takesMessages();
+    void findsAsAWalkWould();
     void clears();
 };
 
@@ -208,16 +210,56 @@ void SnifferNetworkMonitorTest::takesMessages()
     QCOMPARE(world.monitor.streams().size(), 1);
 }
 
+/// Many sightings of many streams, of which some share their names, against the plain rule: the
+/// first in the list that matches.
+void SnifferNetworkMonitorTest::findsAsAWalkWould()
+{
+    World world;
+    QList<std::pair<QString, QString>> expected; // addresses and names
+    QRandomGenerator random(7);
+    qsizetype from = 0;
+    connect(&world.monitor, &SnifferNetworkMonitor::streamSeen,
+            [&from](qsizetype place) { from = place; });
+    for (int i = 0; i < 3000; ++i) {
+        const QString address = u"https://h/live.m3u8?_HLS_msn=%1"_s.arg(random.bounded(400));
+        const QString name =
+            random.bounded(4) == 0 ? QString() : QString::number(random.bounded(30));
+        const bool consolidate = random.bounded(3) == 0;
+        const auto matches = [&](const std::pair<QString, QString> &stream) {
+            return stream.first == address
+                || (consolidate && !name.isEmpty() && stream.second == name);
+        };
+        const auto found = std::ranges::find_if(expected, matches);
+        const qsizetype place = found == expected.end() ? -1 : found - expected.begin();
+        auto stream = place < 0 ? std::pair(address, QString()) : expected.takeAt(place);
+        if (!name.isEmpty())
+            stream.second = name;
+        expected.prepend(stream);
+
+        world.see(address, name, consolidate);
+        QCOMPARE(from, place);
+        QCOMPARE(world.at(0).url.toString(), expected.first().first);
+        QCOMPARE(world.at(0).displayName.value_or(QString()), expected.first().second);
+        QCOMPARE(world.monitor.streams().size(), expected.size());
+    }
+    QVERIFY(expected.size() > 50);
+    for (qsizetype i = 0; i < expected.size(); ++i)
+        QCOMPARE(world.monitor.indexOf(QUrl(expected[i].first + u"#later")), i);
+    QCOMPARE(world.monitor.indexOf(QUrl(u"https://h/other.m3u8"_s)), -1);
+}
+
 void SnifferNetworkMonitorTest::clears()
 {
     World world;
-    world.see(u"https://h/a.m3u8"_s);
+    world.see(u"https://h/a.m3u8"_s, u"A"_s);
     world.monitor.clear();
     QSignalSpy changes(&world.monitor, &SnifferNetworkMonitor::streamsChanged);
     world.monitor.clear();
     QCOMPARE(changes.size(), 0);
+    QCOMPARE(world.monitor.indexOf(QUrl(u"https://h/a.m3u8"_s)), -1);
+    world.see(u"https://h/b.m3u8"_s, u"A"_s, true);
     world.see(u"https://h/a.m3u8"_s);
-    QCOMPARE(world.monitor.streams().size(), 1);
+    QCOMPARE(world.addresses(), (QStringList{u"https://h/a.m3u8"_s, u"https://h/b.m3u8"_s}));
 }
 
 QTEST_GUILESS_MAIN(SnifferNetworkMonitorTest)

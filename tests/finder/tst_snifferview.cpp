@@ -89,6 +89,7 @@ private Q_SLOTS:
     void viewDecides();
     void viewsGo();
     void streamsOfTheSelectedTab();
+    void manyStreams();
     void streamActions();
     void streamNames_data();
     void streamNames();
@@ -99,6 +100,9 @@ private Q_SLOTS:
     void closingHides();
     void losingTheKeyboard_data();
     void savingsWaitForEachOther();
+    void savingsWaitForOtherPanels();
+    void uploadsAreAnswered_data();
+    void uploadsAreAnswered();
     void panelsKeepTheWindow();
     void followsWithinThePage();
     void losingTheKeyboard();
@@ -200,6 +204,64 @@ void SnifferViewTest::streamsOfTheSelectedTab()
     QCOMPARE(world.finder.streams()->count(), 2);
     world.finder.tabs()->closeRow(0);
     QCOMPARE(world.finder.streams()->count(), 0);
+}
+
+/// Pages may load playlists by the thousand: what happens to one is told of its row, and nobody is
+/// asked about the others.
+void SnifferViewTest::manyStreams()
+{
+    World world;
+    Streams &streams = *world.finder.streams();
+    const auto address = [](int i) { return u"https://h/live.m3u8?_HLS_msn=%1"_s.arg(i); };
+    constexpr int many = 3000;
+    for (int i = 0; i < many; ++i)
+        world.detect(address(i));
+
+    QSignalSpy inserts(&streams, &Streams::rowsInserted);
+    QSignalSpy moves(&streams, &Streams::rowsMoved);
+    QSignalSpy resets(&streams, &Streams::modelReset);
+    QSignalSpy changes(&streams, &Streams::dataChanged);
+    const auto changedRows = [&] {
+        int rows = 0;
+        for (const QVariantList &change : std::as_const(changes)) {
+            for (int row = change[0].toModelIndex().row(); row <= change[1].toModelIndex().row();
+                 ++row) {
+                if (streams.addressAt(row) != address(10))
+                    return -1;
+                ++rows;
+            }
+        }
+        return rows;
+    };
+    world.detect(address(many));
+    QCOMPARE(inserts.size(), 1);
+    QCOMPARE(changes.size(), 0);
+    world.detect(address(10));
+    QCOMPARE(moves.size(), 1);
+    QCOMPARE(changedRows(), 1);
+    changes.clear();
+    world.detect(address(11));
+    changes.clear();
+
+    // What the library read for its first question would be what it was then.
+    FakeUserDefaults stored;
+    {
+        FakeScheduler scheduler;
+        LocalM3UStore library(stored, scheduler);
+        library.save(QUrl(address(10)), {});
+    }
+    world.defaults.values = stored.values;
+    QVERIFY(world.shown(1, Streams::IsSavedRole).toBool());
+    QVERIFY(!world.shown(0, Streams::IsSavedRole).toBool());
+
+    streams.download(1);
+    QCOMPARE(changedRows(), 1);
+    streams.stopDownload(1);
+    world.scheduler.runBackground();
+    QVERIFY(changedRows() > 1);
+    QCOMPARE(inserts.size(), 1);
+    QCOMPARE(moves.size(), 2);
+    QCOMPARE(resets.size(), 0);
 }
 
 void SnifferViewTest::streamActions()
@@ -404,6 +466,58 @@ void SnifferViewTest::savingsWaitForEachOther()
     QCOMPARE(cancelled.size(), 5);
     for (int saving = flood; saving <= flood + 20; ++saving)
         QVERIFY(!world.finder.isSaving(saving));
+}
+
+void SnifferViewTest::savingsWaitForOtherPanels()
+{
+    World world;
+    QSignalSpy cancelled(&world.finder, &SnifferViewModel::savingCancelled);
+    world.panels.choice = QUrl::fromLocalFile(world.folder.filePath(u"b.zip"_s));
+    world.finder.setPanelOpen(true);
+    const int gone = world.finder.beginSaving(u"a.zip"_s);
+    const int wanted = world.finder.beginSaving(u"b.zip"_s);
+    world.scheduler.advance(std::chrono::minutes(1));
+    QVERIFY(world.panels.saveRequests.isEmpty());
+    QVERIFY(world.finder.isSaving(wanted));
+    world.finder.abandonSaving(gone, {});
+    world.finder.setPanelOpen(false);
+    // The other's answer has yet to be taken.
+    QVERIFY(world.panels.saveRequests.isEmpty());
+    world.scheduler.advance({});
+    QCOMPARE(world.panels.saveRequests.size(), 1);
+    QVERIFY(world.finder.hasPlace(wanted));
+    QVERIFY(cancelled.isEmpty());
+}
+
+void SnifferViewTest::uploadsAreAnswered_data()
+{
+    QTest::addColumn<bool>("isPanelOpen");
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<int>("notices");
+    QTest::newRow("chosen") << false << u"/home/a.png"_s << u"/home/a.png"_s << 0;
+    QTest::newRow("cancelled") << false << QString() << QString() << 0;
+    QTest::newRow("another panel is open") << true << u"/home/a.png"_s << QString() << 1;
+}
+
+void SnifferViewTest::uploadsAreAnswered()
+{
+    QFETCH(const bool, isPanelOpen);
+    QFETCH(const QString, choice);
+    QFETCH(const QString, answer);
+    World world;
+    QSignalSpy chosen(&world.finder, &SnifferViewModel::uploadChosen);
+    QSignalSpy notices(&world.finder, &SnifferViewModel::notice);
+    if (!choice.isEmpty())
+        world.panels.choice = QUrl::fromLocalFile(choice);
+    world.finder.setPanelOpen(isPanelOpen);
+    const int upload = world.finder.beginUpload();
+    // Nobody could tell yet which one it is for.
+    QVERIFY(chosen.isEmpty());
+    world.scheduler.advance({});
+    QCOMPARE(chosen, (QList<QVariantList>{{upload, answer}}));
+    QTEST(int(notices.size()), "notices");
+    QCOMPARE(world.panels.requests.isEmpty(), isPanelOpen);
 }
 
 void SnifferViewTest::panelsKeepTheWindow()

@@ -38,6 +38,17 @@ QStringList pageProcesses()
     return pages;
 }
 
+/// Ends the process of the page that was opened last.
+bool killsNewestPage()
+{
+    const QStringList processes = pageProcesses();
+    if (processes.isEmpty())
+        return false;
+    const int pid =
+        std::ranges::max(processes, {}, [](const QString &text) { return text.toInt(); }).toInt();
+    return pid > 1 && kill(pid, SIGKILL) == 0;
+}
+
 } // namespace
 
 /// The stream finder with a real browser, on pages of a real server. All tests share one program:
@@ -62,10 +73,21 @@ private Q_SLOTS:
     void framesDoNotMoveThePage();
     void redirectsAreFollowed();
     void filesAskForAPlace();
+    void filesWaitForTheirPanel();
+    void pagesAskForFilesAgain();
     void linksOpenFromTheMenu();
     void pagesAskBeforeTheyMay();
     void pagesFillTheScreen();
     void pagesTalkOverThemselves();
+    void hiddenPagesTakeNoKeys();
+    void serversAskForNames_data();
+    void serversAskForNames();
+    void pagesAreSilenced();
+    void questionsGoWithTheirPage_data();
+    void questionsGoWithTheirPage();
+    void escapeAnswersWhilePagesLoad();
+    void pagesAskBeforeTheyGo();
+    void pagesLeaveTheAddressFieldAlone();
     void keysReachThePanel();
     void textIsFound();
     void pagesReachNoFiles();
@@ -89,6 +111,32 @@ private:
     {
         QQuickItem *const view = m_window->findChild<QQuickItem *>(u"finderView"_s);
         return view ? view->property("page").value<QQuickItem *>() : nullptr;
+    }
+    /// What the selected tab's page asks over itself; null before it has any page.
+    QQuickItem *question() const
+    {
+        return page() ? page()->findChild<QQuickItem *>(u"pageDialog"_s) : nullptr;
+    }
+    bool isAsked(const QString &message) const
+    {
+        const auto *const request =
+            question() ? question()->property("dialog").value<QObject *>() : nullptr;
+        return request && request->property("message") == message;
+    }
+    /// Tells a page that waits for it to go on.
+    bool goOn(const QString &name) const { return m_site->writeFile(name, "go"); }
+    /// Begins to type into the address field.
+    bool editsAddress() const
+    {
+        QTest::keyClick(m_window, Qt::Key_L, Qt::ControlModifier);
+        QTest::keyClick(m_window, 'a');
+        return addressText() == u"a";
+    }
+    /// What is in the field that has the keyboard.
+    QString addressText() const
+    {
+        const QQuickItem *const item = m_window->activeFocusItem();
+        return item ? item->property("text").toString() : QString();
     }
     /// Clicks in the middle of the upper half of the page.
     void click(Qt::MouseButton button = Qt::LeftButton);
@@ -180,6 +228,28 @@ void AppFinderTest::initTestCase()
                   u"<script>addEventListener('load', function () { setTimeout(function () {"
                   " alert('One'); fetch('/said-' + prompt('Two', 'x')); }, 0); });"
                   "</script>"_s));
+    // Goes on when the test writes the file.
+    const QString later = u"<script>const waits = setInterval(async function () {"
+                          " if ((await fetch('/%1')).ok) { clearInterval(waits); %2 } }, 100);"
+                          "</script>"_s;
+    QVERIFY(write(u"talkslater.html"_s,
+                  later.arg(u"talk"_s, u"alert('Late'); fetch('/heard-late');"_s)));
+    QVERIFY(write(u"moves.html"_s, later.arg(u"move"_s, u"history.pushState({}, '', '#2');"_s)));
+    QVERIFY(write(u"nags.html"_s,
+                  u"<script>addEventListener('load', function () { setTimeout(function () {"
+                  " for (let i = 1; i <= 5; ++i) alert(i); fetch('/nagged'); }, 0); });"
+                  "</script>"_s));
+    QVERIFY(write(u"talksearly.html"_s,
+                  u"<script>alert('Early'); fetch('/heard-early');</script>"
+                  "<img src=/slow/50/file.zip>"_s));
+    QVERIFY(write(u"stays.html"_s,
+                  u"<body %1><script>onbeforeunload = function (event) {"
+                  " event.preventDefault(); return event.returnValue = 'x'; };"
+                  " onmouseup = function () { fetch('/touched'); }</script>"_s.arg(wide)));
+    QVERIFY(write(u"uploads.html"_s,
+                  u"<body %1><input type=file hidden><script>onclick = function () {"
+                  " setTimeout(function () { document.querySelector('input').click();"
+                  " fetch('/picks'); }, 700); }</script>"_s.arg(wide)));
     QVERIFY(write(u"embeds.html"_s,
                   u"<iframe src='%1/media-on.html' allow=autoplay></iframe>"_s.arg(other())));
     for (const QString &name : {u"jump"_s, u"jumpclick"_s, u"jumplate"_s})
@@ -390,6 +460,50 @@ void AppFinderTest::filesAskForAPlace()
     QCOMPARE(tab().shownPage(), m_site->url(u"/plain.html"_s));
 }
 
+void AppFinderTest::filesWaitForTheirPanel()
+{
+    QVERIFY(opens(u"/plain.html"_s));
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] { return m_world->panels().isOpen(); }));
+    tab().navigate(m_site->url(u"/file.zip?waits"_s));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/file.zip?waits"_s); }));
+    QTest::qWait(300);
+    QCOMPARE(m_world->panels().kind(), QuickFilePanels::Kind::NewFileAndText);
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] {
+        const QQuickItem *const name = m_window->activeFocusItem();
+        return name && name->objectName() == u"fileNameTextField";
+    }));
+    QCOMPARE(m_world->panels().kind(), QuickFilePanels::Kind::NewFile);
+    for (const char c : "waited"_ba)
+        QTest::keyClick(m_window, c);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue(
+        [&] { return QFileInfo(m_home.filePath(u"Documents/waited.zip"_s)).size() == 1000; }));
+}
+
+void AppFinderTest::pagesAskForFilesAgain()
+{
+    QuickFilePanels &panels = m_world->panels();
+    QVERIFY(opens(u"/uploads.html"_s));
+    click();
+    m_world->recording().startNormal();
+    QVERIFY(becomesTrue([&] { return panels.isOpen(); }));
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/picks"_s); }));
+    QTest::qWait(300);
+    QCOMPARE(panels.kind(), QuickFilePanels::Kind::NewFileAndText);
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return !panels.isOpen(); }));
+    // The engine lets a page ask for one file at a time, so it must have been answered.
+    click();
+    QVERIFY(becomesTrue(
+        [&] { return panels.isOpen() && panels.kind() == QuickFilePanels::Kind::File; }));
+    QVERIFY(becomesTrue([&] {
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        return !panels.isOpen();
+    }));
+}
+
 void AppFinderTest::linksOpenFromTheMenu()
 {
     QVERIFY(opens(u"/same.html"_s));
@@ -435,20 +549,175 @@ void AppFinderTest::pagesFillTheScreen()
 void AppFinderTest::pagesTalkOverThemselves()
 {
     tab().navigate(m_site->url(u"/talks.html"_s));
-    QQuickItem *dialog = nullptr;
-    const auto isOpen = [&](const QString &message) {
-        dialog = page() ? page()->findChild<QQuickItem *>(u"pageDialog"_s) : nullptr;
-        auto *const request = dialog ? dialog->property("dialog").value<QObject *>() : nullptr;
-        return request && request->property("message") == message;
-    };
-    QVERIFY(becomesTrue([&] { return isOpen(u"One"_s); }));
+    QVERIFY(becomesTrue([&] { return isAsked(u"One"_s); }));
     QTest::keyClick(m_window, Qt::Key_Return);
-    QVERIFY(becomesTrue([&] { return isOpen(u"Two"_s); }));
+    QVERIFY(becomesTrue([&] { return isAsked(u"Two"_s); }));
     QTest::keyClick(m_window, Qt::Key_End);
     QTest::keyClick(m_window, Qt::Key_Y);
     QTest::keyClick(m_window, Qt::Key_Return);
     QVERIFY(becomesTrue([&] { return wasAsked(u"/said-xy"_s); }));
-    QVERIFY(!dialog->isVisible());
+    QVERIFY(!question()->isVisible());
+}
+
+void AppFinderTest::hiddenPagesTakeNoKeys()
+{
+    QVERIFY(opens(u"/talkslater.html"_s));
+    const QQuickItem *const hidden = question();
+    m_world->finder().tabs()->addTab();
+    QVERIFY(editsAddress());
+    QVERIFY(goOn(u"talk"_s));
+    QVERIFY(becomesTrue([&] { return hidden->property("isOpen").toBool(); }));
+    QTest::keyClick(m_window, 'b');
+    QCOMPARE(addressText(), u"ab"_s);
+    QVERIFY(!wasAsked(u"/heard-late"_s));
+    // Shown, it has them.
+    m_world->finder().tabs()->selectNext(-1);
+    QCOMPARE(question(), hidden);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/heard-late"_s); }));
+    m_world->finder().tabs()->closeRow(1);
+}
+
+void AppFinderTest::serversAskForNames_data()
+{
+    QTest::addColumn<bool>("isHidden");
+    QTest::newRow("shown") << false;
+    QTest::newRow("hidden") << true;
+}
+
+void AppFinderTest::serversAskForNames()
+{
+    QFETCH(const bool, isHidden);
+    const auto server = valueOrFail(FaultServer::start());
+    QVERIFY(server);
+    FaultResponse asks = FaultResponse::of("text/html"_ba, "<title>Closed</title>"_ba);
+    asks.status = 401;
+    asks.headers = {{"WWW-Authenticate"_ba, "Basic realm=\"Private\""_ba}};
+    server->route("/private"_ba, asks);
+    server->hold("/private"_ba);
+    tab().navigate(server->url("/private"_ba));
+    QVERIFY(becomesTrue([&] { return server->requestCount("/private"_ba) == 1; }));
+    const QQuickItem *const login = question();
+    if (isHidden) {
+        m_world->finder().tabs()->addTab();
+        QVERIFY(editsAddress());
+    }
+    server->release("/private"_ba);
+    QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
+    if (isHidden) {
+        QTest::keyClick(m_window, 'b');
+        QCOMPARE(addressText(), u"ab"_s);
+        m_world->finder().tabs()->selectNext(-1);
+    }
+    QTest::keyClick(m_window, 'n');
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QTest::keyClick(m_window, 'p');
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return server->requestCount("/private"_ba) == 2; }));
+    QCOMPARE(server->requests().last().headers.value("authorization"_ba),
+             "Basic "_ba + "n:p"_ba.toBase64());
+    // It says no, so it is asked again.
+    QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return tab().pageTitle() == u"Closed"; }));
+    // Who gives up need not answer.
+    tab().navigate(server->url("/private?2"_ba));
+    QVERIFY(becomesTrue([&] { return login->property("isOpen").toBool(); }));
+    tab().stopLoading();
+    QVERIFY(becomesTrue([&] { return !login->property("isOpen").toBool(); }));
+    if (isHidden)
+        m_world->finder().tabs()->closeRow(1);
+}
+
+void AppFinderTest::pagesAreSilenced()
+{
+    tab().navigate(m_site->url(u"/nags.html"_s));
+    QVERIFY(becomesTrue([&] { return isAsked(u"1"_s); }));
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return isAsked(u"2"_s); }));
+    const QQuickItem *const silence = page()->findChild<QQuickItem *>(u"pageDialogSilence"_s);
+    QVERIFY(silence && silence->isVisible());
+    if (const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS"); !folder.isEmpty())
+        QVERIFY(m_window->grabWindow().save(folder + u"/silence.png"_s));
+    QTest::mouseClick(
+        m_window, Qt::LeftButton, {},
+        silence->mapToScene(QPointF(silence->width() / 2, silence->height() / 2)).toPoint());
+    QVERIFY(silence->property("isOn").toBool());
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/nagged"_s); }));
+    QVERIFY(!question()->isVisible());
+}
+
+void AppFinderTest::questionsGoWithTheirPage_data()
+{
+    QTest::addColumn<bool>("crashes");
+    QTest::newRow("elsewhere") << false;
+    QTest::newRow("crash") << true;
+}
+
+void AppFinderTest::questionsGoWithTheirPage()
+{
+    QFETCH(const bool, crashes);
+    // Another site has another process.
+    tab().navigate(QUrl(other() + u"/talks.html"));
+    QVERIFY(becomesTrue([&] { return isAsked(u"One"_s); }));
+    if (crashes) {
+        QVERIFY(killsNewestPage());
+        QVERIFY(becomesTrue([&] { return page()->property("hasCrashed").toBool(); }));
+        QVERIFY(!question()->isVisible());
+        // What is focused reloads.
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QVERIFY(becomesTrue([&] { return isAsked(u"One"_s); }));
+        QVERIFY(!page()->property("hasCrashed").toBool());
+    }
+    QVERIFY(opens(u"/plain.html"_s));
+    QVERIFY(!question()->isVisible());
+}
+
+void AppFinderTest::escapeAnswersWhilePagesLoad()
+{
+    tab().navigate(m_site->url(u"/talksearly.html"_s));
+    QVERIFY(becomesTrue([&] { return isAsked(u"Early"_s); }));
+    QVERIFY(tab().isLoading());
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/heard-early"_s); }));
+    QVERIFY(!question()->isVisible());
+    QVERIFY(tab().isLoading());
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return !tab().isLoading(); }));
+}
+
+void AppFinderTest::pagesAskBeforeTheyGo()
+{
+    QVERIFY(opens(u"/stays.html"_s));
+    // Only pages that were used may ask.
+    click();
+    QVERIFY(becomesTrue([&] { return wasAsked(u"/touched"_s); }));
+    tab().navigate(m_site->url(u"/plain.html"_s));
+    QVERIFY(becomesTrue([&] { return question()->isVisible(); }));
+    QTest::keyClick(m_window, Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return !question()->isVisible(); }));
+    QCOMPARE(tab().pageTitle(), u"stays.html"_s);
+    // The engine takes a moment to learn of it.
+    QTest::qWait(500);
+    tab().navigate(m_site->url(u"/plain.html?again"_s));
+    QVERIFY(becomesTrue([&] { return question()->isVisible(); }));
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return tab().pageTitle() == u"plain.html"; }));
+}
+
+void AppFinderTest::pagesLeaveTheAddressFieldAlone()
+{
+    QVERIFY(opens(u"/moves.html"_s));
+    QTest::keyClick(m_window, Qt::Key_F, Qt::ControlModifier);
+    const QQuickItem *const field = page()->findChild<QQuickItem *>(u"findField"_s);
+    QVERIFY(field && field->hasActiveFocus());
+    QVERIFY(editsAddress());
+    QVERIFY(goOn(u"move"_s));
+    QVERIFY(becomesTrue([&] { return tab().shownPage() == m_site->url(u"/moves.html#2"_s); }));
+    QVERIFY(!field->isVisible());
+    QTest::keyClick(m_window, 'b');
+    QCOMPARE(addressText(), u"ab"_s);
 }
 
 void AppFinderTest::keysReachThePanel()
@@ -506,16 +775,11 @@ void AppFinderTest::crashesStayInTheirTab()
         return page() && page() != first && !tab().isLoading()
             && tab().pageTitle() == u"plain.html";
     }));
-    // The newest process is the newest tab's.
-    const QStringList processes = pageProcesses();
-    QVERIFY(processes.size() >= 2);
-    const int pid =
-        std::ranges::max(processes, {}, [](const QString &text) { return text.toInt(); }).toInt();
-    QVERIFY(pid > 1);
-    QCOMPARE(kill(pid, SIGKILL), 0);
+    QVERIFY(killsNewestPage());
     QVERIFY(becomesTrue([&] { return page()->property("hasCrashed").toBool(); }));
     QVERIFY(!first->property("hasCrashed").toBool());
-    tab().reload();
+    // What is focused reloads.
+    QTest::keyClick(m_window, Qt::Key_Return);
     QVERIFY(becomesTrue([&] { return !page()->property("hasCrashed").toBool(); }));
     m_world->finder().tabs()->closeRow(1);
     tab().reload();
