@@ -21,7 +21,8 @@ struct PlayerWorld
     NotificationCenter notifications;
     YouTubePlayerRegistry youTube;
     OKVideoPlayerRegistry okVideo;
-    PlayerModel model{{player, http, panels, scheduler, input, notifications, youTube, okVideo}};
+    PlayerModel model{
+        {player, http, panels, scheduler, scheduler, input, notifications, youTube, okVideo}};
 };
 
 } // namespace lumaro

@@ -49,7 +49,7 @@ struct World
     YouTubePlayerRegistry youTube;
     OKVideoPlayerRegistry okVideo;
     PlayerModel model{
-        {mediaPlayer, http, panels, scheduler, input, notifications, youTube, okVideo}};
+        {mediaPlayer, http, panels, scheduler, scheduler, input, notifications, youTube, okVideo}};
     int engineRequests = 0;
     bool engineLoads = true;
     WebPlayers players{{model, scheduler, workspace, notifications, surfaces, WebServices()},
