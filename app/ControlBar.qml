@@ -43,6 +43,7 @@ Rectangle {
         }
         spacing: Theme.spacing
 
+        // What moves here draws the whole window anew, even while nobody sees it.
         Item {
             width: parent.width
             height: Math.max(seekSlider.implicitHeight, 20)
@@ -51,7 +52,7 @@ Rectangle {
                 id: positionText
 
                 anchors { left: parent.left; verticalCenter: parent.verticalCenter }
-                text: root.transport.positionText
+                text: root.visible ? root.transport.positionText : ""
             }
             SeekSlider {
                 id: seekSlider
@@ -65,7 +66,7 @@ Rectangle {
                 live: root.transport.isLive
                 from: root.transport.from
                 to: root.transport.to
-                value: root.transport.position
+                value: root.visible ? root.transport.position : from
                 previewText: root.transport.previewText(hoverValue)
                 onCommitted: value => root.player.seek(value)
                 Accessible.name: qsTr("Position")
@@ -91,7 +92,7 @@ Rectangle {
                 id: endText
 
                 anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-                text: root.transport.endText
+                text: root.visible ? root.transport.endText : ""
                 isLiveMark: root.transport.isLive
                 isAtLiveEdge: root.transport.isAtLiveEdge
                 onClicked: root.transport.goToLiveEdge()

@@ -1,3 +1,4 @@
+#include "platform/mpv/MpvVideoItem.h"
 #include "tests/e2e/app/AppWorld.h"
 
 #include <cmath>
@@ -30,6 +31,7 @@ private Q_SLOTS:
     void seeksExactly();
     void pausesAtTheEndAndPlaysAgain();
     void stoppingLeavesNoPicture();
+    void fadedControlsDrawNothing();
     void calmlyShowsWhatCannotBePlayed_data();
     void calmlyShowsWhatCannotBePlayed();
     void truncatedFilmPlaysUntilItEnds();
@@ -236,6 +238,27 @@ void AppPlaybackTest::stoppingLeavesNoPicture()
     QVERIFY(becomesTrue([&] { return !isDark(); }));
     m_world->player().stop();
     QVERIFY(becomesTrue(isDark));
+}
+
+void AppPlaybackTest::fadedControlsDrawNothing()
+{
+    m_world->open(fixture(Fixture::Movie));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] { return !m_world->shell().controlsVisible(); }));
+    letPass(500ms); // while they fade
+    const auto items = m_world->window().findChildren<MpvVideoItem *>();
+    QCOMPARE(items.size(), 1);
+    int pictures = 0;
+    std::atomic<int> drawn = 0;
+    QObject owner;
+    connect(items.first()->player(), &MpvMediaPlayer::frameReady, &owner, [&] { ++pictures; });
+    connect(
+        &m_world->window(), &QQuickWindow::frameSwapped, &owner, [&] { ++drawn; },
+        Qt::DirectConnection);
+    letPass(4s);
+    QVERIFY(pictures > 10);
+    // One may have been on its way at either end.
+    QVERIFY2(drawn <= pictures + 3, qPrintable(u"%1 for %2"_s.arg(drawn).arg(pictures)));
 }
 
 void AppPlaybackTest::calmlyShowsWhatCannotBePlayed_data()
