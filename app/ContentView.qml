@@ -35,7 +35,7 @@ FocusScope {
     }
 
     // What the controls need side by side. A window manager may give less.
-    readonly property real leastStageWidth: Math.max(520, topBar.leastWidth, controlBar.leastWidth + Theme.spacing * 8)
+    readonly property real leastStageWidth: Math.max(topBar.leastWidth, controlBar.leastWidth + Theme.spacing * 8)
     readonly property real leastSidebarWidth: Theme.roomFor(280, 10)
     readonly property real leastWidth: (sidebar.visible ? leastSidebarWidth : 0) + leastStageWidth
 

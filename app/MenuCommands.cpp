@@ -77,25 +77,21 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
 
     MenuCommand *playPause =
         make({.title = [&player] { return player.isPlaying() ? tr("Pause") : tr("Play"); },
-              .shortcut = {},
               .action = [&player] { player.togglePlayback(); },
               .monitoredKeys = QStringLiteral("Space")});
     connect(&player, &PlayerModel::isPlayingChanged, playPause, &MenuCommand::titleChanged);
     m_playback = {playPause,
                   make({.title = always(tr("Stop")),
-                        .shortcut = {},
                         .action = [&player] { player.stop(); },
                         .monitoredKeys = QStringLiteral("Ctrl+K")})};
     for (const auto &[seconds, modifier] :
          {std::pair(5, ""), std::pair(20, "Alt+"), std::pair(60, "Ctrl+")}) {
         const QString keys = QString::fromLatin1(modifier);
         m_playback << make({.title = always(tr("Back %n Seconds", nullptr, seconds)),
-                            .shortcut = {},
                             .action = [&player, seconds] { player.skip(-seconds); },
                             .startsGroup = seconds == 5,
                             .monitoredKeys = keys + u"Left"})
                    << make({.title = always(tr("Forward %n Seconds", nullptr, seconds)),
-                            .shortcut = {},
                             .action = [&player, seconds] { player.skip(seconds); },
                             .monitoredKeys = keys + u"Right"});
     }

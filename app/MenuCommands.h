@@ -40,7 +40,7 @@ public:
     struct Description
     {
         std::function<QString()> title;
-        QString shortcut;
+        QString shortcut{};
         std::function<void()> action;
         bool startsGroup = false;
         /// Without it the command is always enabled.

@@ -17,19 +17,16 @@ std::vector<std::unique_ptr<MenuCommand>> choicesOf(RecentItems &recent)
     };
     for (const RecentItem &item : recent.items()) {
         add({.title = [title = recent.title(item)] { return title; },
-             .shortcut = {},
              .action = [&recent, item] { recent.open(item); }});
     }
     if (choices.empty()) {
         add({.title =
                  [] { return QCoreApplication::translate("RecentMenu", "Nothing Opened Yet"); },
-             .shortcut = {},
              .action = [] {},
              .startsGroup = false,
              .isEnabled = [] { return false; }});
     } else {
         add({.title = [] { return QCoreApplication::translate("RecentMenu", "Clear Recent"); },
-             .shortcut = {},
              .action = [&recent] { recent.clear(); },
              .startsGroup = true});
     }
@@ -42,7 +39,6 @@ MenuCommand *makeRecentMenu(RecentItems &recent, QObject *parent)
 {
     auto *const menu = new MenuCommand(
         {.title = [] { return QCoreApplication::translate("RecentMenu", "Open Recent"); },
-         .shortcut = {},
          .action = [] {},
          .startsGroup = false,
          .isEnabled = {},

@@ -10,7 +10,7 @@ ListView {
     id: root
 
     required property M3U8DownloadManager manager
-    property real maximumHeight: 336
+    required property real maximumHeight
 
     implicitHeight: Math.min(contentHeight, maximumHeight)
     clip: contentHeight > height
