@@ -132,6 +132,13 @@ bool AppWorld::pictureChanges()
     return becomesTrue([&] { return look() != before; });
 }
 
+void keepPicture(QQuickWindow &window, const QString &name)
+{
+    const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS");
+    if (!folder.isEmpty() && !window.grabWindow().save(folder + u'/' + name + u".png"))
+        qFatal("A picture cannot be kept.");
+}
+
 QString outputOf(const QString &program, const QStringList &arguments)
 {
     const QTemporaryDir folder;

@@ -83,6 +83,10 @@ private:
     QQuickWindow *m_window = nullptr;
 };
 
+/// Keeps what `window` shows as NAME.png in the folder that the variable LUMARO_SCREENSHOTS names,
+/// if it does.
+void keepPicture(QQuickWindow &window, const QString &name);
+
 /// What `program` prints, when it has ended well.
 QString outputOf(const QString &program, const QStringList &arguments);
 

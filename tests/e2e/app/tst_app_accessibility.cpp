@@ -360,10 +360,7 @@ void AppAccessibilityTest::smallestWindowHasRoomForItsControls()
         return window.contentItem()->size() == QSizeF(window.minimumSize());
     }));
     m_world->screen(); // laid out
-    const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS");
-    if (!folder.isEmpty())
-        m_world->screen().save(folder + u"/smallest " + QLatin1StringView(QTest::currentDataTag())
-                               + u".png");
+    keepPicture(window, u"smallest "_s + QLatin1StringView(QTest::currentDataTag()));
 
     const QList<QQuickItem *> stops = tabStops(window);
     QVERIFY(stops.size() > 10);

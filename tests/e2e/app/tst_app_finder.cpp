@@ -637,8 +637,7 @@ void AppFinderTest::pagesAreSilenced()
     QVERIFY(becomesTrue([&] { return isAsked(u"2"_s); }));
     const QQuickItem *const silence = page()->findChild<QQuickItem *>(u"pageDialogSilence"_s);
     QVERIFY(silence && silence->isVisible());
-    if (const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS"); !folder.isEmpty())
-        QVERIFY(m_window->grabWindow().save(folder + u"/silence.png"_s));
+    keepPicture(*m_window, u"silence"_s);
     QTest::mouseClick(
         m_window, Qt::LeftButton, {},
         silence->mapToScene(QPointF(silence->width() / 2, silence->height() / 2)).toPoint());
@@ -748,8 +747,7 @@ void AppFinderTest::textIsFound()
     QVERIFY(becomesTrue([&] { return counts(u"1 of 2"_s); }));
     QTest::keyClick(m_window, 'x');
     QVERIFY(becomesTrue([&] { return counts(u"Nothing"_s); }));
-    if (const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS"); !folder.isEmpty())
-        QVERIFY(m_window->grabWindow().save(folder + u"/find.png"_s));
+    keepPicture(*m_window, u"find"_s);
     // The page has the keys again.
     QTest::keyClick(m_window, Qt::Key_Escape);
     QTest::keyClick(m_window, Qt::Key_Minus);

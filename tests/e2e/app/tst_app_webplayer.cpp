@@ -152,11 +152,10 @@ QQuickItem *AppWebPlayerTest::page()
 /// For whoever wants to see it.
 void AppWebPlayerTest::shoot(const QString &name, std::chrono::milliseconds comesAfter)
 {
-    const QString folder = qEnvironmentVariable("LUMARO_SCREENSHOTS");
-    if (folder.isEmpty())
+    if (qEnvironmentVariableIsEmpty("LUMARO_SCREENSHOTS"))
         return;
     QTest::qWait(int(comesAfter.count()));
-    m_world->screen().save(folder + u'/' + name + u".png"_s);
+    keepPicture(m_world->window(), name);
 }
 
 void AppWebPlayerTest::engineComesWithTheFirstPage()
