@@ -19,6 +19,10 @@
 
 #include <clocale>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace lumaro {
 
 namespace {
@@ -70,6 +74,16 @@ void settleProcess()
     Q_UNUSED(isSettled)
 }
 
+/// Has the threads share two of the allocator's areas. Eight for each processor is its own way, and
+/// each of them keeps the pages that some piece still lies on: after lists of 200,000 channels the
+/// process held twice as much memory as with two.
+void shareAllocatorAreas()
+{
+#ifdef __GLIBC__
+    mallopt(M_ARENA_MAX, 2);
+#endif
+}
+
 /// Of a QML window.
 QVariantMap frameProperties(const QRect &frame)
 {
@@ -83,6 +97,7 @@ QVariantMap frameProperties(const QRect &frame)
 
 void Application::prepare()
 {
+    shareAllocatorAreas();
     // libmpv draws with OpenGL.
     QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
     // The browser's engine, which comes later, shares its pictures so.

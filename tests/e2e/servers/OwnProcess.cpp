@@ -24,10 +24,16 @@ qint64 ownMemory()
     malloc_trim(0);
     qint64 sum = 0;
     for (const QByteArray &line : contentOf(u"/proc/self/smaps_rollup"_s).split('\n')) {
-        if (line.startsWith("Private_"))
+        if (line.startsWith("Private_Dirty:"))
             sum += line.simplified().split(' ').value(1).toLongLong();
     }
     return sum;
+}
+
+qint64 ownAllocations()
+{
+    const struct mallinfo2 figures = mallinfo2();
+    return qint64(figures.uordblks + figures.hblkhd) / 1024;
 }
 
 int countOf(const QString &folder)
@@ -59,6 +65,7 @@ int ownDescendants()
 OwnProcess OwnProcess::now()
 {
     return {.memory = ownMemory(),
+            .allocated = ownAllocations(),
             .descriptors = countOf(u"/proc/self/fd"_s),
             .threads = countOf(u"/proc/self/task"_s),
             .descendants = ownDescendants()};

@@ -56,7 +56,9 @@ std::chrono::seconds soakDuration()
 
 QString described(const OwnProcess &figures)
 {
-    return u"%1 MB, %2 descriptors, %3 threads, %4 processes"_s.arg(figures.memory / 1024)
+    return u"%1 MB (%2 MB of them allocated), %3 descriptors, %4 threads, %5 processes"_s
+        .arg(figures.memory / 1024)
+        .arg(figures.allocated / 1024)
         .arg(figures.descriptors)
         .arg(figures.threads)
         .arg(figures.descendants);
