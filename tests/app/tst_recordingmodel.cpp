@@ -86,7 +86,6 @@ private Q_SLOTS:
     void tellsOfErrors();
     void offersTheSettings();
     void tellsOfMissingSound();
-    void recordsNoNotices();
     void placesThePanel_data();
     void placesThePanel();
 };
@@ -170,17 +169,6 @@ void RecordingModelTest::tellsOfMissingSound()
     world.settle();
     world.recording.startNormal();
     QVERIFY(!world.recording.isWithoutSound());
-}
-
-void RecordingModelTest::recordsNoNotices()
-{
-    World world;
-    world.recordSomething();
-    world.settle();
-    QVERIFY(!world.recording.notice().isEmpty());
-    world.recording.startNormal();
-    QVERIFY(world.recording.isRecording());
-    QVERIFY(world.recording.notice().isEmpty());
 }
 
 void RecordingModelTest::placesThePanel_data()

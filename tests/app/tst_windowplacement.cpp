@@ -42,7 +42,6 @@ class WindowPlacementTest : public QObject
 
 private Q_SLOTS:
     void comesBack();
-    void isNowhereAtFirst();
     void staysWhereAScreenIs_data();
     void staysWhereAScreenIs();
     void passingStatesAreNotKept_data();
@@ -72,13 +71,6 @@ void WindowPlacementTest::comesBack()
     world.placement->note(somewhere, State::Normal);
     world.rest();
     world.restart();
-    QVERIFY(!world.placement->isMaximized());
-}
-
-void WindowPlacementTest::isNowhereAtFirst()
-{
-    const World world;
-    QCOMPARE(world.placement->frame({first}), std::nullopt);
     QVERIFY(!world.placement->isMaximized());
 }
 

@@ -3,7 +3,6 @@
 #include <QTest>
 
 #include <cmath>
-#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -44,12 +43,9 @@ class DisplayGeometryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void titlesNameTheModes();
     void wholeViewInNormal();
     void columnIsNineToSixteen_data();
     void columnIsNineToSixteen();
-    void reframesToTheLastDigit_data();
-    void reframesToTheLastDigit();
     void fillsBeforeTheSizeIsKnown();
     void tallPictureIsCentred();
     void flatViewComparesTheBareWidth();
@@ -60,21 +56,6 @@ private Q_SLOTS:
     void placesThePicture();
     void dragsAcrossAThirdOfTheView();
 };
-
-void DisplayGeometryTest::titlesNameTheModes()
-{
-    const QStringList titles{u"Normal"_s, u"Portrait Fill"_s, u"Portrait Rotate 90\u00B0"_s,
-                             u"Manual Reframe"_s, u"Smart Reframe"_s};
-    QStringList listed;
-    for (const Mode mode : allPortraitDisplayModes) {
-        QCOMPARE(int(mode), listed.size());
-        listed.append(rawValue(mode));
-        QCOMPARE(portraitDisplayMode(listed.last()), mode);
-    }
-    QCOMPARE(listed, titles);
-    for (const QString &other : {u"normal"_s, u"Portrait Rotate 90\u00BA"_s, u" Normal"_s, u""_s})
-        QVERIFY(!portraitDisplayMode(other));
-}
 
 void DisplayGeometryTest::wholeViewInNormal()
 {
@@ -106,39 +87,6 @@ void DisplayGeometryTest::columnIsNineToSixteen()
             isExactly(geometry.cropFrame, column.x(), column.y(), column.width(), column.height()));
         QVERIFY(geometry.cropMasksToBounds);
         QCOMPARE(videoGravity(mode), VideoGravity::resizeAspectFill);
-    }
-}
-
-void DisplayGeometryTest::reframesToTheLastDigit_data()
-{
-    QTest::addColumn<double>("pan");
-    QTest::addColumn<double>("x");
-    // The same steps in exact arithmetic, rounded once at each.
-    const double k = 0.1299999999999999;
-    QCOMPARE(1.13 - 1.0, k);
-    const double width = 1920.0 / 1080.0 * 1600.0;
-    const double overflow = width - 900.0;
-    QTest::newRow("left edge") << 1.0 << 0.0 - width * k * 0.5;
-    QTest::newRow("centre") << 0.0 << overflow * -0.5 - width * k * 0.5;
-    QTest::newRow("right edge") << -1.0 << -overflow - width * k * 0.5;
-    QTest::newRow("between") << 0.37 << 0.37 * overflow * 0.5 - overflow * 0.5 - width * k * 0.5;
-}
-
-void DisplayGeometryTest::reframesToTheLastDigit()
-{
-    QFETCH(const double, pan);
-    QFETCH(const double, x);
-    for (const Mode mode : {Mode::manual, Mode::smart}) {
-        const QRectF frame = displayGeometry(mode, {900, 1600}, pan, fullHd).playerFrame;
-        const double width = 1920.0 / 1080.0 * 1600.0;
-        QVERIFY(isExactly(frame, x, -(1600 * 0.1299999999999999 * 0.5),
-                          width + width * 0.1299999999999999, 1600 + 1600 * 0.1299999999999999));
-        if (pan == 0) {
-            QCOMPARE(std::round(frame.x() * 100), -115711.0);
-            QCOMPARE(std::round(frame.y() * 100), -10400.0);
-            QCOMPARE(std::round(frame.width() * 100), 321422.0);
-            QCOMPARE(std::round(frame.height() * 100), 180800.0);
-        }
     }
 }
 

@@ -31,13 +31,11 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void layersFollowTheGeometry();
     void surfaceCoversOnlyWhatIsSeen();
     void pictureIsWhereItsLayerIs();
     void oldPictureStaysInPlace();
     void pictureMayGoFirst();
     void sizeThatIsLearntLaterCounts();
-    void recordsTheVisibleColumn();
     void fillScreenChangesNothing();
     void panIsKeptButInFillAndRotate();
 
@@ -46,7 +44,6 @@ private Q_SLOTS:
 
     void clicksAreToldWithTheirWindow();
     void doubleClickAsksForFullScreen();
-    void dragsThePictureInManual();
     void pansByAmounts();
     void doubleClickDoesNotPan();
     void draggingEndsWithTheMode();
@@ -85,23 +82,6 @@ void PlayerHostingViewTest::drag(int from, int to)
     QTest::mouseRelease(m_window.get(), Qt::LeftButton, {}, {to, 150});
     // The next press is none of a double click.
     QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval());
-}
-
-void PlayerHostingViewTest::layersFollowTheGeometry()
-{
-    m_world->openVideo();
-    for (const Mode mode : {Mode::fill, Mode::rotate, Mode::manual, Mode::smart, Mode::normal}) {
-        m_view->setDisplayMode(mode);
-        for (const QSizeF size : {QSizeF(400, 300), QSizeF(90, 1600), QSizeF(0, 0)}) {
-            m_view->setSize(size);
-            const auto geometry = displayGeometry(mode, size, 0, {1920, 1080});
-            QCOMPARE(frame(m_view->cropLayer()), geometry.cropFrame);
-            QCOMPARE(m_view->cropLayer()->clip(), mode != Mode::normal);
-            QCOMPARE(frame(m_view->playerLayer()), geometry.playerFrame);
-            QCOMPARE(m_view->playerLayer()->rotation(), mode == Mode::rotate ? 90.0 : 0.0);
-        }
-        QCOMPARE(m_view->gravity(), videoGravity(mode));
-    }
 }
 
 void PlayerHostingViewTest::surfaceCoversOnlyWhatIsSeen()
@@ -180,16 +160,6 @@ void PlayerHostingViewTest::sizeThatIsLearntLaterCounts()
     m_world->player.changePictureSize({1920, 1080});
     QCOMPARE(frame(m_view->playerLayer()),
              displayGeometry(Mode::manual, {400, 300}, 0, {1920, 1080}).playerFrame);
-}
-
-void PlayerHostingViewTest::recordsTheVisibleColumn()
-{
-    QCOMPARE(m_view->recordingView(), m_view);
-    QCOMPARE(m_view->recordingRectInView(), QRectF(0, 0, 400, 300));
-    for (const Mode mode : {Mode::fill, Mode::rotate, Mode::manual, Mode::smart}) {
-        m_view->setDisplayMode(mode);
-        QCOMPARE(m_view->recordingRectInView(), QRectF(115.625, 0, 168.75, 300));
-    }
 }
 
 void PlayerHostingViewTest::fillScreenChangesNothing()
@@ -301,21 +271,6 @@ void PlayerHostingViewTest::doubleClickAsksForFullScreen()
     QCOMPARE(asked.count(), 1);
     QTest::mouseDClick(m_window.get(), Qt::RightButton, {}, {50, 50});
     QCOMPARE(asked.count(), 1);
-}
-
-void PlayerHostingViewTest::dragsThePictureInManual()
-{
-    m_world->openVideo();
-    m_view->setDisplayMode(Mode::manual);
-    // 140 points are 35 % of the view.
-    drag(100, 240);
-    QCOMPARE(m_view->horizontalPan(), 1.0);
-    drag(200, 130);
-    QCOMPARE(m_view->horizontalPan(), 0.5);
-    drag(390, 1);
-    QCOMPARE(m_view->horizontalPan(), -1.0);
-    QTest::mouseMove(m_window.get(), {300, 150});
-    QCOMPARE(m_view->horizontalPan(), -1.0);
 }
 
 void PlayerHostingViewTest::pansByAmounts()

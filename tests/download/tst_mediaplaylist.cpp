@@ -42,7 +42,6 @@ private Q_SLOTS:
     void readsTags_data();
     void readsTags();
     void keepsOrderAndRepetitions();
-    void survivesAnyBytes();
 };
 
 void MediaPlaylistTest::readsIntegerAttributes_data()
@@ -242,22 +241,6 @@ void MediaPlaylistTest::keepsOrderAndRepetitions()
     QCOMPARE(
         addressesOf(playlist->segments),
         (QStringList{u"https://h/live/a/b"_s, u"https://h/live/a/a"_s, u"https://h/live/a/b"_s}));
-}
-
-void MediaPlaylistTest::survivesAnyBytes()
-{
-    // Pieces of what the parser looks for, cut and joined anywhere.
-    const QByteArray pieces =
-        media("#EXT-X-MAP:URI=\"\n#EXT-X-TARGETDURATION:\n#EXT-X-STREAM-INF:BANDWIDTH=9\n\xE2\x80"
-              "\xC2\xE3\x80\x80\xFFhttp://[//:a\n\r\x85");
-    for (qsizetype i = 0; i < pieces.size(); ++i) {
-        for (qsizetype j = i; j < pieces.size(); ++j) {
-            const QByteArray text = "#EXTM3U\n" + pieces.sliced(j) + pieces.sliced(i, j - i);
-            const auto playlist = parseMediaPlaylist(text, base);
-            QVERIFY(!playlist || !addressesOf(playlist->segments).isEmpty());
-            parseVariants(text, base);
-        }
-    }
 }
 
 QTEST_GUILESS_MAIN(MediaPlaylistTest)

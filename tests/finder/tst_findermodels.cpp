@@ -1,7 +1,6 @@
 #include "finder/SnifferBlockListModel.h"
 #include "finder/SnifferProxySettingsModel.h"
 #include "finder/SnifferWebListModel.h"
-#include "platform/RowUpdate.h"
 #include "tests/fakes/FakeContentRuleListStore.h"
 #include "tests/fakes/FakeFilePanels.h"
 #include "tests/fakes/FakeProxyConfigurationTarget.h"
@@ -67,8 +66,6 @@ class FinderModelsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void findsChangedRows_data();
-    void findsChangedRows();
     void putsRowsFirst_data();
     void putsRowsFirst();
     void listsDomainsNewestFirst();
@@ -87,28 +84,6 @@ private Q_SLOTS:
     void editsTakeEffectWhenConfirmed();
     void presetsAreLocal();
 };
-
-void FinderModelsTest::findsChangedRows_data()
-{
-    QTest::addColumn<QString>("before");
-    QTest::addColumn<QString>("after");
-    QTest::addColumn<RowUpdate>("change");
-    QTest::newRow("same") << u"abc"_s << u"abc"_s << RowUpdate{3, 0, 0};
-    QTest::newRow("first added") << u"bc"_s << u"abc"_s << RowUpdate{0, 0, 1};
-    QTest::newRow("last added") << u"ab"_s << u"abc"_s << RowUpdate{2, 0, 1};
-    QTest::newRow("repeated") << u"aa"_s << u"aaa"_s << RowUpdate{2, 0, 1};
-    QTest::newRow("middle removed") << u"abc"_s << u"ac"_s << RowUpdate{1, 1, 0};
-    QTest::newRow("moved to the front") << u"abcd"_s << u"cabd"_s << RowUpdate{0, 3, 3};
-    QTest::newRow("all replaced") << u"ab"_s << u"cde"_s << RowUpdate{0, 2, 3};
-    QTest::newRow("emptied") << u"ab"_s << QString() << RowUpdate{0, 2, 0};
-}
-
-void FinderModelsTest::findsChangedRows()
-{
-    QFETCH(const QString, before);
-    QFETCH(const QString, after);
-    QTEST(RowUpdate::between(before, after), "change");
-}
 
 void FinderModelsTest::putsRowsFirst_data()
 {

@@ -6,7 +6,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -64,7 +63,6 @@ private Q_SLOTS:
     void addsDomains();
     void refusesWhatIsThere();
     void storesDomains();
-    void generatesRules();
     void generatesDomainRule_data();
     void generatesDomainRule();
     void compilesAtFirst();
@@ -77,7 +75,6 @@ private Q_SLOTS:
     void recognisesAds();
     void recognisesRedirects_data();
     void recognisesRedirects();
-    void letsEverythingPassWhenOff();
     void comparesSites_data();
     void comparesSites();
     void endsWhileCompiling();
@@ -198,26 +195,6 @@ void SnifferAdBlockerTest::storesDomains()
     world.blocker->removeAllDomains();
     world.open();
     QCOMPARE(world.blocker->blockedDomains(), QStringList());
-}
-
-void SnifferAdBlockerTest::generatesRules()
-{
-    const World world;
-    const QJsonArray rules = world.rules();
-    QCOMPARE(rules.size(), 2);
-    QCOMPARE(filterOf(rules[0]),
-             u".*(/adservice/|/pagead/|/adsystem/|/popunder|/onclickads|/adserver/).*"_s);
-    QCOMPARE(rules[0][u"action"].toObject(), (QJsonObject{{u"type"_s, u"block"_s}}));
-    QCOMPARE(filterOf(rules[1]), u".*"_s);
-    QCOMPARE(rules[1][u"action"][u"type"].toString(), u"css-display-none"_s);
-    QCOMPARE(rules[1][u"action"][u"selector"].toString(),
-             u".ad, .ads, .ad-banner, .advertisement, .ad-box, .ad-container, .adsbygoogle, "
-             "[id^='ad_'], [id^='google_ads_'], [class*='banner-ad'], [class*='ad-banner'], "
-             ".popup-overlay, .popunder, #popunder, .video-ad-overlay, .preroll-ad, .ad-overlay, "
-             "iframe[src*='doubleclick'], iframe[src*='googlesyndication'], "
-             "iframe[src*='popads'], iframe[src*='propeller'], iframe[src*='exoclick'], "
-             "iframe[src*='adservice']"_s);
-    QVERIFY(world.blocker->generateRulesJSON().contains(u"\n    "_s));
 }
 
 void SnifferAdBlockerTest::generatesDomainRule_data()
@@ -417,21 +394,6 @@ void SnifferAdBlockerTest::recognisesRedirects()
     QFETCH(const QString, address);
     const World world;
     QTEST(world.blocker->isSuspiciousCrossDomainRedirect(host, QUrl(address)), "isSuspicious");
-}
-
-void SnifferAdBlockerTest::letsEverythingPassWhenOff()
-{
-    World world;
-    FakeWebView view;
-    world.blocker->addDomain(u"ads.example"_s);
-    world.blocker->setEnabled(false);
-    world.blocker->registerAndApply(&view);
-    while (!world.store.pending.isEmpty())
-        world.store.succeed();
-    QCOMPARE(view.lists.size(), 0);
-    const QUrl ad(u"https://ads.example/pagead/?utm_source=a"_s);
-    QVERIFY(!world.blocker->isAdOrPopupURL(ad));
-    QVERIFY(!world.blocker->isSuspiciousCrossDomainRedirect(u"a.tv"_s, ad));
 }
 
 void SnifferAdBlockerTest::comparesSites_data()

@@ -63,7 +63,6 @@ private Q_SLOTS:
     void refusesAddresses();
     void passesButtonsOn();
     void followsTheView();
-    void tellsOfFailures();
     void clears();
     void goesOnItsOwnOnceThereIsAView();
     void outlivesItsView();
@@ -179,18 +178,6 @@ void SnifferBrowserTest::followsTheView()
     world.manager.update(QUrl(u"about:blank"_s), false, QString());
     QCOMPARE(world.manager.address(), u"https://site.example"_s);
     QCOMPARE(world.websites.websites().size(), 1);
-}
-
-void SnifferBrowserTest::tellsOfFailures()
-{
-    World world;
-    const QUrl url(u"https://nowhere.example/x"_s);
-    world.manager.update(url, true, std::nullopt);
-    world.manager.fail(url, u"The site cannot be found."_s);
-    QVERIFY(!world.manager.isLoading());
-    QCOMPARE(world.manager.errorMessage(), u"The site cannot be found."_s);
-    QCOMPARE(world.manager.address(), url.toString());
-    QVERIFY(world.websites.websites().isEmpty());
 }
 
 void SnifferBrowserTest::clears()

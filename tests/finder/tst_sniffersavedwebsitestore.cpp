@@ -14,8 +14,6 @@
 #include <QTest>
 #include <QTimeZone>
 
-#include <random>
-
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
 
@@ -96,7 +94,6 @@ private Q_SLOTS:
     void importsWhatItCan();
     void failedImportChangesNothing_data();
     void failedImportChangesNothing();
-    void survivesDamagedLists();
     void failedExportIsLogged();
     void endsDuringAnImport();
 };
@@ -626,36 +623,6 @@ void SnifferSavedWebsiteStoreTest::failedImportChangesNothing()
     world.scheduler.runBackground();
     QCOMPARE(world.count(), 1);
     QCOMPARE(changes.size(), 0);
-}
-
-void SnifferSavedWebsiteStoreTest::survivesDamagedLists()
-{
-    const QByteArray good = encodeWebsites({
-        website(u"https://a.example"_s, u"Ä \"A\""_s, 5, 3, true),
-        website(u"https://b.example/x?y#z"_s, {}, -5, 0, false),
-    });
-    std::mt19937 random(5);
-    int readCount = 0;
-    for (int i = 0; i < 5000; ++i) {
-        QByteArray bad = good;
-        for (unsigned changes = 1 + random() % 3; changes > 0; --changes) {
-            const auto at = qsizetype(random() % size_t(bad.size()));
-            if (random() % 2 == 0)
-                bad[at] = char(random());
-            else
-                bad.remove(at, 1);
-        }
-        const auto websites = decodeWebsites(bad);
-        if (!websites)
-            continue;
-        ++readCount;
-        // Whatever is read can be kept.
-        WebList list(*websites);
-        list.merge(WebList(*websites));
-        list.trimHistory();
-        QCOMPARE(decodeWebsites(encodeWebsites(list.websites())), list.websites());
-    }
-    QVERIFY(readCount > 100);
 }
 
 void SnifferSavedWebsiteStoreTest::failedExportIsLogged()

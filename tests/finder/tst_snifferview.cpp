@@ -86,16 +86,13 @@ class SnifferViewTest : public QObject
 
 private Q_SLOTS:
     void viewServesItsTab();
-    void viewDecides();
     void viewsGo();
     void streamsOfTheSelectedTab();
     void manyStreams();
     void streamActions();
     void streamNames_data();
     void streamNames();
-    void downloadsOfStreams();
     void stars();
-    void streamsAreNoFiles();
     void asksWhereToSave();
     void closingHides();
     void losingTheKeyboard_data();
@@ -104,7 +101,6 @@ private Q_SLOTS:
     void uploadsAreAnswered_data();
     void uploadsAreAnswered();
     void panelsKeepTheWindow();
-    void followsWithinThePage();
     void losingTheKeyboard();
     void framesAreRemembered();
 };
@@ -140,31 +136,6 @@ void SnifferViewTest::viewServesItsTab()
     // A script that follows the switch would otherwise be there for the next page only.
     world.blocker.setEnabled(false);
     QCOMPARE(world.view.userScripts.value(1), adBlockerFlagScript(false));
-}
-
-void SnifferViewTest::viewDecides()
-{
-    World world;
-    world.attach();
-    using Target = NavigationAction::Target;
-    const auto mayGo = [&world](const QString &address, Target target, bool linkClick = false,
-                                bool fromPage = true) {
-        return world.view.policy({QUrl(address), target, linkClick, fromPage});
-    };
-    QVERIFY(mayGo(u"https://other.example/"_s, Target::MainFrame));
-    QVERIFY(!mayGo(u"https://other.example/"_s, Target::MainFrame, true, false));
-    QVERIFY(mayGo(u"https://other.example/a.m3u8"_s, Target::SubFrame));
-    QCOMPARE(world.finder.streams()->count(), 1);
-    QVERIFY(!mayGo(u"https://www.site.example/next"_s, Target::NewWindow, true));
-    QCOMPARE(world.view.log.last(), u"load https://www.site.example/next"_s);
-
-    world.view.log.clear();
-    Q_EMIT world.view.newWindowRequested(QUrl(u"https://pop.example/"_s));
-    QCOMPARE(world.view.log, QStringList());
-    world.blocker.setEnabled(false);
-    world.view.log.clear();
-    Q_EMIT world.view.newWindowRequested(QUrl(u"https://pop.example/"_s));
-    QCOMPARE(world.view.log, QStringList{u"load https://pop.example/"_s});
 }
 
 void SnifferViewTest::viewsGo()
@@ -314,23 +285,6 @@ void SnifferViewTest::streamNames()
     QTEST(world.shown(0, Streams::NameRole).toString(), "shown");
 }
 
-void SnifferViewTest::downloadsOfStreams()
-{
-    World world;
-    Streams &streams = *world.finder.streams();
-    world.detect(u"https://h/a.m3u8"_s, u"News"_s);
-    QCOMPARE(world.shown(0, Streams::JobTextRole), QString());
-    QSignalSpy changes(&streams, &Streams::dataChanged);
-    streams.download(0);
-    QVERIFY(world.shown(0, Streams::JobIsActiveRole).toBool());
-    QVERIFY(!world.shown(0, Streams::JobTextRole).toString().isEmpty());
-    QVERIFY(!changes.isEmpty());
-    streams.stopDownload(0);
-    world.scheduler.runBackground();
-    QVERIFY(!world.shown(0, Streams::JobIsActiveRole).toBool());
-    QVERIFY(!world.shown(0, Streams::CanRevealRole).toBool());
-}
-
 void SnifferViewTest::stars()
 {
     World world;
@@ -349,18 +303,6 @@ void SnifferViewTest::stars()
     QCOMPARE(world.tab().address(), u"https://site.example"_s);
     world.finder.openWebsite(u"file:///etc/passwd"_s, true);
     QCOMPARE(world.finder.tabs()->count(), 2);
-}
-
-void SnifferViewTest::streamsAreNoFiles()
-{
-    World world;
-    world.attach();
-    QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/live"_s),
-                                       u"application/vnd.apple.mpegurl"_s));
-    QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/a.m3u8"_s), u"x/y"_s));
-    QVERIFY(!world.finder.takesDownload(&world.view, QUrl(u"https://h/a.zip"_s), u"x/zip"_s));
-    QVERIFY(!world.finder.takesDownload(nullptr, QUrl(u"https://h/a.zip"_s), u"x/zip"_s));
-    QCOMPARE(world.finder.streams()->count(), 2);
 }
 
 void SnifferViewTest::asksWhereToSave()
@@ -533,21 +475,6 @@ void SnifferViewTest::panelsKeepTheWindow()
     world.window.windowShouldClose();
     world.scheduler.advance({});
     QVERIFY(!world.window.isShown());
-}
-
-void SnifferViewTest::followsWithinThePage()
-{
-    World world;
-    world.attach();
-    Q_EMIT world.view.loadStarted();
-    Q_EMIT world.view.loadFinished(u"Watch"_s);
-    world.view.address = u"https://site.example/#2"_s;
-    world.view.mayGoBack = true;
-    Q_EMIT world.view.urlChanged();
-    Q_EMIT world.view.historyChanged();
-    QCOMPARE(world.tab().shownPage(), QUrl(u"https://site.example/#2"_s));
-    QCOMPARE(world.tab().address(), u"https://site.example/#2"_s);
-    QVERIFY(world.tab().canGoBack());
 }
 
 void SnifferViewTest::losingTheKeyboard()

@@ -106,8 +106,6 @@ private Q_SLOTS:
     void togglesAndReplays();
     void clearForgetsRemoteSourcesOnly();
     void webContentReplacesTheItemAndBack();
-    void commandsGoToTheWebPlayer_data();
-    void commandsGoToTheWebPlayer();
     void writesNumbersForScripts_data();
     void writesNumbersForScripts();
 
@@ -521,44 +519,6 @@ void PlayerModelTest::writesNumbersForScripts()
     m_world->youTube.setCurrentView(&page);
     m_world->youTube.skip(number);
     QCOMPARE(page.scripts, QStringList{u"varnSkip("_s + text + u");"});
-}
-
-void PlayerModelTest::commandsGoToTheWebPlayer_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QStringList>("scripts");
-    QTest::newRow("YouTube") << u"https://youtu.be/v"_s
-                             << QStringList{u"varnToggle();"_s, u"varnSkip(-5.0);"_s,
-                                            u"varnSetVolume(0.5);"_s, u"varnSetMuted(true);"_s};
-    const auto video = [](const QString &action) {
-        return QString(u"var v=document.querySelector('video'); if(v){"_s + action + u"}"_s);
-    };
-    QTest::newRow("OK.ru") << u"https://ok.ru/video/1"_s
-                           << QStringList{
-                                  video(u"v.paused?v.play():v.pause();"_s),
-                                  video(u"v.currentTime=Math.max(0,v.currentTime+(-5.0));"_s),
-                                  video(u"v.muted=false;v.volume=0.5;"_s),
-                                  video(u"v.muted=true;"_s)};
-}
-
-void PlayerModelTest::commandsGoToTheWebPlayer()
-{
-    QFETCH(const QString, address);
-    PlayerModel &model = *m_world->model;
-    FakeScriptRunner page;
-    m_world->youTube.setCurrentView(&page);
-    m_world->okVideo.setCurrentView(&page);
-    model.openRemote(address, {});
-    const qsizetype calls = m_world->player.log.size();
-
-    model.togglePlayback();
-    QVERIFY(!model.isPlaying());
-    model.skip(-5);
-    model.setVolume(0.5);
-    model.toggleMute();
-
-    QTEST(page.scripts, "scripts");
-    QCOMPARE(m_world->player.log.size(), calls);
 }
 
 void PlayerModelTest::skips_data()

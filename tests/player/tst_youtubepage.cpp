@@ -66,8 +66,6 @@ class YouTubePageTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void namesTheContent_data();
-    void namesTheContent();
     void survivesAnyID_data();
     void survivesAnyID();
     void makesThePlayer_data();
@@ -80,27 +78,6 @@ private Q_SLOTS:
     void tellsItsPlayback();
     void tellsErrorsUntilItPlays();
 };
-
-void YouTubePageTest::namesTheContent_data()
-{
-    QTest::addColumn<QString>("page");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("video") << pageFor("abc", nullptr)
-                           << u"var videoID = \"abc\";var playlistID = null;"_s;
-    QTest::newRow("playlist") << pageFor(nullptr, "PL1")
-                              << u"var videoID = null;var playlistID = \"PL1\";"_s;
-    QTest::newRow("both") << pageFor("abc", "PL1")
-                          << u"var videoID = \"abc\";var playlistID = \"PL1\";"_s;
-    QTest::newRow("quote and backslash")
-        << pageFor("a\"b\\c", nullptr) << u"var videoID = \"a\\\"b\\\\c\";"_s;
-}
-
-void YouTubePageTest::namesTheContent()
-{
-    QFETCH(const QString, page);
-    QFETCH(const QString, text);
-    QVERIFY2(page.contains(text), qPrintable(page));
-}
 
 void YouTubePageTest::survivesAnyID_data()
 {

@@ -8,8 +8,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
 
@@ -70,8 +68,6 @@ private Q_SLOTS:
     void startsEmptyOnBadData_data();
     void startsEmptyOnBadData();
     void savingEarlyKeepsBadDataAside();
-    void saysWhenItCannotStore();
-    void storesAtTheEnd();
 };
 
 void LocalM3UStoreTest::namesWhatIsSaved_data()
@@ -296,39 +292,6 @@ void LocalM3UStoreTest::savingEarlyKeepsBadDataAside()
     world.restart();
     QCOMPARE(world.defaults.setAsideValues, QByteArrayList{"no library"});
     QCOMPARE(names(world.store->entries()), QStringList{u"B"_s});
-}
-
-void LocalM3UStoreTest::saysWhenItCannotStore()
-{
-    World world;
-    world.store->save(QUrl(u"http://h/a"_s), u"A"_s);
-    world.scheduler.runBackground();
-    const QByteArray before = world.stored();
-
-    QSignalSpy changed(world.store.get(), &LocalM3UStore::errorMessageChanged);
-    world.defaults.failure = UserDefaultsError{UserDefaultsError::Kind::NoSpace};
-    world.store->save(QUrl(u"http://h/b"_s), u"B"_s);
-    world.scheduler.runBackground();
-    QCOMPARE(world.store->errorMessage(),
-             u"Local M3U could not be saved. There is no space left on the disk."_s);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(world.stored(), before);
-    QCOMPARE(names(world.store->entries()), (QStringList{u"B"_s, u"A"_s}));
-
-    world.defaults.failure.reset();
-    world.store->persist();
-    world.scheduler.runBackground();
-    QCOMPARE(world.store->errorMessage(), QString());
-    world.restart();
-    QCOMPARE(names(world.store->entries()), (QStringList{u"B"_s, u"A"_s}));
-}
-
-void LocalM3UStoreTest::storesAtTheEnd()
-{
-    World world;
-    world.store->save(QUrl(u"http://h/a"_s), u"A"_s);
-    world.restart();
-    QCOMPARE(names(world.store->entries()), QStringList{u"A"_s});
 }
 
 QTEST_GUILESS_MAIN(LocalM3UStoreTest)

@@ -1,7 +1,6 @@
 #include "playlist/PlaylistEntries.h"
 #include "playlist/PlaylistEntryCoding.h"
 
-#include <QSet>
 #include <QTest>
 
 #include <functional>
@@ -39,8 +38,6 @@ class PlaylistEntryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void comparesEveryField_data();
-    void comparesEveryField();
     void encodesInOrder();
     void restoresWhatWasEncoded_data();
     void restoresWhatWasEncoded();
@@ -49,36 +46,6 @@ private Q_SLOTS:
     void keepsListsOfEntries();
     void comparesLists();
 };
-
-void PlaylistEntryTest::comparesEveryField_data()
-{
-    using Change = std::function<void(PlaylistEntry &)>;
-    QTest::addColumn<Change>("change");
-    const auto row = [](const char *name, const Change &change) { QTest::newRow(name) << change; };
-    row("id", [](PlaylistEntry &entry) { entry.id = QUuid::createUuid(); });
-    row("name", [](PlaylistEntry &entry) { entry.name = u"news"_s; });
-    row("url", [](PlaylistEntry &entry) { entry.url.setPath(u"/b.m3u8"_s); });
-    row("logo", [](PlaylistEntry &entry) { entry.logoURL->setPath(u"/b.png"_s); });
-    row("no logo", [](PlaylistEntry &entry) { entry.logoURL.reset(); });
-    row("group", [](PlaylistEntry &entry) { entry.groupTitle = u"group"_s; });
-    row("no group", [](PlaylistEntry &entry) { entry.groupTitle.reset(); });
-    row("country", [](PlaylistEntry &entry) { entry.countryCode = u"FR"_s; });
-    row("no country", [](PlaylistEntry &entry) { entry.countryCode.reset(); });
-    row("group for country",
-        [](PlaylistEntry &entry) { std::swap(entry.groupTitle, entry.countryCode); });
-}
-
-void PlaylistEntryTest::comparesEveryField()
-{
-    QFETCH(const std::function<void(PlaylistEntry &)>, change);
-    PlaylistEntry changed = fullEntry();
-    QCOMPARE(changed, fullEntry());
-    QCOMPARE(qHash(changed), qHash(fullEntry()));
-    change(changed);
-    QVERIFY(changed != fullEntry());
-    QVERIFY(qHash(changed) != qHash(fullEntry()));
-    QCOMPARE((QSet<PlaylistEntry>{fullEntry(), changed, fullEntry()}.size()), 2);
-}
 
 void PlaylistEntryTest::encodesInOrder()
 {

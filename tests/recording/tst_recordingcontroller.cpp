@@ -118,7 +118,6 @@ private Q_SLOTS:
     void followsTheSurface();
     void completesTheFileAtTheEnd_data();
     void completesTheFileAtTheEnd();
-    void saysWhenThereIsNoSound();
 };
 
 void RecordingControllerTest::asksForPermission()
@@ -527,18 +526,6 @@ void RecordingControllerTest::completesTheFileAtTheEnd()
     if (world.capture.stopping)
         world.capture.stopping->complete(true);
     QCOMPARE(world.asset.log.count(u"finished"_s), 1);
-}
-
-void RecordingControllerTest::saysWhenThereIsNoSound()
-{
-    World world;
-    const QSignalSpy told(world.controller.get(),
-                          &PlayerRecordingController::audioBecameUnavailable);
-    world.start();
-    world.capture.output->audioBecameUnavailable();
-    world.settle();
-    QCOMPARE(told.count(), 1);
-    QCOMPARE(world.controller->state(), State::recording);
 }
 
 QTEST_GUILESS_MAIN(RecordingControllerTest)

@@ -70,7 +70,6 @@ class TestControls : public QObject
 private Q_SLOTS:
     void enterActivates_data();
     void enterActivates();
-    void disabledDoesNothing();
     void seekDragFollowsThePointerAndCommitsOnce();
     void seekKeepsTheCommittedPlaceUntilTheValueChanges();
     void seekArrowKeysCommitSteps();
@@ -111,16 +110,6 @@ void TestControls::enterActivates()
     QCOMPARE(stage.log(), (QStringList{u"click"_s, u"click"_s}));
     QTest::mouseClick(stage.window.get(), Qt::LeftButton, {}, {10, 10});
     QCOMPARE(stage.log().size(), 3);
-}
-
-void TestControls::disabledDoesNothing()
-{
-    const Stage stage(
-        uR"(Button { id: control; text: "Save"; enabled: false; onClicked: note("click") })"_s);
-    stage.key(Qt::Key_Tab);
-    stage.key(Qt::Key_Return);
-    QTest::mouseClick(stage.window.get(), Qt::LeftButton, {}, {10, 10});
-    QCOMPARE(stage.log(), QStringList());
 }
 
 void TestControls::seekDragFollowsThePointerAndCommitsOnce()

@@ -33,15 +33,12 @@ private Q_SLOTS:
 
     void readsLists_data();
     void readsLists();
-    void pickedChannelPlays();
     void searchFindsAndPlays();
     void keyboardWalksTheList();
     void badListsLoseNothing_data();
     void badListsLoseNothing();
     void brokenAddressesLoseNothing_data();
     void brokenAddressesLoseNothing();
-    void newestOfTwoWins();
-    void clearDropsWhatStillLoads();
     void millionEntriesLoad();
     void importsFiles_data();
     void importsFiles();
@@ -110,16 +107,6 @@ void AppChannelsTest::readsLists()
     QCOMPARE(m_world->player().title(), u"IPTV Playlist"_s);
     QCOMPARE(m_world->player().errorMessage(), QString());
     QVERIFY(m_world->player().currentURL().isEmpty());
-}
-
-void AppChannelsTest::pickedChannelPlays()
-{
-    open(m_nginx->url(u"/good.m3u"_s));
-    QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
-    m_world->shell().playChannel(0);
-    QVERIFY(m_world->playsTo(0.3));
-    QCOMPARE(m_world->player().title(), u"Good"_s);
-    QVERIFY(m_world->pictureChanges());
 }
 
 void AppChannelsTest::searchFindsAndPlays()
@@ -255,36 +242,6 @@ void AppChannelsTest::brokenAddressesLoseNothing()
     QVERIFY(isSettled());
     QTEST(m_world->player().errorMessage(), "error");
     QCOMPARE(channelNames(m_world->player()), QStringList{u"Good"_s});
-}
-
-void AppChannelsTest::newestOfTwoWins()
-{
-    m_faults->route("/one.m3u", FaultResponse::of(m3uType, listText("One")));
-    m_faults->route("/two.m3u", FaultResponse::of(m3uType, listText("Two")));
-    m_faults->hold("/one.m3u");
-    open(m_faults->url("/one.m3u"));
-    QVERIFY(becomesTrue([&] { return m_faults->requestCount("/one.m3u") == 1; }));
-    open(m_faults->url("/two.m3u"));
-    QVERIFY(becomesTrue([&] { return channelNames(m_world->player()) == QStringList{u"Two"_s}; }));
-    m_faults->release("/one.m3u");
-    // The older request has been given up, so its answer never comes.
-    QVERIFY(becomesTrue([&] { return m_faults->openConnections() == 0; }));
-    QCOMPARE(channelNames(m_world->player()), QStringList{u"Two"_s});
-    QCOMPARE(m_world->player().errorMessage(), QString());
-}
-
-void AppChannelsTest::clearDropsWhatStillLoads()
-{
-    m_faults->route("/late.m3u", FaultResponse::of(m3uType, listText("Late")));
-    m_faults->hold("/late.m3u");
-    open(m_faults->url("/late.m3u"));
-    QVERIFY(becomesTrue([&] { return m_faults->requestCount("/late.m3u") == 1; }));
-    m_world->player().clearNetworkStream();
-    QVERIFY(!m_world->player().isLoading());
-    m_faults->release("/late.m3u");
-    QVERIFY(becomesTrue([&] { return m_faults->openConnections() == 0; }));
-    QCOMPARE(channelNames(m_world->player()), QStringList());
-    QCOMPARE(m_world->player().errorMessage(), QString());
 }
 
 void AppChannelsTest::millionEntriesLoad()

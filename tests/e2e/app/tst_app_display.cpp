@@ -93,8 +93,6 @@ private Q_SLOTS:
     void showsEachMode();
     void dragsThePicture();
     void staysRightWhileResized();
-    void keepsTheModeForTheNextStart();
-    void menuOffersTheModes();
     void columnFollowsAFace();
 
 private:
@@ -197,25 +195,6 @@ void AppDisplayTest::staysRightWhileResized()
             QVERIFY2(wrong < 0.001, qPrintable(QString::number(wrong)));
         }
     }
-}
-
-void AppDisplayTest::keepsTheModeForTheNextStart()
-{
-    QCOMPARE(m_world->shell().displayMode(), Mode::normal);
-    m_world->shell().setDisplayMode(Mode::rotate);
-    m_world->restart();
-    QCOMPARE(m_world->shell().displayMode(), Mode::rotate);
-    m_world->shell().setSidebarVisible(false);
-    QVERIFY(playsAlone(Fixture::Gradient));
-    QVERIFY(shows(Mode::rotate));
-}
-
-void AppDisplayTest::menuOffersTheModes()
-{
-    m_world->press(Qt::Key_2, Qt::ControlModifier);
-    QCOMPARE(m_world->shell().displayMode(), Mode::fill);
-    m_world->press(Qt::Key_1, Qt::ControlModifier);
-    QCOMPARE(m_world->shell().displayMode(), Mode::normal);
 }
 
 void AppDisplayTest::columnFollowsAFace()

@@ -73,7 +73,6 @@ private Q_SLOTS:
     void framesDoNotMoveThePage();
     void redirectsAreFollowed();
     void filesAskForAPlace();
-    void filesWaitForTheirPanel();
     void pagesAskForFilesAgain();
     void linksOpenFromTheMenu();
     void pagesAskBeforeTheyMay();
@@ -458,28 +457,6 @@ void AppFinderTest::filesAskForAPlace()
     QTest::keyClick(m_window, Qt::Key_Return);
     QVERIFY(becomesTrue([&] { return QFileInfo(saved).size() == 1000; }));
     QCOMPARE(tab().shownPage(), m_site->url(u"/plain.html"_s));
-}
-
-void AppFinderTest::filesWaitForTheirPanel()
-{
-    QVERIFY(opens(u"/plain.html"_s));
-    m_world->recording().startNormal();
-    QVERIFY(becomesTrue([&] { return m_world->panels().isOpen(); }));
-    tab().navigate(m_site->url(u"/file.zip?waits"_s));
-    QVERIFY(becomesTrue([&] { return wasAsked(u"/file.zip?waits"_s); }));
-    QTest::qWait(300);
-    QCOMPARE(m_world->panels().kind(), QuickFilePanels::Kind::NewFileAndText);
-    QTest::keyClick(m_window, Qt::Key_Escape);
-    QVERIFY(becomesTrue([&] {
-        const QQuickItem *const name = m_window->activeFocusItem();
-        return name && name->objectName() == u"fileNameTextField";
-    }));
-    QCOMPARE(m_world->panels().kind(), QuickFilePanels::Kind::NewFile);
-    for (const char c : "waited"_ba)
-        QTest::keyClick(m_window, c);
-    QTest::keyClick(m_window, Qt::Key_Return);
-    QVERIFY(becomesTrue(
-        [&] { return QFileInfo(m_home.filePath(u"Documents/waited.zip"_s)).size() == 1000; }));
 }
 
 void AppFinderTest::pagesAskForFilesAgain()

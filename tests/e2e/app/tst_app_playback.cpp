@@ -25,17 +25,13 @@ private Q_SLOTS:
     void playsAddresses();
     void playsOddNames_data();
     void playsOddNames();
-    void skipsWithinWhatHasArrived();
     void playsALiveStream();
     void liveStreamStallsAndRecovers();
-    void seeksExactly();
-    void pausesAtTheEndAndPlaysAgain();
     void stoppingLeavesNoPicture();
     void fadedControlsDrawNothing();
     void calmlyShowsWhatCannotBePlayed_data();
     void calmlyShowsWhatCannotBePlayed();
     void truncatedFilmPlaysUntilItEnds();
-    void comesAndGoes();
 
 private:
     QString fixture(Fixture fixture) const { return valueOrFail(m_media.path(fixture)); }
@@ -130,25 +126,6 @@ void AppPlaybackTest::playsOddNames()
     QCOMPARE(m_world->player().errorMessage(), QString());
 }
 
-void AppPlaybackTest::skipsWithinWhatHasArrived()
-{
-    PlayerModel &player = m_world->player();
-    m_world->open(m_nginx->url(u"/whole/400000/movie.mp4"_s).toString());
-    QVERIFY(m_world->playsTo(0.5));
-    QVERIFY(becomesTrue([&] {
-        return player.duration() > 0
-            && player.seekableRange().value_or(MediaPlayer::TimeRange()).end > 10;
-    }));
-    const double before = player.currentTime();
-    player.skip(3600);
-    QCOMPARE(player.currentTime(), before);
-    player.skip(-3600);
-    QVERIFY(player.currentTime() < 0.5);
-    player.skip(5);
-    QVERIFY(m_world->playsTo(5.3));
-    QVERIFY(m_world->pictureChanges());
-}
-
 void AppPlaybackTest::playsALiveStream()
 {
     const auto feed = valueOrFail(LiveFeed::start(*m_nginx, u"live"_s));
@@ -181,44 +158,6 @@ void AppPlaybackTest::liveStreamStallsAndRecovers()
     feed->resume();
     QVERIFY(becomesTrue([&] { return !player.isBuffering(); }));
     QVERIFY(m_world->pictureChanges());
-}
-
-void AppPlaybackTest::seeksExactly()
-{
-    PlayerModel &player = m_world->player();
-    m_world->open(fixture(Fixture::Movie));
-    QVERIFY(m_world->playsTo(0.5));
-    player.togglePlayback();
-    QVERIFY(!player.isPlaying());
-
-    // A key frame stands every few seconds, so this one is between two of them.
-    player.seek(31.4);
-    QVERIFY(becomesTrue([&] { return std::abs(player.currentTime() - 31.4) < 0.05; }));
-    player.skip(-3600);
-    QVERIFY(becomesTrue([&] { return player.currentTime() == 0; }));
-    const QImage first = m_world->screen();
-    player.seek(20);
-    QVERIFY(becomesTrue([&] { return m_world->screen() != first; }));
-    player.seek(0);
-    QVERIFY(becomesTrue([&] { return player.currentTime() == 0; }));
-    QVERIFY(!player.isPlaying());
-}
-
-void AppPlaybackTest::pausesAtTheEndAndPlaysAgain()
-{
-    PlayerModel &player = m_world->player();
-    m_world->open(fixture(Fixture::Matroska));
-    QVERIFY(m_world->playsTo(0.2));
-    player.skip(3600);
-    QVERIFY(becomesTrue([&] { return !player.isPlaying(); }));
-    QVERIFY(std::abs(player.currentTime() - player.duration()) < 0.2);
-    m_world->press(Qt::Key_Space);
-    QVERIFY(becomesTrue([&] { return player.isPlaying() && player.currentTime() < 5; }));
-
-    player.stop();
-    QCOMPARE(player.title(), u"Lumaro"_s);
-    m_world->press(Qt::Key_Space);
-    QVERIFY(m_world->playsTo(0.2));
 }
 
 void AppPlaybackTest::stoppingLeavesNoPicture()
@@ -296,18 +235,6 @@ void AppPlaybackTest::truncatedFilmPlaysUntilItEnds()
     QVERIFY(m_world->playsTo(0.5));
     m_world->player().seek(m_world->player().duration() - 1);
     QVERIFY(becomesTrue([&] { return !m_world->player().isPlaying(); }));
-}
-
-void AppPlaybackTest::comesAndGoes()
-{
-    for (int i = 0; i < 5; ++i) {
-        m_world.reset();
-        m_world = std::make_unique<AppWorld>();
-        m_world->open(fixture(Fixture::Movie));
-        // The last one goes in the middle of opening.
-        if (i < 4)
-            QVERIFY(m_world->playsTo(0.05));
-    }
 }
 
 LUMARO_APP_TEST_MAIN(AppPlaybackTest)

@@ -64,7 +64,6 @@ private Q_SLOTS:
     void switchesVideos();
     void playsPlaylists();
     void givesWayToFilesAndBack();
-    void volumeHoldsForTheNext();
     void controlsSayWhatTheyCannot();
     void clicksShowTheControls();
     void pageMayFillTheScreen();
@@ -74,8 +73,6 @@ private Q_SLOTS:
     void pagesCannotStay();
     void pausesBeforeItBegins();
 
-    void saysWhyItDoesNotPlay_data();
-    void saysWhyItDoesNotPlay();
     void triesAgain();
     void crashIsMended();
     void linksOpenInTheBrowser_data();
@@ -287,18 +284,6 @@ void AppWebPlayerTest::givesWayToFilesAndBack()
     QVERIFY(page());
 }
 
-void AppWebPlayerTest::volumeHoldsForTheNext()
-{
-    player().setVolume(0.3);
-    player().toggleMute();
-    m_world->open(youTube(u"clip1"_s));
-    QVERIFY(wasTold(u"youtube/clip1/volume-30-muted"_s));
-    m_world->open(okVideo(u"12345"_s));
-    QVERIFY(wasTold(u"ok/12345/volume-30-muted"_s));
-    QVERIFY(player().isMuted());
-    QCOMPARE(player().volume(), 0.3);
-}
-
 void AppWebPlayerTest::controlsSayWhatTheyCannot()
 {
     m_world->open(okVideo(u"12345"_s));
@@ -429,31 +414,6 @@ void AppWebPlayerTest::pausesBeforeItBegins()
     QVERIFY(!player().isPlaying());
     m_world->press(Qt::Key_Space);
     QVERIFY(plays(1));
-}
-
-void AppWebPlayerTest::saysWhyItDoesNotPlay_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::addColumn<QString>("failure");
-    QTest::newRow("refused") << youTube(u"refused"_s)
-                             << u"The owner of this video allows it on YouTube's own site only."_s;
-    QTest::newRow("gone") << youTube(u"gone"_s) << u"This video has been removed, or is private."_s;
-    QTest::newRow("no page") << okVideo(u"404"_s) << u"The site answers with an error (404)."_s;
-    QTest::newRow("broken") << okVideo(u"broken"_s) << u"OK.ru's player cannot play this video."_s;
-    QTest::newRow("elsewhere") << okVideo(u"elsewhere"_s)
-                               << u"The site leads to another page in place of its player."_s;
-}
-
-void AppWebPlayerTest::saysWhyItDoesNotPlay()
-{
-    QFETCH(const QString, address);
-    QFETCH(const QString, failure);
-    m_world->open(address);
-    QVERIFY(becomesTrue([&] { return !m_world->webPlayers().failure().isEmpty(); }));
-    QCOMPARE(m_world->webPlayers().failure(), failure);
-    QVERIFY(!player().isPlaying());
-    QVERIFY(becomesTrue([&] { return !page(); }));
-    shoot(u"failure"_s, 300ms);
 }
 
 void AppWebPlayerTest::triesAgain()

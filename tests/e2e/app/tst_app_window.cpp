@@ -19,7 +19,6 @@ private Q_SLOTS:
     void init() { m_world = std::make_unique<AppWorld>(); }
     void cleanup() { m_world.reset(); }
 
-    void typedAddressOpensByItself();
     void keysDriveThePlayer();
     void typingIsNotForThePlayer();
     void fullScreenTakesTheKeysFromTheSidebar();
@@ -34,7 +33,6 @@ private Q_SLOTS:
     void filePanelsAskForWhatIsWantedNow();
     void hiddenFieldsTakeNoKeys_data();
     void hiddenFieldsTakeNoKeys();
-    void quitsWithAPanelOpen();
     void programStartsPlaysAndQuits();
     void programSaysWhatItIs();
 
@@ -71,15 +69,6 @@ void AppWindowTest::initTestCase()
     m_movie = valueOrFail(m_media.path(Fixture::Movie));
     QVERIFY(m_nginx->publish(m_movie, u"movie.mp4"_s));
     QVERIFY(m_nginx->writeFile(u"list.m3u"_s, "#EXTINF:-1,One\nmovie.mp4\n"));
-}
-
-void AppWindowTest::typedAddressOpensByItself()
-{
-    m_world->press(Qt::Key_L, Qt::ControlModifier);
-    m_world->type(m_nginx->url(u"/movie.mp4"_s).toString());
-    QVERIFY(m_world->player().currentURL().isEmpty());
-    QVERIFY(m_world->playsTo(0.2));
-    QCOMPARE(m_world->player().currentURL(), m_nginx->url(u"/movie.mp4"_s));
 }
 
 void AppWindowTest::keysDriveThePlayer()
@@ -278,13 +267,6 @@ void AppWindowTest::hiddenFieldsTakeNoKeys()
     hide(m_world->shell());
     m_world->type(u"b"_s);
     QCOMPARE(m_world->shell().addressText(), typed);
-}
-
-void AppWindowTest::quitsWithAPanelOpen()
-{
-    m_world->recording().startNormal();
-    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
-    m_world.reset();
 }
 
 void AppWindowTest::programStartsPlaysAndQuits()

@@ -32,11 +32,6 @@ QByteArray playlistOf(const QByteArrayList &addresses)
     return "#EXTM3U\n#EXT-X-TARGETDURATION:1\n" + addresses.join('\n') + "\n#EXT-X-ENDLIST\n";
 }
 
-QByteArray livePlaylistOf(const QByteArrayList &addresses)
-{
-    return "#EXTM3U\n#EXT-X-TARGETDURATION:1\n" + addresses.join('\n') + '\n';
-}
-
 /// The process's memory in use, in bytes.
 qint64 residentMemory()
 {
@@ -60,16 +55,11 @@ private Q_SLOTS:
     void takesUnusualAnswers();
     void refusesOtherSchemes_data();
     void refusesOtherSchemes();
-    void stopsAtOnce_data();
-    void stopsAtOnce();
-    void survivesAPlaylistThatJumps();
     void failsOnAFullDisk();
     void failsOnAReadOnlyFolder();
-    void failsWhenTheFolderGoes();
     void failsWhenTheFileGoes();
     void refusedPlaylistIsNotRead();
     void stopsWithinKnownSegments();
-    void refusesAHugePlaylist();
     void takesManySegments();
     void holdsNoSegmentInMemory();
 
@@ -218,63 +208,6 @@ void DownloadFaultsTest::refusesOtherSchemes()
     QCOMPARE(m_world->messageAtEnd(file), u"Download failed"_s);
 }
 
-void DownloadFaultsTest::stopsAtOnce_data()
-{
-    QTest::addColumn<QByteArray>("held");
-    QTest::addColumn<qint64>("stalledAfter");
-    QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("before the playlist")
-        << QByteArray("/list.m3u8") << qint64(0) << QByteArray("no such file");
-    QTest::newRow("before the first byte") << QByteArray("/a") << qint64(0) << QByteArray();
-    QTest::newRow("within a segment") << QByteArray() << segmentSize / 2 << segmentBytes('a');
-}
-
-void DownloadFaultsTest::stopsAtOnce()
-{
-    QFETCH(const QByteArray, held);
-    QFETCH(const qint64, stalledAfter);
-    QFETCH(const QByteArray, kept);
-    if (!held.isEmpty())
-        m_server->hold(held);
-    FaultResponse second = FaultResponse::of("video/mp2t", segmentBytes('b'));
-    second.stallAfter = stalledAfter;
-    m_server->route("/b", second);
-    m_world->manager().start(list(), u"Film"_s);
-    const QByteArray waitedFor = held.isEmpty() ? "/b" : held;
-    QTRY_COMPARE_WITH_TIMEOUT(m_server->requestCount(waitedFor), 1, patience);
-    if (held.isEmpty())
-        QTRY_VERIFY_WITH_TIMEOUT(saved().size() > segmentSize, patience);
-
-    m_world->manager().stop(list());
-    QTRY_COMPARE_WITH_TIMEOUT(m_world->job(list()).message, u"Stopped · file saved"_s, patience);
-    QVERIFY(m_world->manager().errorMessage().isEmpty());
-    QVERIFY(saved() == kept);
-    QTRY_COMPARE_WITH_TIMEOUT(m_server->openConnections(), 0, patience);
-}
-
-void DownloadFaultsTest::survivesAPlaylistThatJumps()
-{
-    serve("/list.m3u8", livePlaylistOf({"a", "b"}));
-    m_world->manager().start(list(), u"Film"_s);
-    const auto isAt = [this](int segments) {
-        return m_world->job(list()).message == u"Live · %1 segments"_s.arg(segments);
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(isAt(2), patience);
-    const auto polls = [this] { return m_server->requestCount("/list.m3u8"); };
-    for (const QByteArrayList &window :
-         {QByteArrayList{"b", "a"}, QByteArrayList{"a", "a", "b", "b"}}) {
-        serve("/list.m3u8", livePlaylistOf(window));
-        const qsizetype before = polls();
-        QTRY_VERIFY_WITH_TIMEOUT(polls() >= before + 2, patience);
-        QVERIFY(isAt(2));
-    }
-    serve("/list.m3u8", livePlaylistOf({"c"}));
-    QTRY_VERIFY_WITH_TIMEOUT(isAt(3), patience);
-    m_world->manager().stop(list());
-    QTRY_VERIFY_WITH_TIMEOUT(!m_world->job(list()).isActive, patience);
-    QVERIFY(saved() == segmentBytes('a') + segmentBytes('b') + segmentBytes('c'));
-}
-
 void DownloadFaultsTest::failsOnAFullDisk()
 {
     const MountedFolder disk(MountedFolder::Kind::Small);
@@ -304,19 +237,6 @@ void DownloadFaultsTest::failsOnAReadOnlyFolder()
     QCOMPARE(m_world->manager().errorMessage(),
              u"The file could not be written: Read-only file system."_s);
     QVERIFY(!m_world->job(list()).destination.isEmpty());
-}
-
-void DownloadFaultsTest::failsWhenTheFolderGoes()
-{
-    m_server->hold("/b");
-    m_world->manager().start(list(), u"Film"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(m_server->requestCount("/b"), 1, patience);
-    QVERIFY(QDir(m_world->path({})).removeRecursively());
-    m_server->release("/b");
-    QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
-    QCOMPARE(m_world->manager().errorMessage(),
-             u"The selected download folder is no longer "
-             "available. Choose another Save Folder."_s);
 }
 
 void DownloadFaultsTest::failsWhenTheFileGoes()
@@ -353,14 +273,6 @@ void DownloadFaultsTest::stopsWithinKnownSegments()
     QTRY_COMPARE_WITH_TIMEOUT(m_world->job(list()).message, u"0%"_s, patience);
     m_world->manager().stop(list());
     QCOMPARE(m_world->messageAtEnd(list()), u"Stopped · file saved"_s);
-}
-
-void DownloadFaultsTest::refusesAHugePlaylist()
-{
-    m_server->route("/list.m3u8", FaultResponse::longLine(RepeatedBody::endless));
-    m_world->manager().start(list(), u"Film"_s);
-    QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
-    QCOMPARE(m_world->manager().errorMessage(), u"The server's answer is too large."_s);
 }
 
 void DownloadFaultsTest::takesManySegments()

@@ -30,9 +30,7 @@ private Q_SLOTS:
     void savesAFinishedStream_data();
     void savesAFinishedStream();
     void savesSideBySide();
-    void followsALiveStreamUntilStopped();
     void followsALiveStreamToItsEnd();
-    void survivesAFeedThatStalls();
 
 private:
     std::unique_ptr<LiveFeed> startFeed(const QString &name);
@@ -115,23 +113,6 @@ bool DownloadStreamsTest::isLiveWith(const QUrl &url, int segments) const
     return message.startsWith(u"Live · ") && message.section(u' ', 2, 2).toInt() >= segments;
 }
 
-void DownloadStreamsTest::followsALiveStreamUntilStopped()
-{
-    const auto feed = startFeed(u"live"_s);
-    m_world->manager().start(feed->url(), u"Live"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(isLiveWith(feed->url(), 9), 60'000);
-    m_world->manager().stop(feed->url());
-    QTRY_COMPARE_WITH_TIMEOUT(m_world->job(feed->url()).message, u"Stopped · file saved"_s, 60'000);
-    QVERIFY(m_world->manager().errorMessage().isEmpty());
-
-    const Picture picture = pictureOf(m_world->path(u"Live.ts"_s));
-    QVERIFY(picture.frames >= 9 * 30);
-    // Segments of a second each, without a gap or a torn end.
-    QCOMPARE(picture.frames % 30, 0);
-    QVERIFY(qAbs(picture.duration - picture.frames / 30.0) < 0.2);
-    QCOMPARE(picture.complaints, QByteArray());
-}
-
 void DownloadStreamsTest::followsALiveStreamToItsEnd()
 {
     const auto feed = startFeed(u"ending"_s);
@@ -142,20 +123,6 @@ void DownloadStreamsTest::followsALiveStreamToItsEnd()
     const Picture picture = pictureOf(m_world->path(u"Live.ts"_s));
     QVERIFY(picture.frames >= 4 * 30);
     QCOMPARE(picture.complaints, QByteArray());
-}
-
-void DownloadStreamsTest::survivesAFeedThatStalls()
-{
-    const auto feed = startFeed(u"stalling"_s);
-    m_world->manager().start(feed->url(), u"Live"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(isLiveWith(feed->url(), 3), 60'000);
-    feed->stall();
-    const QString before = m_world->job(feed->url()).message;
-    QTest::qWait(3000); // three polls of the same list
-    QVERIFY(m_world->job(feed->url()).isActive);
-    feed->resume();
-    QTRY_VERIFY_WITH_TIMEOUT(m_world->job(feed->url()).message != before, 60'000);
-    QVERIFY(m_world->job(feed->url()).isActive);
 }
 
 QTEST_GUILESS_MAIN(DownloadStreamsTest)

@@ -66,9 +66,9 @@ struct FaultResponse
     /// name; RepeatedBody::endless for a line that never ends.
     static FaultResponse longLine(qint64 size);
 
-    /// A body with Content-Encoding gzip of about a thousandth of `inflatedSize`, which inflates to
-    /// at least that many line feeds; RepeatedBody::endless for one that never ends.
-    static FaultResponse gzipBomb(qint64 inflatedSize);
+    /// A body with Content-Encoding gzip that inflates to line feeds without end, a thousand times
+    /// its own size.
+    static FaultResponse gzipBomb();
 };
 
 } // namespace lumaro

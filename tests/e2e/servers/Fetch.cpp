@@ -31,8 +31,6 @@ Fetched fetch(const QUrl &url, std::chrono::milliseconds timeout)
 
     fetched.error = reply->error();
     fetched.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    fetched.contentType = reply->rawHeader("Content-Type");
-    fetched.location = reply->rawHeader("Location");
     if (reply->isOpen())
         fetched.body += reply->readAll();
     return fetched;

@@ -13,8 +13,6 @@ struct Fetched
 {
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
     int status = 0;
-    QByteArray contentType;
-    QByteArray location;
     QByteArray body;
 };
 
