@@ -30,8 +30,9 @@ constexpr bool isSanitized = false;
 /// times slower.
 constexpr std::chrono::milliseconds longestSilence = isSanitized ? 40s : 10s;
 
-/// In kilobytes: what lists of 200,000 channels, pictures and pages leave in the allocator's pieces
-/// and the browser's caches. Eight megabytes have been seen in four minutes.
+/// In kilobytes: what the software renderer takes for windows of other sizes than before, what the
+/// browser keeps, and gaps between the allocator's pieces. In runs of 15 minutes between 1 and 30
+/// megabytes have been seen, next to nothing of which this program itself had allocated.
 constexpr qint64 memoryBound = 60 * 1024;
 /// Minutes after its start, once, the browser opens another database, of eight files, for each of
 /// its two profiles; besides, clients keep a few connections for the next request.
