@@ -80,6 +80,7 @@ void settleProcess()
 void shareAllocatorAreas()
 {
 #ifdef __GLIBC__
+    // No other thread runs yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
     mallopt(M_ARENA_MAX, 2);
 #endif
 }
