@@ -286,9 +286,12 @@ void Application::followWindow(QQuickWindow &window)
          {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
         QObject::connect(&window, moved, &m_window, note);
     QObject::connect(&window, &QWindow::visibilityChanged, &m_window, note);
+    m_window.windowIsMaximized(window.visibility() == QWindow::Maximized);
     // QML is not told of every change that the desktop makes.
     QObject::connect(&window, &QWindow::visibilityChanged, &m_window,
                      [this, &window](QWindow::Visibility visibility) {
+                         if (visibility == QWindow::Windowed || visibility == QWindow::Maximized)
+                             m_window.windowIsMaximized(visibility == QWindow::Maximized);
                          m_window.windowFillsScreen(visibility == QWindow::FullScreen);
                          // A pointer that lies still says nothing of itself.
                          m_window.scheduleCursorHideIfNeeded(&window);

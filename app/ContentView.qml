@@ -174,15 +174,36 @@ FocusScope {
             }
         }
 
-        Loader {
+        Column {
             anchors {
                 top: topBar.bottom
                 topMargin: Theme.spacing * 2
                 horizontalCenter: parent.horizontalCenter
             }
             width: Math.min(parent.width - Theme.spacing * 8, 480)
-            active: root.recording.notice !== ""
-            sourceComponent: RecordingNotice { recording: root.recording }
+            spacing: Theme.spacing * 2
+
+            Loader {
+                readonly property bool shown: root.shell.pictureError !== ""
+
+                width: parent.width
+                // Made and announced once, however often it comes back.
+                active: root.player.errorMessage !== "" && (shown || item)
+                opacity: shown ? 1 : 0
+                visible: opacity > 0
+                Behavior on opacity { NumberAnimation { duration: Theme.durationShort } }
+                sourceComponent: PictureError {
+                    objectName: "pictureError"
+                    text: root.player.errorMessage
+                    onDismissed: root.player.dismissError()
+                }
+            }
+            Loader {
+                width: parent.width
+                active: root.recording.notice !== ""
+                visible: active
+                sourceComponent: RecordingNotice { recording: root.recording }
+            }
         }
 
         Toast {
@@ -200,7 +221,7 @@ FocusScope {
 
         anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
         width: Math.min(Theme.roomFor(340, 10), Math.max(root.leastSidebarWidth, root.width - root.leastStageWidth), root.width * 0.45)
-        visible: root.shell.sidebarVisible && !root.shell.isFullScreen
+        visible: root.shell.sidebarShown
         player: root.player
         shell: root.shell
         channels: root.channels

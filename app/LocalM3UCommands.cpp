@@ -36,13 +36,17 @@ LocalM3UCommands::LocalM3UCommands(LocalM3UModel &library, QObject *parent)
     m_all.append(saveCurrent);
     connect(&library, &LocalM3UModel::currentChanged, saveCurrent, &MenuCommand::titleChanged);
     connect(&library, &LocalM3UModel::currentChanged, saveCurrent, &MenuCommand::isEnabledChanged);
+    MenuCommand *const search = make(
+        tr("Search Channels and Links"), QStringLiteral("Ctrl+F"), [&library] { library.search(); },
+        [&library] { return library.canSearch(); });
+    connect(&library, &LocalM3UModel::canSearchChanged, search, &MenuCommand::isEnabledChanged);
     make(tr("Add Link…"), QStringLiteral("Ctrl+N"), [&library] { library.add(); });
 
     MenuCommand *const undo = make(
-        tr("Undo"), QStringLiteral("Ctrl+Z"), [history] { history->undo(); },
+        tr("Undo"), QStringLiteral("Ctrl+Z"), [&library] { library.undo(); },
         [history] { return history->canUndo(); }, true);
     MenuCommand *const redo = make(
-        tr("Redo"), QStringLiteral("Ctrl+Shift+Z"), [history] { history->redo(); },
+        tr("Redo"), QStringLiteral("Ctrl+Shift+Z"), [&library] { library.redo(); },
         [history] { return history->canRedo(); });
     for (MenuCommand *command : {undo, redo})
         connect(history, &LocalM3UHistory::changed, command, &MenuCommand::isEnabledChanged);

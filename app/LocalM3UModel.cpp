@@ -28,6 +28,11 @@ bool isForTheRecognisers(const QUrl &url)
         || OKVideoContent::fromUrl(url);
 }
 
+QUrl droppedUrl(const QList<QUrl> &urls, const QString &text)
+{
+    return urls.value(0, QUrl(text.trimmed(), QUrl::StrictMode));
+}
+
 } // namespace
 
 QString exportFileName(QDate day)
@@ -48,7 +53,12 @@ LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
 {
     connect(&m_store, &LocalM3UStore::loaded, this, &LocalM3UModel::currentChanged);
     connect(&m_store, &LocalM3UStore::entriesChanged, this, &LocalM3UModel::currentChanged);
-    connect(&m_store, &LocalM3UStore::entriesChanged, this, [this] { setImportError({}); });
+    connect(&m_store, &LocalM3UStore::entriesChanged, this, [this] {
+        setImportError({});
+        // All that the user was asked about is not all any more.
+        if (m_question == Question::DeleteAll)
+            disagree();
+    });
     connect(&m_store, &LocalM3UStore::errorMessageChanged, this,
             &LocalM3UModel::errorMessageChanged);
     connect(&m_store, &LocalM3UStore::storingFailed, this,
@@ -57,6 +67,8 @@ LocalM3UModel::LocalM3UModel(const Parts &parts, QObject *parent)
         m_list.setCurrentURL(m_player.currentURL());
         Q_EMIT currentChanged();
     });
+    connect(&m_player, &PlayerModel::playlistChanged, this, &LocalM3UModel::canSearchChanged);
+    connect(&m_list, &LocalM3UListModel::countChanged, this, &LocalM3UModel::canSearchChanged);
     connect(&m_editor, &LocalM3UEditor::saved, this, &LocalM3UModel::storeEdited);
 }
 
@@ -88,6 +100,45 @@ void LocalM3UModel::show()
 {
     m_window.revealSidebar(MainWindowModel::PlayerSidebarSection::localM3U);
     Q_EMIT focusRequested();
+}
+
+bool LocalM3UModel::isInSight() const
+{
+    return m_window.sidebarShown() && m_window.showsLocalM3U();
+}
+
+bool LocalM3UModel::canSearch() const
+{
+    return !m_player.playlist().isEmpty() || m_list.count() > 0;
+}
+
+void LocalM3UModel::search()
+{
+    if (m_list.count() > 0 && (isInSight() || m_player.playlist().isEmpty())) {
+        show();
+        return;
+    }
+    m_window.revealSidebar(MainWindowModel::PlayerSidebarSection::network);
+    Q_EMIT m_window.channelSearchRequested();
+}
+
+void LocalM3UModel::undo()
+{
+    m_history.undo();
+    tellUnseen(tr("Undone in Local M3U, which has %1 now."));
+}
+
+void LocalM3UModel::redo()
+{
+    m_history.redo();
+    tellUnseen(tr("Redone in Local M3U, which has %1 now."));
+}
+
+void LocalM3UModel::tellUnseen(const QString &change)
+{
+    if (!isInSight())
+        m_player.showToast(change.arg(linkCount(m_store.entries().size())),
+                           PlayerModel::toastDuration);
 }
 
 // One link
@@ -292,14 +343,31 @@ void LocalM3UModel::importLocalPlaylist()
 
 bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
 {
-    const QUrl url = urls.value(0, QUrl(text.trimmed(), QUrl::StrictMode));
-    if (url.isLocalFile() && isChannelListFile(url))
+    const QUrl url = droppedUrl(urls, text);
+    switch (dropAction(urls, text)) {
+    case NothingDropped:
+        return false;
+    case ImportDropped:
         importFrom(url);
-    else if (url.scheme() == u"http" || url.scheme() == u"https")
+        return true;
+    case AddDropped:
         m_editor.beginAdding(url.toString(QUrl::FullyEncoded));
-    else
+        return true;
+    case PlayDropped:
         return m_window.openDropped(urls, text);
-    return true;
+    }
+    Q_UNREACHABLE();
+}
+
+LocalM3UModel::DropAction LocalM3UModel::dropAction(const QList<QUrl> &urls,
+                                                    const QString &text) const
+{
+    const QUrl url = droppedUrl(urls, text);
+    if (url.isLocalFile() && isChannelListFile(url))
+        return ImportDropped;
+    if (url.scheme() == u"http" || url.scheme() == u"https")
+        return AddDropped;
+    return urls.isEmpty() && text.trimmed().isEmpty() ? NothingDropped : PlayDropped;
 }
 
 Task<> LocalM3UModel::chooseAndImport()

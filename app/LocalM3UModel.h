@@ -35,8 +35,14 @@ class LocalM3UModel : public QObject
     Q_PROPERTY(bool canSaveCurrent READ canSaveCurrent NOTIFY currentChanged)
     /// What is in the player is in the library.
     Q_PROPERTY(bool isCurrentSaved READ isCurrentSaved NOTIFY currentChanged)
+    /// There are channels or links.
+    Q_PROPERTY(bool canSearch READ canSearch NOTIFY canSearchChanged)
 
 public:
+    /// What a drop on the library does.
+    enum DropAction { NothingDropped, ImportDropped, AddDropped, PlayDropped };
+    Q_ENUM(DropAction)
+
     struct Parts
     {
         LocalM3UStore &store;
@@ -63,6 +69,7 @@ public:
     const QString &exportError() const { return m_exportError; }
     bool canSaveCurrent() const;
     bool isCurrentSaved() const;
+    bool canSearch() const;
 
     /// Plays the link at `row`.
     Q_INVOKABLE void play(int row);
@@ -72,7 +79,11 @@ public:
     Q_INVOKABLE void edit(int row);
     Q_INVOKABLE QString addressAt(int row) const;
 
-    // Ask first.
+    // In place of the history's own: they tell of what is not in sight.
+    void undo();
+    void redo();
+
+    // Ask first. The question whether to delete all is withdrawn when the library changes.
     Q_INVOKABLE void remove(int row);
     Q_INVOKABLE void removeAll();
     Q_INVOKABLE void agree();
@@ -88,6 +99,8 @@ public:
     /// What was dropped on the library: an M3U file becomes the library, an address is offered for
     /// adding, anything else plays. False when there is nothing in it.
     Q_INVOKABLE bool drop(const QList<QUrl> &urls, const QString &text);
+    /// What drop() would do.
+    Q_INVOKABLE DropAction dropAction(const QList<QUrl> &urls, const QString &text) const;
     /// Asks for a file and writes the library to it as M3U.
     Q_INVOKABLE void exportLocalPlaylistAsM3U();
     Q_INVOKABLE void closeExportError();
@@ -95,12 +108,16 @@ public:
 
     /// Shows the library in the sidebar.
     Q_INVOKABLE void show();
+    /// Puts the keyboard into the search over the library, if that is in sight, or else over the
+    /// channels; over the one that there is.
+    void search();
 
 Q_SIGNALS:
     void errorMessageChanged();
     void questionChanged();
     void exportErrorChanged();
     void currentChanged();
+    void canSearchChanged();
     /// The library's list should have the keyboard.
     void focusRequested();
 
@@ -109,6 +126,8 @@ private:
 
     PlaylistEntry entryWithId(const QUuid &id) const;
     void ask(Question question, const QUuid &id);
+    bool isInSight() const;
+    void tellUnseen(const QString &change);
     void storeEdited(const PlaylistEntry &entry);
     void notifySaved();
     Task<> chooseAndImport();

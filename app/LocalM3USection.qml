@@ -206,7 +206,10 @@ Item {
     DropArea {
         id: dropArea
 
+        property int action: LocalM3UModel.NothingDropped
+
         anchors.fill: parent
+        onEntered: drag => action = root.library.dropAction(drag.urls, drag.hasText ? drag.text : "")
         onDropped: drop => {
             if (root.library.drop(drop.urls, drop.hasText ? drop.text : ""))
                 drop.accept(Qt.CopyAction);
@@ -214,7 +217,7 @@ Item {
     }
     Rectangle {
         anchors { fill: parent; margins: Theme.spacing * 2 }
-        visible: dropArea.containsDrag
+        visible: dropArea.containsDrag && dropArea.action !== LocalM3UModel.NothingDropped
         radius: Theme.radiusLarge
         color: Theme.overlay
         border { width: 2; color: Theme.accent }
@@ -222,8 +225,11 @@ Item {
         EmptyState {
             anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
             onOverlay: true
-            iconName: "import"
-            title: qsTr("Drop to import")
+            iconName: dropArea.action === LocalM3UModel.ImportDropped ? "import"
+                    : dropArea.action === LocalM3UModel.AddDropped ? "plus" : "open"
+            title: dropArea.action === LocalM3UModel.ImportDropped ? qsTr("Drop to import")
+                 : dropArea.action === LocalM3UModel.AddDropped ? qsTr("Drop to add")
+                 : qsTr("Drop to play")
         }
     }
 

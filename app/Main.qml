@@ -30,8 +30,6 @@ Window {
     required property string webPlayerFolder
     required property string webPlayerCacheFolder
 
-    property bool wasMaximized: false
-
     width: 1120
     height: 700
     minimumWidth: Math.max(560, content.leastWidth)
@@ -65,14 +63,12 @@ Window {
         function onIsFullScreenChanged() {
             if (window.shell.isFullScreen === (window.visibility === Window.FullScreen))
                 return;
-            if (window.shell.isFullScreen) {
-                window.wasMaximized = window.visibility === Window.Maximized;
+            if (window.shell.isFullScreen)
                 window.showFullScreen();
-            } else if (window.wasMaximized) {
+            else if (window.shell.wasMaximized)
                 window.showMaximized();
-            } else {
+            else
                 window.showNormal();
-            }
         }
     }
 

@@ -42,6 +42,7 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     , m_controlsHideTask(scheduler)
     , m_cursorHideTask(scheduler)
     , m_openingTask(scheduler)
+    , m_errorHideTask(scheduler)
 {
     m_sidebarVisible = defaults.data(sidebarVisibleKey()) != "false";
     const QByteArray mode = defaults.data(displayModeKey()).value_or(QByteArray());
@@ -70,14 +71,35 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
         if (m_playsOn)
             playChannel(channelBeside(+1));
     });
-    connect(&player, &PlayerModel::playlistChanged, this, [this] {
-        m_playsOn = false;
-        setCurrentChannel(-1);
-        if (m_player.playlist().isEmpty() || m_keepsSection)
-            return;
-        setSidebarSection(PlayerSidebarSection::network);
-        setSidebarVisible(true);
-    });
+    connect(&player, &PlayerModel::playlistChanged, this, &MainWindowModel::observePlaylist);
+    connect(&player, &PlayerModel::errorMessageChanged, this, &MainWindowModel::observeError);
+    for (const auto changed : {&PlayerModel::playlistChanged, &PlayerModel::errorMessageChanged,
+                               &PlayerModel::currentURLChanged, &PlayerModel::isLoadingChanged,
+                               &PlayerModel::showsWebContentChanged})
+        connect(&player, changed, this, &MainWindowModel::updateCanClearNetwork);
+    connect(this, &MainWindowModel::addressTextChanged, this,
+            &MainWindowModel::updateCanClearNetwork);
+    for (const auto changed :
+         {&MainWindowModel::sidebarShownChanged, &MainWindowModel::sidebarSectionChanged,
+          &MainWindowModel::controlsVisibleChanged})
+        connect(this, changed, this, &MainWindowModel::updatePictureError);
+}
+
+void MainWindowModel::observePlaylist()
+{
+    m_playsOn = false;
+    setCurrentChannel(-1);
+    const PlaylistEntries &playlist = m_player.playlist();
+    if (playlist.isEmpty() || m_keepsSection)
+        return;
+    setSidebarSection(PlayerSidebarSection::network);
+    setSidebarVisible(true);
+    // Files that were opened together, which nobody had to load, are seen playing.
+    if (!sidebarShown() && m_player.isLoading())
+        m_player.showToast(playlist.size() == 1 ? tr("Opened a list of 1 channel.")
+                                                : tr("Opened a list of %Ln channels.", nullptr,
+                                                     int(playlist.size())),
+                           PlayerModel::toastDuration);
 }
 
 void MainWindowModel::setSidebarVisible(bool visible)
@@ -87,6 +109,16 @@ void MainWindowModel::setSidebarVisible(bool visible)
     m_sidebarVisible = visible;
     m_storedSidebar.write([visible] { return QByteArray(visible ? "true" : "false"); });
     Q_EMIT sidebarVisibleChanged();
+    if (!m_isFullScreen)
+        Q_EMIT sidebarShownChanged();
+}
+
+void MainWindowModel::toggleSidebar()
+{
+    if (sidebarShown())
+        setSidebarVisible(false);
+    else
+        revealSidebar(m_sidebarSection);
 }
 
 void MainWindowModel::setSidebarSection(PlayerSidebarSection section)
@@ -142,7 +174,11 @@ void MainWindowModel::setIsFullScreen(bool fullScreen)
 {
     if (m_isFullScreen == fullScreen)
         return;
-    m_fullScreenTask.start(fullScreenPatience, [this] { applyFullScreen(m_windowFillsScreen); });
+    m_fullScreenTask.start(fullScreenPatience, [this] {
+        if (!m_windowFillsScreen)
+            setWasMaximized(m_windowIsMaximized);
+        applyFullScreen(m_windowFillsScreen);
+    });
     applyFullScreen(fullScreen);
 }
 
@@ -151,6 +187,22 @@ void MainWindowModel::windowFillsScreen(bool fills)
     m_windowFillsScreen = fills;
     if (!m_fullScreenTask.isPending())
         applyFullScreen(fills);
+}
+
+void MainWindowModel::windowIsMaximized(bool maximized)
+{
+    m_windowIsMaximized = maximized;
+    // On its way into full screen and out of it, it may be anything.
+    if (!m_fullScreenTask.isPending())
+        setWasMaximized(maximized);
+}
+
+void MainWindowModel::setWasMaximized(bool maximized)
+{
+    if (m_wasMaximized == maximized)
+        return;
+    m_wasMaximized = maximized;
+    Q_EMIT wasMaximizedChanged();
 }
 
 void MainWindowModel::applyFullScreen(bool fullScreen)
@@ -163,6 +215,8 @@ void MainWindowModel::applyFullScreen(bool fullScreen)
         setCursorHidden(false);
     }
     Q_EMIT isFullScreenChanged();
+    if (m_sidebarVisible)
+        Q_EMIT sidebarShownChanged();
     showFullScreenControls();
 }
 
@@ -182,11 +236,13 @@ void MainWindowModel::openAddress(const QString &address)
     m_player.openRemote(address, optionalName(m_displayNameShown, m_displayName));
 }
 
-void MainWindowModel::openTypedAddress()
+bool MainWindowModel::openTypedAddress()
 {
     m_autoOpenTask.cancel();
-    if (!m_addressText.trimmed().isEmpty())
-        openAddress(m_addressText);
+    if (m_addressText.trimmed().isEmpty())
+        return true;
+    openAddress(m_addressText);
+    return m_player.errorMessage().isEmpty();
 }
 
 void MainWindowModel::clearNetwork()
@@ -194,6 +250,17 @@ void MainWindowModel::clearNetwork()
     setAddressText(QString());
     setDisplayName(QString());
     m_player.clearNetworkStream();
+}
+
+void MainWindowModel::updateCanClearNetwork()
+{
+    const bool can = !m_addressText.isEmpty() || !m_player.playlist().isEmpty()
+        || !m_player.currentURL().isEmpty() || !m_player.errorMessage().isEmpty()
+        || m_player.isLoading() || m_player.showsWebContent();
+    if (m_canClearNetwork == can)
+        return;
+    m_canClearNetwork = can;
+    Q_EMIT canClearNetworkChanged();
 }
 
 void MainWindowModel::open(const QStringList &filesAndAddresses, const QString &workingFolder)
@@ -412,6 +479,26 @@ void MainWindowModel::setPictureNotice(const QString &notice)
         return;
     m_pictureNotice = notice;
     Q_EMIT pictureNoticeChanged();
+}
+
+void MainWindowModel::observeError()
+{
+    m_errorIsTheLibrarys = m_keepsSection;
+    m_errorHideTask.cancel();
+    if (!m_player.errorMessage().isEmpty())
+        m_errorHideTask.start(errorHideDelay, [this] { updatePictureError(); });
+    updatePictureError();
+}
+
+void MainWindowModel::updatePictureError()
+{
+    const bool isToldBeside = sidebarShown() && (!showsLocalM3U() || m_errorIsTheLibrarys);
+    const bool isWanted = m_controlsVisible || m_errorHideTask.isPending();
+    const QString error = isWanted && !isToldBeside ? m_player.errorMessage() : QString();
+    if (m_pictureError == error)
+        return;
+    m_pictureError = error;
+    Q_EMIT pictureErrorChanged();
 }
 
 QString MainWindowModel::noticeFor(MediaPlayer::ItemFailure failure) const

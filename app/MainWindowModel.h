@@ -19,6 +19,8 @@ class MainWindowModel : public QObject
     Q_OBJECT
     Q_PROPERTY(bool sidebarVisible READ sidebarVisible WRITE setSidebarVisible NOTIFY
                    sidebarVisibleChanged)
+    /// The sidebar is wanted and there is a place for it, which full screen has not.
+    Q_PROPERTY(bool sidebarShown READ sidebarShown NOTIFY sidebarShownChanged)
     Q_PROPERTY(PlayerSidebarSection sidebarSection READ sidebarSection WRITE setSidebarSection
                    NOTIFY sidebarSectionChanged)
     /// The same as a yes or no.
@@ -29,10 +31,14 @@ class MainWindowModel : public QObject
     Q_PROPERTY(QString displayName READ displayName WRITE setDisplayName NOTIFY displayNameChanged)
     Q_PROPERTY(bool displayNameShown READ displayNameShown WRITE setDisplayNameShown NOTIFY
                    displayNameShownChanged)
+    /// There is something that clearNetwork() forgets or ends.
+    Q_PROPERTY(bool canClearNetwork READ canClearNetwork NOTIFY canClearNetworkChanged)
     /// How the picture is shown; kept for the next start.
     Q_PROPERTY(lumaro::PortraitDisplayMode displayMode READ displayMode WRITE setDisplayMode NOTIFY
                    displayModeChanged)
     Q_PROPERTY(bool isFullScreen READ isFullScreen WRITE setIsFullScreen NOTIFY isFullScreenChanged)
+    /// The window was maximised before it filled the screen.
+    Q_PROPERTY(bool wasMaximized READ wasMaximized NOTIFY wasMaximizedChanged)
     /// The controls over the picture are wanted now.
     Q_PROPERTY(bool controlsVisible READ controlsVisible NOTIFY controlsVisibleChanged)
     /// The pointer or the keyboard is on the controls, so they must stay.
@@ -45,6 +51,9 @@ class MainWindowModel : public QObject
     Q_PROPERTY(int currentChannel READ currentChannel NOTIFY currentChannelChanged)
     /// One sentence in place of a picture that cannot be shown; empty for none.
     Q_PROPERTY(QString pictureNotice READ pictureNotice NOTIFY pictureNoticeChanged)
+    /// The player's error, over the picture where the sidebar does not show it: for a while, then
+    /// with the controls; empty for none.
+    Q_PROPERTY(QString pictureError READ pictureError NOTIFY pictureErrorChanged)
 
 public:
     enum class PlayerSidebarSection { network, localM3U };
@@ -54,6 +63,8 @@ public:
     static constexpr std::chrono::milliseconds openingDelay{450};
     static constexpr std::chrono::milliseconds controlsHideDelay{2500};
     static constexpr std::chrono::milliseconds cursorHideDelay{2000};
+    /// How long an error stays without the controls.
+    static constexpr std::chrono::milliseconds errorHideDelay{8000};
     /// How long the desktop may take to make the window fill the screen, or not any more.
     static constexpr std::chrono::milliseconds fullScreenPatience{1000};
 
@@ -64,6 +75,9 @@ public:
 
     bool sidebarVisible() const { return m_sidebarVisible; }
     void setSidebarVisible(bool visible);
+    bool sidebarShown() const { return m_sidebarVisible && !m_isFullScreen; }
+    /// Shows the sidebar, for which the window leaves full screen, or hides it.
+    Q_INVOKABLE void toggleSidebar();
     PlayerSidebarSection sidebarSection() const { return m_sidebarSection; }
     void setSidebarSection(PlayerSidebarSection section);
     bool showsLocalM3U() const { return m_sidebarSection == PlayerSidebarSection::localM3U; }
@@ -73,10 +87,12 @@ public:
     void setDisplayName(const QString &name);
     bool displayNameShown() const { return m_displayNameShown; }
     void setDisplayNameShown(bool shown);
+    bool canClearNetwork() const { return m_canClearNetwork; }
     PortraitDisplayMode displayMode() const { return m_displayMode; }
     void setDisplayMode(PortraitDisplayMode mode);
     bool isFullScreen() const { return m_isFullScreen; }
     void setIsFullScreen(bool fullScreen);
+    bool wasMaximized() const { return m_wasMaximized; }
     bool controlsVisible() const;
     bool controlsInUse() const { return m_controlsInUse; }
     void setControlsInUse(bool inUse);
@@ -84,8 +100,10 @@ public:
     bool isOpening() const { return m_isOpening; }
     int currentChannel() const { return m_currentChannel; }
     const QString &pictureNotice() const { return m_pictureNotice; }
+    const QString &pictureError() const { return m_pictureError; }
 
-    /// A playlist that arrives does not bring its section up; to be ended when it has arrived.
+    /// A playlist that arrives does not bring its section up, and an error is told where it was
+    /// asked for; to be ended when it has arrived.
     void setKeepsSection(bool keeps) { m_keepsSection = keeps; }
 
     /// Shows the sidebar with `section`; out of full screen, where there is no place for it.
@@ -93,14 +111,16 @@ public:
 
     /// Opens `text` after a pause, unless another call comes first or it is no complete address.
     void scheduleAutomaticOpen(const QString &text);
-    /// Opens the address field's text at once, complete or not.
-    Q_INVOKABLE void openTypedAddress();
+    /// Opens the address field's text at once, complete or not. False when it is no address.
+    Q_INVOKABLE bool openTypedAddress();
     /// Forgets the typed address and everything that came from the network.
     Q_INVOKABLE void clearNetwork();
 
     /// The desktop tells whether the window fills the screen. What it tells of an older wish counts
     /// only if it does not come to the newest.
     void windowFillsScreen(bool fills);
+    /// The desktop tells whether the window is maximised while it does not fill the screen.
+    void windowIsMaximized(bool maximized);
 
     Q_INVOKABLE void showFullScreenControls();
     /// Hides the pointer after a pause in `window` if that is still the key window then.
@@ -125,20 +145,26 @@ public:
 
 Q_SIGNALS:
     void sidebarVisibleChanged();
+    void sidebarShownChanged();
     void sidebarSectionChanged();
     void addressTextChanged();
     void displayNameChanged();
     void displayNameShownChanged();
+    void canClearNetworkChanged();
     void displayModeChanged();
     void isFullScreenChanged();
+    void wasMaximizedChanged();
     void controlsVisibleChanged();
     void controlsInUseChanged();
     void cursorHiddenChanged();
     void isOpeningChanged();
     void currentChannelChanged();
     void pictureNoticeChanged();
+    void pictureErrorChanged();
     /// The user should be able to type an address now.
     void addressFieldRequested();
+    /// The user should be able to search the channels now.
+    void channelSearchRequested();
     /// The picture should move behind its column: by `amount` of the way from its middle to an
     /// edge, to the right if positive.
     void panRequested(double amount);
@@ -149,7 +175,12 @@ private:
     void openFile(const QUrl &file);
     bool isForbidden(const QUrl &channel) const;
     void openAddress(const QString &address);
+    void observeError();
+    void observePlaylist();
+    void updateCanClearNetwork();
+    void updatePictureError();
     void applyFullScreen(bool fullScreen);
+    void setWasMaximized(bool maximized);
     void updateControlsVisible();
     void setCursorHidden(bool hidden);
     void forgetItem();
@@ -167,9 +198,12 @@ private:
     QString m_addressText;
     QString m_displayName;
     bool m_displayNameShown = false;
+    bool m_canClearNetwork = false;
     PortraitDisplayMode m_displayMode = PortraitDisplayMode::normal;
     bool m_isFullScreen = false;
     bool m_windowFillsScreen = false;
+    bool m_windowIsMaximized = false;
+    bool m_wasMaximized = false;
     bool m_controlsShown = true;
     bool m_controlsInUse = false;
     bool m_controlsVisible = true;
@@ -179,11 +213,16 @@ private:
     /// The playlist's files were opened together.
     bool m_playsOn = false;
     QString m_pictureNotice;
+    QString m_pictureError;
+    /// The library's section tells it.
+    bool m_errorIsTheLibrarys = false;
     DelayedTask m_autoOpenTask;
     DelayedTask m_fullScreenTask;
     DelayedTask m_controlsHideTask;
     DelayedTask m_cursorHideTask;
     DelayedTask m_openingTask;
+    /// Pending while an error is new.
+    DelayedTask m_errorHideTask;
 };
 
 } // namespace lumaro

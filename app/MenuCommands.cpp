@@ -105,11 +105,10 @@ MenuCommands::MenuCommands(PlayerModel &player, MainWindowModel &window, Downloa
     connect(&player, &PlayerModel::isMutedChanged, mute, &MenuCommand::titleChanged);
     m_playback << mute;
 
-    MenuCommand *sidebar = make(
-        {[&window] { return window.sidebarVisible() ? tr("Hide Sidebar") : tr("Show Sidebar"); },
-         QStringLiteral("Ctrl+B"),
-         [&window] { window.setSidebarVisible(!window.sidebarVisible()); }});
-    connect(&window, &MainWindowModel::sidebarVisibleChanged, sidebar, &MenuCommand::titleChanged);
+    MenuCommand *sidebar =
+        make({[&window] { return window.sidebarShown() ? tr("Hide Sidebar") : tr("Show Sidebar"); },
+              QStringLiteral("Ctrl+B"), [&window] { window.toggleSidebar(); }});
+    connect(&window, &MainWindowModel::sidebarShownChanged, sidebar, &MenuCommand::titleChanged);
     MenuCommand *fullScreen = make(
         {[&window] {
              return window.isFullScreen() ? tr("Exit Full Screen") : tr("Enter Full Screen");

@@ -13,6 +13,14 @@ FocusScope {
     required property LocalM3UModel library
     signal dismissed()
 
+    // What is no address is to be mended.
+    function openTyped(): void {
+        if (shell.openTypedAddress())
+            dismissed();
+        else
+            addressField.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
     // Keys must not go on typing into a field that nobody sees.
     onVisibleChanged: if (!visible && activeFocus) dismissed()
 
@@ -34,10 +42,7 @@ FocusScope {
             text: root.shell.addressText
             onTextEdited: root.shell.addressText = text
             onCleared: root.shell.addressText = ""
-            onAccepted: {
-                root.shell.openTypedAddress();
-                root.dismissed();
-            }
+            onAccepted: root.openTyped()
             Keys.onEscapePressed: root.dismissed()
             Accessible.name: qsTr("Stream or playlist address")
         }
@@ -51,7 +56,7 @@ FocusScope {
             text: root.shell.displayName
             onTextEdited: root.shell.displayName = text
             onCleared: root.shell.displayName = ""
-            onAccepted: root.shell.openTypedAddress()
+            onAccepted: root.openTyped()
             Keys.onEscapePressed: root.dismissed()
             Accessible.name: qsTr("Movie or playlist name")
         }
@@ -80,8 +85,7 @@ FocusScope {
                 IconButton {
                     iconName: "trash"
                     text: qsTr("Clear address, channels and stream")
-                    enabled: root.shell.addressText !== "" || root.channels.count > 0
-                             || root.player.currentURL.toString() !== ""
+                    enabled: root.shell.canClearNetwork
                     onClicked: root.shell.clearNetwork()
                 }
             }
@@ -101,6 +105,8 @@ FocusScope {
     }
 
     ChannelListView {
+        id: list
+
         anchors {
             left: parent.left; right: parent.right
             top: form.bottom; bottom: parent.bottom
@@ -169,6 +175,10 @@ FocusScope {
         function onAddressFieldRequested() {
             addressField.forceActiveFocus(Qt.ShortcutFocusReason);
             addressField.selectAll();
+        }
+        function onChannelSearchRequested() {
+            if (list.visible)
+                list.takeFocus();
         }
     }
 }

@@ -3,7 +3,7 @@ import Lumaro.App
 import Lumaro.Ui
 
 // What stands over the picture in place of it or above it: the welcome, the one calm sentence,
-// waiting, loading, and the error line while the sidebar is away.
+// waiting and loading.
 Item {
     id: root
 
@@ -71,33 +71,6 @@ Item {
                 text: root.player.isBuffering ? qsTr("Buffering…") : root.isOpening ? qsTr("Opening…") : qsTr("Loading playlist…")
                 color: Theme.textOnOverlay
                 font.pixelSize: Theme.fontBody
-            }
-        }
-    }
-
-    Loader {
-        anchors {
-            top: parent.top
-            topMargin: 64
-            horizontalCenter: parent.horizontalCenter
-        }
-        width: Math.min(parent.width - Theme.spacing * 8, 560)
-        active: root.player.errorMessage !== "" && (!root.shell.sidebarVisible || root.shell.isFullScreen)
-        sourceComponent: Rectangle {
-            implicitHeight: message.implicitHeight + Theme.spacing * 4
-            radius: Theme.radius
-            color: Theme.overlay
-
-            ErrorLine {
-                id: message
-
-                anchors {
-                    left: parent.left; right: parent.right
-                    verticalCenter: parent.verticalCenter
-                    margins: Theme.spacing * 3
-                }
-                onOverlay: true
-                text: root.player.errorMessage
             }
         }
     }

@@ -56,7 +56,7 @@ Item {
                 checked: root.shell.sidebarVisible
                 text: root.shell.sidebarVisible ? qsTr("Hide Sidebar") : qsTr("Show Sidebar")
                 shortcutText: "Ctrl+B"
-                onClicked: root.shell.sidebarVisible = !root.shell.sidebarVisible
+                onClicked: root.shell.toggleSidebar()
             }
             MenuButton {
                 title: qsTr("File")

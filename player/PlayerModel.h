@@ -155,6 +155,10 @@ public:
     void replayLastSourceOrShowToast();
     void discardLastRemoteSource();
     Q_INVOKABLE void clearNetworkStream();
+    Q_INVOKABLE void dismissError()
+    {
+        publish(m_errorMessage, {}, &PlayerModel::errorMessageChanged);
+    }
     void updateStreamTitle(const QString &name);
 
     /// A web player takes commands from now on; what has been told to the one before holds for it.

@@ -23,7 +23,11 @@ void ChannelListModel::setEntries(const PlaylistEntries &entries)
     std::exchange(m_preparation, std::stop_source()).request_stop();
     m_collapsed.clear();
     setCurrentEntry(-1);
+    // What was looked for in the list before says nothing of this one.
+    const bool wasFiltered = !std::exchange(m_filterText, {}).isEmpty();
     show({}, std::make_shared<ChannelIndex>());
+    if (wasFiltered)
+        Q_EMIT filterTextChanged();
     if (!entries.isEmpty())
         prepare(entries, m_preparation.get_token());
 }

@@ -49,7 +49,7 @@ public:
     explicit ChannelListModel(Scheduler &scheduler, QObject *parent = nullptr);
     ~ChannelListModel() override;
 
-    /// Shows `entries` as soon as they are prepared; until then the list is empty.
+    /// Shows all of `entries` as soon as they are prepared; until then the list is empty.
     void setEntries(const PlaylistEntries &entries);
 
     const QString &filterText() const { return m_filterText; }

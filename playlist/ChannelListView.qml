@@ -21,6 +21,10 @@ Item {
     // The user is done here.
     signal dismissed()
 
+    function takeFocus(): void {
+        search.forceActiveFocus(Qt.ShortcutFocusReason);
+        search.selectAll();
+    }
     function move(step: int): void {
         list.currentIndex = channels.rowAfter(list.currentIndex, step);
         list.positionViewAtIndex(list.currentIndex, ListView.Contain);
@@ -97,6 +101,8 @@ Item {
             root.activate(list.currentIndex);
         }
         Keys.onPressed: event => event.accepted = event.accepted || root.steer(event)
+        // Keys must not go on typing into a field that nobody sees.
+        onVisibleChanged: if (!visible && activeFocus) root.dismissed()
         Keys.onEscapePressed: {
             if (text === "")
                 root.dismissed();

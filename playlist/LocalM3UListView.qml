@@ -100,6 +100,8 @@ Item {
             if (event.accepted)
                 root.deleted(root.links.selectedRow);
         }
+        // Keys must not go on typing into a field that nobody sees.
+        onVisibleChanged: if (!visible && activeFocus) root.dismissed()
         Keys.onEscapePressed: {
             if (text === "")
                 root.dismissed();
@@ -132,6 +134,7 @@ Item {
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Local M3U")
 
+        onVisibleChanged: if (!visible && activeFocus) root.dismissed()
         Keys.onPressed: event => root.handleKey(event)
         Keys.onReturnPressed: root.play()
         Keys.onEnterPressed: root.play()

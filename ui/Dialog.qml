@@ -57,6 +57,13 @@ T.Dialog {
     T.Overlay.modal: Rectangle {
         color: Theme.scrim
         Behavior on opacity { NumberAnimation { duration: Theme.durationShort } }
+
+        // What is dropped goes no further: the question was asked about what is there now.
+        DropArea {
+            anchors.fill: parent
+            onEntered: drag => drag.accept(Qt.IgnoreAction)
+            onDropped: drop => drop.accepted = false
+        }
     }
 
     contentItem: FocusScope {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QPointer>
 #include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
@@ -7,7 +8,8 @@
 namespace lumaro {
 
 /// Gives the keyboard's focus back to whoever had it before a popup opened, unless something else
-/// took it on purpose meanwhile.
+/// took it on purpose meanwhile. Popups that open from others, as a dialog from a menu, may close
+/// in any order.
 class FocusReturn : public QObject
 {
     Q_OBJECT
@@ -15,6 +17,7 @@ class FocusReturn : public QObject
 
 public:
     using QObject::QObject;
+    ~FocusReturn() override;
 
     /// To be called before the popup takes the focus; `content` is any item of the popup.
     Q_INVOKABLE void remember(const QQuickItem *content);
@@ -23,7 +26,9 @@ public:
 
 private:
     QPointer<QQuickWindow> m_window;
-    QPointer<QQuickItem> m_item;
+    QPointer<const QQuickItem> m_content;
+    /// Who had the focus; then who had it before the popup in which that one is, and so on.
+    QList<QPointer<QQuickItem>> m_items;
 };
 
 } // namespace lumaro

@@ -68,6 +68,8 @@ struct World : ShellWorld
 
 } // namespace
 
+Q_DECLARE_METATYPE(std::function<void(World &)>)
+
 class LocalM3UModelTest : public QObject
 {
     Q_OBJECT
@@ -88,6 +90,8 @@ private Q_SLOTS:
     void asksBeforeDeleting_data();
     void asksBeforeDeleting();
     void deletesOnlyWhatWasAgreedTo();
+    void deletesNoOtherLibrary_data();
+    void deletesNoOtherLibrary();
     void importReplacesTheLibrary();
     void lastOfTwoImportsCounts();
     void aRequestWhileThePanelIsOpenLosesNothing();
@@ -100,6 +104,9 @@ private Q_SLOTS:
     void namesExportsByTheirDay();
     void saysWhatIsNotStored();
     void commandsFollowTheState();
+    void tellsOfUnseenUndo();
+    void searchesWhatThereIs_data();
+    void searchesWhatThereIs();
 };
 
 void LocalM3UModelTest::savesAChannel()
@@ -371,6 +378,40 @@ void LocalM3UModelTest::deletesOnlyWhatWasAgreedTo()
     QVERIFY(!world.library.history()->canUndo());
 }
 
+void LocalM3UModelTest::deletesNoOtherLibrary_data()
+{
+    QTest::addColumn<std::function<void(World &)>>("change");
+    QTest::addColumn<QString>("left");
+    const auto row = [](const char *name, std::function<void(World &)> change,
+                        const QString &left) { QTest::newRow(name) << change << left; };
+    row(
+        "dropped list",
+        [](World &world) {
+            world.library.drop({world.write(u"new.m3u"_s, "#EXTINF:-1,x\nhttp://h/x\n")}, {});
+            world.scheduler.runBackground();
+        },
+        u"x"_s);
+    row(
+        "saved link", [](World &world) { world.store.save(QUrl(u"http://h/d"_s), u"d"_s); },
+        u"dabc"_s);
+    row("undo", [](World &world) { world.library.undo(); }, QString());
+}
+
+void LocalM3UModelTest::deletesNoOtherLibrary()
+{
+    QFETCH(const std::function<void(World &)>, change);
+    QFETCH(const QString, left);
+    World world;
+    world.set(u"abc"_s);
+    world.library.removeAll();
+    const QSignalSpy questions(&world.library, &LocalM3UModel::questionChanged);
+    change(world);
+    QCOMPARE(world.library.questionText(), QString());
+    QCOMPARE(questions.count(), 1);
+    world.library.agree();
+    QCOMPARE(world.names(), left);
+}
+
 void LocalM3UModelTest::importReplacesTheLibrary()
 {
     World world;
@@ -458,7 +499,7 @@ void LocalM3UModelTest::drops_data()
     QTest::newRow("address") << QString() << u" https://h/x.m3u8\n"_s
                              << u"library a form https://h/x.m3u8"_s;
     QTest::newRow("text") << QString() << u"not an address"_s << u"library a"_s;
-    QTest::newRow("nothing") << QString() << QString() << u"library a refused"_s;
+    QTest::newRow("nothing") << QString() << u" "_s << u"library a refused"_s;
 }
 
 void LocalM3UModelTest::drops()
@@ -470,6 +511,8 @@ void LocalM3UModelTest::drops()
     QList<QUrl> urls;
     if (!file.isEmpty())
         urls.append(world.write(file, "#EXTINF:-1,x\nhttp://h/x\n"));
+    const auto expected = world.library.dropAction(urls, text);
+    QCOMPARE(world.names(), u"a"_s);
     const bool accepted = world.library.drop(urls, text);
     QString outcome = u"library " + world.names();
     if (world.player.currentURL().isLocalFile())
@@ -479,6 +522,10 @@ void LocalM3UModelTest::drops()
     if (!accepted)
         outcome += u" refused";
     QTEST(outcome, "outcome");
+    // It was said before.
+    QCOMPARE(expected == LocalM3UModel::ImportDropped, world.names() == u"x");
+    QCOMPARE(expected == LocalM3UModel::AddDropped, world.library.editor()->isOpen());
+    QCOMPARE(expected == LocalM3UModel::NothingDropped, !accepted);
 }
 
 void LocalM3UModelTest::exports()
@@ -578,13 +625,75 @@ void LocalM3UModelTest::commandsFollowTheState()
     world.player.play(QUrl(u"http://h/a.m3u8"_s), u"a"_s, true);
     commands.all()[1]->trigger();
     QCOMPARE(enabled(),
-             (QStringList{u"Show Local M3U"_s, u"Show in Local M3U"_s, u"Add Link…"_s, u"Undo"_s,
+             (QStringList{u"Show Local M3U"_s, u"Show in Local M3U"_s,
+                          u"Search Channels and Links"_s, u"Add Link…"_s, u"Undo"_s,
                           u"Import M3U File…"_s, u"Export M3U File…"_s, u"Delete All…"_s}));
-    commands.all()[3]->trigger();
-    QCOMPARE(world.names(), QString());
-    commands.all()[3]->trigger();
     commands.all()[4]->trigger();
+    QCOMPARE(world.names(), QString());
+    commands.all()[4]->trigger();
+    commands.all()[5]->trigger();
     QCOMPARE(world.names(), u"a"_s);
+}
+
+void LocalM3UModelTest::tellsOfUnseenUndo()
+{
+    World world;
+    world.set(u"a"_s);
+    world.set(u"abc"_s);
+    world.library.undo();
+    QCOMPARE(world.player.toastMessage(), u"Undone in Local M3U, which has 1 link now."_s);
+    world.library.redo();
+    QCOMPARE(world.player.toastMessage(), u"Redone in Local M3U, which has 3 links now."_s);
+    world.scheduler.advance(PlayerModel::toastDuration);
+    world.library.show();
+    world.library.undo();
+    QCOMPARE(world.names(), u"a"_s);
+    QCOMPARE(world.player.toastMessage(), QString());
+    world.shell.setIsFullScreen(true);
+    world.library.redo();
+    QVERIFY(!world.player.toastMessage().isEmpty());
+}
+
+void LocalM3UModelTest::searchesWhatThereIs_data()
+{
+    QTest::addColumn<bool>("hasChannels");
+    QTest::addColumn<QString>("links");
+    QTest::addColumn<bool>("showsLibrary");
+    QTest::addColumn<QString>("searched"); // empty for nothing
+    QTest::newRow("nothing") << false << QString() << false << QString();
+    QTest::newRow("channels") << true << QString() << false << u"channels"_s;
+    QTest::newRow("links") << false << u"ab"_s << false << u"links"_s;
+    QTest::newRow("both") << true << u"ab"_s << false << u"channels"_s;
+    QTest::newRow("both, the links in sight") << true << u"ab"_s << true << u"links"_s;
+    QTest::newRow("no links in sight") << true << QString() << true << u"channels"_s;
+}
+
+void LocalM3UModelTest::searchesWhatThereIs()
+{
+    QFETCH(const bool, hasChannels);
+    QFETCH(const QString, links);
+    QFETCH(const bool, showsLibrary);
+    QFETCH(const QString, searched);
+    World world;
+    const LocalM3UCommands commands(world.library);
+    if (hasChannels)
+        world.loadPlaylist();
+    world.set(links);
+    QString found;
+    connect(&world.shell, &MainWindowModel::channelSearchRequested, this,
+            [&] { found += u"channels"; });
+    connect(&world.library, &LocalM3UModel::focusRequested, this, [&] { found += u"links"; });
+    for (const bool isSeen : {true, false}) {
+        world.shell.setSidebarSection(showsLibrary ? Section::localM3U : Section::network);
+        world.shell.setSidebarVisible(isSeen || showsLibrary);
+        found.clear();
+        commands.all()[2]->trigger();
+        QCOMPARE(found, searched);
+        if (!searched.isEmpty())
+            QCOMPARE(world.shell.sidebarSection(),
+                     searched == u"links" ? Section::localM3U : Section::network);
+    }
+    QVERIFY(world.shell.sidebarVisible() != searched.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(LocalM3UModelTest)

@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <functional>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
@@ -28,6 +29,8 @@ public:
 
 } // namespace
 
+Q_DECLARE_METATYPE(std::function<void(ShellWorld &)>)
+
 class MainWindowModelTest : public QObject
 {
     Q_OBJECT
@@ -42,6 +45,8 @@ private Q_SLOTS:
     void passesTheOptionalName_data();
     void passesTheOptionalName();
     void clearForgetsThePendingOpen();
+    void clearsWhatThereIs_data();
+    void clearsWhatThereIs();
 
     void controlsHideAfterTheLastShow();
     void controlsStay_data();
@@ -58,14 +63,19 @@ private Q_SLOTS:
     void onlyOwnPlaylistsOpenFiles();
 
     void sidebarFollowsEvents();
+    void fullScreenHidesNothing();
     void remembersTheSidebar();
     void remembersTheDisplayMode();
     void displayModesAreAChoice();
     void olderWishesDoNotComeBack();
     void desktopHasTheLastWord();
+    void remembersThatItWasMaximized();
     void explainsMissingPictures_data();
     void explainsMissingPictures();
     void noticeGoesWithItsCause();
+    void errorsLeaveThePicture();
+    void errorsAreToldOnce_data();
+    void errorsAreToldOnce();
     void saysWhenOpeningTakesLong();
     void menusFollowTheState();
 
@@ -107,14 +117,16 @@ void MainWindowModelTest::neverOpensWithoutAScheme()
 void MainWindowModelTest::enterOpensAtOnce()
 {
     m_world->shell.setAddressText(u"http://host/a.mp4"_s);
-    m_world->shell.openTypedAddress();
+    QVERIFY(m_world->shell.openTypedAddress());
     QCOMPARE(opened().size(), 1);
     m_world->scheduler.advance(10s);
     QCOMPARE(opened().size(), 1);
 
     m_world->shell.setAddressText(u"nonsense"_s);
-    m_world->shell.openTypedAddress();
+    QVERIFY(!m_world->shell.openTypedAddress());
     QCOMPARE(m_world->player.errorMessage(), u"Enter a valid HTTP or HTTPS address."_s);
+    m_world->shell.setAddressText(u" "_s);
+    QVERIFY(m_world->shell.openTypedAddress());
 }
 
 void MainWindowModelTest::passesTheOptionalName_data()
@@ -143,6 +155,47 @@ void MainWindowModelTest::clearForgetsThePendingOpen()
     m_world->scheduler.advance(10s);
     QCOMPARE(opened(), QStringList());
     QCOMPARE(m_world->shell.addressText(), QString());
+}
+
+void MainWindowModelTest::clearsWhatThereIs_data()
+{
+    QTest::addColumn<std::function<void(ShellWorld &)>>("fill");
+    const auto row = [](const char *name, std::function<void(ShellWorld &)> fill) {
+        QTest::newRow(name) << fill;
+    };
+    row("address", [](ShellWorld &world) { world.shell.setAddressText(u"h"_s); });
+    row("film", [](ShellWorld &world) { world.player.playFile(QUrl(u"file:///a.mp4"_s)); });
+    row("list on a dead disk",
+        [](ShellWorld &world) { world.player.importM3UFile(QUrl(u"file:///list.m3u"_s), {}); });
+    row("list on a dead server",
+        [](ShellWorld &world) { world.shell.openDropped({QUrl(u"http://h/list.m3u"_s)}, {}); });
+    row("video of a site",
+        [](ShellWorld &world) { world.shell.openDropped({QUrl(u"https://youtu.be/v"_s)}, {}); });
+    row("error", [](ShellWorld &world) { world.shell.openDropped({}, u"nonsense"_s); });
+    row("channels", [](ShellWorld &world) {
+        const QUrl list(u"http://h/list.m3u"_s);
+        world.player.openRemote(list.toString(), {});
+        world.http.respond(list, 200, "http://h/1.ts\n");
+        world.scheduler.runBackground();
+    });
+}
+
+void MainWindowModelTest::clearsWhatThereIs()
+{
+    QFETCH(const std::function<void(ShellWorld &)>, fill);
+    MainWindowModel &shell = m_world->shell;
+    const PlayerModel &player = m_world->player;
+    QVERIFY(!shell.canClearNetwork());
+    const QSignalSpy changes(&shell, &MainWindowModel::canClearNetworkChanged);
+    fill(*m_world);
+    QVERIFY(shell.canClearNetwork());
+    QCOMPARE(changes.count(), 1);
+    shell.clearNetwork();
+    QVERIFY(!shell.canClearNetwork());
+    QCOMPARE(changes.count(), 2);
+    QVERIFY(!player.isLoading() && !player.showsWebContent() && player.playlist().isEmpty());
+    m_world->scheduler.runBackground();
+    QVERIFY(!shell.canClearNetwork());
 }
 
 void MainWindowModelTest::controlsHideAfterTheLastShow()
@@ -417,6 +470,46 @@ void MainWindowModelTest::sidebarFollowsEvents()
     QCOMPARE(shell.sidebarSection(), Section::network);
 }
 
+void MainWindowModelTest::fullScreenHidesNothing()
+{
+    MainWindowModel &shell = m_world->shell;
+    const MenuCommands commands(m_world->player, shell, m_world->downloads, m_world->recent);
+    MenuCommand *const toggle = commands.view().first();
+    const QUrl list(u"http://h/list.m3u"_s);
+    const auto load = [&](const QByteArray &text) {
+        m_world->player.openRemote(list.toString(), {});
+        m_world->http.respond(list, 200, text);
+        m_world->scheduler.runBackground();
+        return m_world->player.toastMessage();
+    };
+    QCOMPARE(load("http://h/1.ts\n"), QString());
+    QCOMPARE(toggle->title(), u"Hide Sidebar"_s);
+
+    const QSignalSpy shows(&shell, &MainWindowModel::sidebarShownChanged);
+    shell.setIsFullScreen(true);
+    shell.windowFillsScreen(true);
+    QCOMPARE(load("http://h/1.ts\n"), u"Opened a list of 1 channel."_s);
+    QCOMPARE(load("http://h/1.ts\nhttp://h/2.ts\n"), u"Opened a list of 2 channels."_s);
+    m_world->scheduler.advance(PlayerModel::toastDuration);
+    shell.open({u"/a.mp4"_s, u"/b.mp4"_s}, {});
+    QCOMPARE(m_world->player.toastMessage(), QString());
+    QVERIFY(!shell.sidebarShown());
+    QCOMPARE(shows.count(), 1);
+
+    // Its switch is no switch of what nobody sees.
+    QCOMPARE(toggle->title(), u"Show Sidebar"_s);
+    toggle->trigger();
+    QVERIFY(shell.sidebarShown() && !shell.isFullScreen());
+    QCOMPARE(shows.count(), 2);
+    toggle->trigger();
+    QVERIFY(!shell.sidebarVisible());
+    shell.setIsFullScreen(true);
+    shell.windowFillsScreen(true);
+    QCOMPARE(shows.count(), 3);
+    toggle->trigger();
+    QVERIFY(shell.sidebarShown());
+}
+
 void MainWindowModelTest::remembersTheSidebar()
 {
     QVERIFY(m_world->shell.sidebarVisible());
@@ -512,6 +605,35 @@ void MainWindowModelTest::desktopHasTheLastWord()
     QVERIFY(!shell.isFullScreen());
 }
 
+void MainWindowModelTest::remembersThatItWasMaximized()
+{
+    MainWindowModel &shell = m_world->shell;
+    QVERIFY(!shell.wasMaximized());
+    shell.windowIsMaximized(true);
+    shell.windowFillsScreen(true);
+    QVERIFY(shell.wasMaximized());
+    // The desktop takes it out and back in.
+    shell.windowIsMaximized(false);
+    shell.windowFillsScreen(false);
+    shell.windowFillsScreen(true);
+    QVERIFY(!shell.wasMaximized());
+
+    // What it is on its own way does not count.
+    shell.windowIsMaximized(true);
+    shell.windowFillsScreen(false);
+    shell.setIsFullScreen(true);
+    shell.windowIsMaximized(false);
+    shell.windowFillsScreen(true);
+    m_world->scheduler.advance(MainWindowModel::fullScreenPatience);
+    QVERIFY(shell.wasMaximized());
+    shell.setIsFullScreen(false);
+    shell.windowIsMaximized(false);
+    shell.windowFillsScreen(false);
+    QVERIFY(shell.wasMaximized());
+    m_world->scheduler.advance(MainWindowModel::fullScreenPatience);
+    QVERIFY(!shell.wasMaximized());
+}
+
 void MainWindowModelTest::explainsMissingPictures_data()
 {
     QTest::addColumn<QUrl>("url");
@@ -563,6 +685,78 @@ void MainWindowModelTest::noticeGoesWithItsCause()
     Q_EMIT m_world->mediaPlayer.itemFailed(MediaPlayer::ItemFailure::Unplayable);
     m_world->player.openRemote(u"https://youtu.be/v"_s, {});
     QCOMPARE(shell.pictureNotice(), QString());
+}
+
+void MainWindowModelTest::errorsLeaveThePicture()
+{
+    MainWindowModel &shell = m_world->shell;
+    PlayerModel &player = m_world->player;
+    const QString error = u"Enter a valid HTTP or HTTPS address."_s;
+    shell.setSidebarVisible(false);
+    player.playFile(QUrl(u"file:///a.mp4"_s));
+    m_world->scheduler.advance(10s);
+    QVERIFY(!shell.controlsVisible());
+    player.openRemote(u"nonsense"_s, {});
+    QCOMPARE(shell.pictureError(), error);
+    m_world->scheduler.advance(MainWindowModel::errorHideDelay - 1ms);
+    QCOMPARE(shell.pictureError(), error);
+    m_world->scheduler.advance(1ms);
+    QCOMPARE(shell.pictureError(), QString());
+
+    // It can still be read, as long as the controls are there.
+    shell.showFullScreenControls();
+    QCOMPARE(shell.pictureError(), error);
+    m_world->scheduler.advance(MainWindowModel::controlsHideDelay);
+    QCOMPARE(shell.pictureError(), QString());
+    shell.showFullScreenControls();
+    const QSignalSpy changes(&shell, &MainWindowModel::pictureErrorChanged);
+    player.dismissError();
+    QCOMPARE(shell.pictureError(), QString());
+    shell.showFullScreenControls();
+    QCOMPARE(changes.count(), 1);
+    QVERIFY(player.isPlaying());
+}
+
+void MainWindowModelTest::errorsAreToldOnce_data()
+{
+    QTest::addColumn<std::function<void(ShellWorld &)>>("look");
+    QTest::addColumn<bool>("isOverPicture");
+    const auto row = [](const char *name, std::function<void(ShellWorld &)> look,
+                        bool isOverPicture) { QTest::newRow(name) << look << isOverPicture; };
+    row("sidebar", [](ShellWorld &) { }, false);
+    row("no sidebar", [](ShellWorld &world) { world.shell.setSidebarVisible(false); }, true);
+    row("full screen", [](ShellWorld &world) { world.shell.setIsFullScreen(true); }, true);
+    row(
+        "the library's section",
+        [](ShellWorld &world) { world.shell.setSidebarSection(Section::localM3U); }, true);
+    row(
+        "the library's own",
+        [](ShellWorld &world) {
+            world.shell.setSidebarSection(Section::localM3U);
+            world.shell.setKeepsSection(true);
+        },
+        false);
+}
+
+void MainWindowModelTest::errorsAreToldOnce()
+{
+    QFETCH(const std::function<void(ShellWorld &)>, look);
+    QFETCH(const bool, isOverPicture);
+    const auto fail = [this] {
+        m_world->player.importM3UFile(QUrl(u"file:///nowhere.m3u"_s), {});
+        m_world->scheduler.runBackground();
+        QVERIFY(!m_world->player.errorMessage().isEmpty());
+    };
+    look(*m_world);
+    fail();
+    QCOMPARE(!m_world->shell.pictureError().isEmpty(), isOverPicture);
+
+    // In the other order.
+    m_world = std::make_unique<ShellWorld>();
+    m_world->shell.setKeepsSection(qstrcmp(QTest::currentDataTag(), "the library's own") == 0);
+    fail();
+    look(*m_world);
+    QCOMPARE(!m_world->shell.pictureError().isEmpty(), isOverPicture);
 }
 
 void MainWindowModelTest::saysWhenOpeningTakesLong()

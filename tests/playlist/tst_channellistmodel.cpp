@@ -81,7 +81,7 @@ private Q_SLOTS:
     void mayGoWhilePreparing();
     void filters_data();
     void filters();
-    void filtersWhatComesLater();
+    void anotherListIsShownWhole();
     void announcesOnlyChanges();
     void foldsCategories();
     void refusesToFold();
@@ -190,11 +190,19 @@ void ChannelListModelTest::filters()
     QCOMPARE(world.rows(), allRows);
 }
 
-void ChannelListModelTest::filtersWhatComesLater()
+void ChannelListModelTest::anotherListIsShownWhole()
 {
-    World world;
+    World world(fewChannels());
     world.model.setFilterText(u"goal"_s);
+    const QSignalSpy filters(&world.model, &ChannelListModel::filterTextChanged);
+    world.show(fewChannels());
+    QCOMPARE(world.model.filterText(), QString());
+    QCOMPARE(world.rows(), allRows);
+    QCOMPARE(filters.size(), 1);
+
+    // What is typed while it is being prepared is meant for it.
     world.model.setEntries(PlaylistEntries::fromList(fewChannels()));
+    QCOMPARE(filters.size(), 1);
     world.model.setFilterText(u"one"_s);
     world.scheduler.runBackground();
     QCOMPARE(world.rows(), QStringList({u"[News 1]"_s, u"One"_s}));

@@ -83,6 +83,8 @@ private Q_SLOTS:
     void menuClosesByItsButton();
     void dialogKeys_data();
     void dialogKeys();
+    void dialogOfAMenuGivesTheFocusBack_data();
+    void dialogOfAMenuGivesTheFocusBack();
     void viewsGrowWithTheDesktopsText();
     void toastKeepsItsTextWhileFading();
     void toolTipWaitsAndFollowsTheText();
@@ -356,6 +358,40 @@ void TestControls::dialogKeys()
         stage.key(key);
     QCOMPARE(stage.log(), QStringList{answer});
     QTRY_VERIFY(!stage.control()->property("visible").toBool());
+    QTRY_COMPARE(stage.focus(), u"rest"_s);
+}
+
+void TestControls::dialogOfAMenuGivesTheFocusBack_data()
+{
+    QTest::addColumn<QList<Qt::Key>>("way"); // to the dialog
+    QTest::newRow("menu") << QList{Qt::Key_Down, Qt::Key_Return};
+    QTest::newRow("menu of a menu")
+        << QList{Qt::Key_Down, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Return};
+}
+
+void TestControls::dialogOfAMenuGivesTheFocusBack()
+{
+    QFETCH(const QList<Qt::Key>, way);
+    const Stage stage(uR"(
+        Dialog { id: question; title: "Delete?" }
+        Menu {
+            id: control
+            property Dialog dialog: question
+            MenuItem { text: "Delete"; onTriggered: question.open() }
+            Menu {
+                title: "More"
+                MenuItem { text: "All"; onTriggered: question.open() }
+            }
+        })"_s);
+    QQmlExpression(qmlContext(stage.window.get()), stage.control(), u"popup(10, 10)"_s).evaluate();
+    QTRY_VERIFY(stage.control()->property("opened").toBool());
+    for (const Qt::Key key : way)
+        stage.key(key);
+    auto *const dialog = stage.control()->property("dialog").value<QObject *>();
+    QTRY_VERIFY(dialog->property("opened").toBool());
+    QTRY_VERIFY(!stage.control()->property("visible").toBool());
+    stage.key(Qt::Key_Escape);
+    QTRY_VERIFY(!dialog->property("visible").toBool());
     QTRY_COMPARE(stage.focus(), u"rest"_s);
 }
 

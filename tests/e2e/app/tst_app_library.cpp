@@ -17,14 +17,17 @@ using namespace lumaro;
 
 namespace {
 
-PlaylistEntries links(int count)
+/// With logos that nobody serves, for where they are not shown.
+PlaylistEntries links(int count, bool withLogos = true)
 {
     QList<PlaylistEntry> links;
     for (int i = 0; i < count; ++i)
         links.append({.id = QUuid::createUuid(),
                       .name = u"Link %1"_s.arg(i),
                       .url = QUrl(u"http://host.example/live/%1.m3u8"_s.arg(i)),
-                      .logoURL = QUrl(u"http://host.example/logos/%1.png"_s.arg(i)),
+                      .logoURL = withLogos
+                          ? std::optional(QUrl(u"http://host.example/logos/%1.png"_s.arg(i)))
+                          : std::nullopt,
                       .groupTitle = u"Group"_s,
                       .countryCode = u"TR"_s});
     return PlaylistEntries::fromList(links);
@@ -168,6 +171,8 @@ private Q_SLOTS:
     void savesWhatPlays();
     void exportsByKeys();
     void closedFormTakesItsFilePanelAlong();
+    void menuGivesTheKeyboardBack_data();
+    void menuGivesTheKeyboardBack();
     void fileDroppedOnTheLibraryBecomesIt();
     void killedWhileWritingKeepsWholeLibraries();
     void fullDiskKeepsTheStoredLibrary();
@@ -185,6 +190,18 @@ private:
                 m_world->press(key, modifiers);
             return condition();
         });
+    }
+    /// Fading ones too.
+    bool shows(const char *className)
+    {
+        QList<QQuickItem *> items{m_world->window().contentItem()};
+        while (!items.isEmpty()) {
+            const QQuickItem *item = items.takeLast();
+            if (item->isVisible() && item->inherits(className))
+                return true;
+            items += item->childItems();
+        }
+        return false;
     }
     QStringList shownNames() { return names(m_world->library().entries()); }
 
@@ -317,10 +334,46 @@ void AppLibraryTest::closedFormTakesItsFilePanelAlong()
     QVERIFY(becomesTrue([&] { return !m_world->isPopupOpen(); }));
 }
 
+void AppLibraryTest::menuGivesTheKeyboardBack_data()
+{
+    QTest::addColumn<int>("item");
+    QTest::newRow("edit") << 2;
+    QTest::newRow("delete") << 3;
+}
+
+void AppLibraryTest::menuGivesTheKeyboardBack()
+{
+    QFETCH(const int, item);
+    openWorld();
+    m_world->library().setEntries(links(3, false));
+    m_world->press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    m_world->press(Qt::Key_Down);
+    const auto &list = *m_world->librarySection().list();
+    QCOMPARE(list.selectedRow(), 0);
+    m_world->press(Qt::Key_F10, Qt::ShiftModifier);
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+    QVERIFY(shows("QQuickMenuItem"));
+    for (int i = 0; i < item; ++i)
+        m_world->press(Qt::Key_Down);
+    m_world->press(Qt::Key_Return);
+    const auto isAsked = [&] {
+        return !m_world->librarySection().questionText().isEmpty()
+            || m_world->librarySection().editor()->isOpen();
+    };
+    QVERIFY(isAsked());
+    // By then the menu is gone.
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen() && !shows("QQuickMenuItem"); }));
+    m_world->press(Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return !shows("QQuickPopupItem"); }));
+    QVERIFY(!isAsked());
+    m_world->press(Qt::Key_Down);
+    QCOMPARE(list.selectedRow(), 1);
+}
+
 void AppLibraryTest::fileDroppedOnTheLibraryBecomesIt()
 {
     openWorld();
-    m_world->library().setEntries(links(3));
+    m_world->library().setEntries(links(3, false));
     m_world->press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"list.m3u"_s));
@@ -330,12 +383,27 @@ void AppLibraryTest::fileDroppedOnTheLibraryBecomesIt()
 
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(file.fileName())});
-    const QPoint onTheList(100, 300);
-    QDragEnterEvent enter(onTheList, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&m_world->window(), &enter);
-    QVERIFY(enter.isAccepted());
-    QDropEvent drop(onTheList, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&m_world->window(), &drop);
+    const auto drop = [this, &data] {
+        const QPoint onTheList(100, 300);
+        QDragEnterEvent enter(onTheList, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&m_world->window(), &enter);
+        keepPicture(m_world->window(), u"drop"_s);
+        QDropEvent end(onTheList, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&m_world->window(), &end);
+        return enter.isAccepted() && end.isAccepted();
+    };
+    // While something is asked, it is about what is there.
+    m_world->librarySection().removeAll();
+    QVERIFY(becomesTrue([&] { return m_world->isPopupOpen(); }));
+    QVERIFY(!drop());
+    QVERIFY(!m_world->player().isLoading());
+    QVERIFY(!m_world->drop(data));
+    QVERIFY(!m_world->player().isLoading());
+    m_world->press(Qt::Key_Escape);
+    QVERIFY(becomesTrue([&] { return !m_world->isPopupOpen(); }));
+
+    // The question is faded out then.
+    QVERIFY(becomesTrue([&] { return drop(); }));
     QVERIFY(becomesTrue([&] { return shownNames() == QStringList{u"One"_s, u"Two"_s}; }));
     QVERIFY(m_world->shell().showsLocalM3U());
     m_world->press(Qt::Key_Z, Qt::ControlModifier);

@@ -7,7 +7,8 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using namespace lumaro;
 
-Q_DECLARE_METATYPE(std::function<void(MainWindowModel &)>)
+Q_DECLARE_METATYPE(std::function<void(AppWorld &)>)
+Q_DECLARE_METATYPE(std::function<QString(AppWorld &)>)
 
 /// The main window driven as a user does, by keys, mouse and drops.
 class AppWindowTest : public QObject
@@ -27,12 +28,16 @@ private Q_SLOTS:
     void clickOnThePictureEndsTyping();
     void comesToTheFrontAsItIs_data();
     void comesToTheFrontAsItIs();
+    void desktopMakesItFillTheScreen_data();
     void desktopMakesItFillTheScreen();
     void dropsPlay_data();
     void dropsPlay();
     void filePanelsAskForWhatIsWantedNow();
     void hiddenFieldsTakeNoKeys_data();
     void hiddenFieldsTakeNoKeys();
+    void enterKeepsWhatIsNoAddress();
+    void searchIsReachedFromThePicture();
+    void errorOverThePictureIsClosed();
     void programStartsPlaysAndQuits();
     void programSaysWhatItIs();
 
@@ -187,14 +192,25 @@ void AppWindowTest::comesToTheFrontAsItIs()
     QCOMPARE(m_world->shell().isFullScreen(), after == QWindow::FullScreen);
 }
 
+void AppWindowTest::desktopMakesItFillTheScreen_data()
+{
+    QTest::addColumn<Qt::WindowState>("before");
+    QTest::addColumn<QWindow::Visibility>("after");
+    QTest::newRow("ordinary") << Qt::WindowNoState << QWindow::Windowed;
+    QTest::newRow("maximised") << Qt::WindowMaximized << QWindow::Maximized;
+}
+
 void AppWindowTest::desktopMakesItFillTheScreen()
 {
+    QFETCH(const Qt::WindowState, before);
+    QFETCH(const QWindow::Visibility, after);
     QQuickWindow &window = m_world->window();
+    window.setWindowStates(before);
     window.setWindowStates(Qt::WindowFullScreen);
     QVERIFY(m_world->shell().isFullScreen());
     m_world->press(Qt::Key_Escape);
     QVERIFY(!m_world->shell().isFullScreen());
-    QCOMPARE(window.visibility(), QWindow::Windowed);
+    QCOMPARE(window.visibility(), after);
 }
 
 void AppWindowTest::dropsPlay_data()
@@ -246,27 +262,122 @@ void AppWindowTest::filePanelsAskForWhatIsWantedNow()
 
 void AppWindowTest::hiddenFieldsTakeNoKeys_data()
 {
-    QTest::addColumn<std::function<void(MainWindowModel &)>>("hide");
-    const auto row = [](const char *name, std::function<void(MainWindowModel &)> hide) {
-        QTest::newRow(name) << hide;
+    using Act = std::function<void(AppWorld &)>;
+    using Text = std::function<QString(AppWorld &)>;
+    QTest::addColumn<Act>("focus");
+    QTest::addColumn<Text>("text");
+    QTest::addColumn<Act>("hide");
+    const auto rows = [](const Act &focus, const Text &text) {
+        return [=](const char *name, const Act &hide) {
+            QTest::newRow(name) << focus << text << hide;
+        };
     };
-    row("another section", [](MainWindowModel &shell) {
-        shell.setSidebarSection(MainWindowModel::PlayerSidebarSection::localM3U);
+    const auto address = rows([](AppWorld &world) { world.press(Qt::Key_L, Qt::ControlModifier); },
+                              [](AppWorld &world) { return world.shell().addressText(); });
+    address("another section", [](AppWorld &world) {
+        world.shell().setSidebarSection(MainWindowModel::PlayerSidebarSection::localM3U);
     });
-    row("no sidebar", [](MainWindowModel &shell) { shell.setSidebarVisible(false); });
-    row("full screen", [](MainWindowModel &shell) { shell.setIsFullScreen(true); });
+    address("no sidebar", [](AppWorld &world) { world.shell().setSidebarVisible(false); });
+    address("full screen", [](AppWorld &world) { world.shell().setIsFullScreen(true); });
+
+    const QString list = m_nginx->documentRoot() + u"/list.m3u";
+    const auto channels = rows(
+        [list](AppWorld &world) {
+            world.open(list);
+            QVERIFY(becomesTrue([&] { return world.channels().count() > 0; }));
+            world.press(Qt::Key_F, Qt::ControlModifier);
+        },
+        [](AppWorld &world) { return world.channels().filterText(); });
+    channels("cleared channels", [](AppWorld &world) { world.shell().clearNetwork(); });
+    channels("failed import", [](AppWorld &world) {
+        world.open(u"/nowhere.m3u"_s);
+        QVERIFY(becomesTrue([&] { return world.channels().count() == 0; }));
+    });
+
+    const auto library = rows(
+        [](AppWorld &world) {
+            world.library().save(QUrl(u"http://h/a"_s), u"host.example/a"_s);
+            world.press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+        },
+        [](AppWorld &world) { return world.librarySection().list()->filterText(); });
+    library("emptied library", [](AppWorld &world) { world.library().setEntries({}); });
+    library("last link deleted", [](AppWorld &world) {
+        QVERIFY(becomesTrue([&] { return world.librarySection().list()->selectedRow() == 0; }));
+        world.press(Qt::Key_Delete);
+        QVERIFY(becomesTrue([&] { return world.isPopupOpen(); }));
+        world.press(Qt::Key_Tab);
+        world.press(Qt::Key_Return);
+        QVERIFY(world.library().entries().isEmpty());
+        QVERIFY(becomesTrue([&] { return !world.isPopupOpen(); }));
+    });
 }
 
 void AppWindowTest::hiddenFieldsTakeNoKeys()
 {
-    QFETCH(const std::function<void(MainWindowModel &)>, hide);
-    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    QFETCH(const std::function<void(AppWorld &)>, focus);
+    QFETCH(const std::function<QString(AppWorld &)>, text);
+    QFETCH(const std::function<void(AppWorld &)>, hide);
+    focus(*m_world);
     m_world->type(u"host.example/a"_s);
-    const QString typed = m_world->shell().addressText();
-    QCOMPARE(typed, u"host.example/a"_s);
-    hide(m_world->shell());
+    QCOMPARE(text(*m_world), u"host.example/a"_s);
+    hide(*m_world);
+    const QString left = text(*m_world);
     m_world->type(u"b"_s);
-    QCOMPARE(m_world->shell().addressText(), typed);
+    QCOMPARE(text(*m_world), left);
+    // They are the player's again.
+    m_world->press(Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(m_world->player().volume(), 0.99);
+}
+
+void AppWindowTest::enterKeepsWhatIsNoAddress()
+{
+    m_world->press(Qt::Key_L, Qt::ControlModifier);
+    m_world->type(u"no address"_s);
+    m_world->press(Qt::Key_Return);
+    QVERIFY(!m_world->player().errorMessage().isEmpty());
+    m_world->type(u"f"_s);
+    QCOMPARE(m_world->shell().addressText(), u"no addressf"_s);
+    QVERIFY(!m_world->shell().isFullScreen());
+
+    m_world->shell().setAddressText(m_nginx->url(u"/movie.mp4"_s).toString());
+    m_world->press(Qt::Key_Return);
+    QVERIFY(m_world->playsTo(0.2));
+    m_world->press(Qt::Key_Space);
+    QVERIFY(!m_world->player().isPlaying());
+}
+
+void AppWindowTest::searchIsReachedFromThePicture()
+{
+    m_world->open(m_nginx->documentRoot() + u"/list.m3u");
+    QVERIFY(becomesTrue([&] { return m_world->channels().count() == 1; }));
+    for (const bool isFullScreen : {false, true}) {
+        m_world->shell().setSidebarVisible(false);
+        m_world->shell().setIsFullScreen(isFullScreen);
+        m_world->press(Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(m_world->shell().sidebarShown());
+        // In place of what was searched for before.
+        m_world->type(u"on"_s);
+        QCOMPARE(m_world->channels().filterText(), u"on"_s);
+        m_world->press(Qt::Key_Return);
+        QVERIFY(becomesTrue([&] { return m_world->shell().currentChannel() == 0; }));
+    }
+    keepPicture(m_world->window(), u"search"_s);
+}
+
+void AppWindowTest::errorOverThePictureIsClosed()
+{
+    m_world->open(m_movie);
+    QVERIFY(m_world->playsTo(0.2));
+    m_world->shell().setIsFullScreen(true);
+    m_world->open(u"<nonsense>"_s);
+    const auto *const notice = m_world->window().findChild<QQuickItem *>(u"pictureError"_s);
+    QVERIFY(notice);
+    QVERIFY(becomesTrue([&] { return notice->parentItem()->opacity() == 1; }));
+    keepPicture(m_world->window(), u"error"_s);
+    const QPointF close = notice->mapToScene({notice->width() - 20, 20});
+    QTest::mouseClick(&m_world->window(), Qt::LeftButton, {}, close.toPoint());
+    QVERIFY(becomesTrue([&] { return m_world->player().errorMessage().isEmpty(); }));
+    QVERIFY(m_world->player().isPlaying());
 }
 
 void AppWindowTest::programStartsPlaysAndQuits()
