@@ -50,7 +50,7 @@ QString DownloadsModel::saveFolderPath() const
 void DownloadsModel::downloadStream()
 {
     if (m_canDownloadStream) {
-        m_manager.start(m_player.currentURL(), nameOf(m_player.title()));
+        m_manager.start(m_player.currentURL(), nameOf(m_player.itemTitle()));
         setPanelShown(true);
     } else if (isStream(m_player.currentURL())) {
         setPanelShown(true);

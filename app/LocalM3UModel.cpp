@@ -296,16 +296,14 @@ bool LocalM3UModel::isCurrentSaved() const
 
 void LocalM3UModel::saveToLocalM3U(int index)
 {
-    const PlaylistEntries &playlist = m_player.playlist();
-    if (index < 0 || index >= playlist.size())
-        return;
-    PlaylistEntry entry = playlist.at(index);
-    if (!m_window.mayOpen(entry.url))
-        return;
+    if (const auto entry = m_window.usableEntry(index))
+        saveChannel(*entry);
+}
+
+void LocalM3UModel::saveChannel(PlaylistEntry entry)
+{
     // The library may hold the playlist's own entry already.
     entry.id = QUuid::createUuid();
-    if (entry.logoURL && entry.logoURL->isLocalFile() && m_player.isPlaylistRemote())
-        entry.logoURL.reset();
     m_store.save(entry);
     notifySaved();
 }
@@ -318,12 +316,12 @@ void LocalM3UModel::saveCurrent()
         show();
         m_list.setFilterText({});
         m_list.select(m_store.entries().id(saved));
-    } else if (m_window.currentChannel() >= 0) {
-        saveToLocalM3U(m_window.currentChannel());
+    } else if (const auto entry = m_window.currentEntry()) {
+        saveChannel(*entry);
     } else {
         // A stream without a title of its own is better named after its address.
-        const bool isNamed = m_player.title() != productName();
-        m_store.save(m_player.currentURL(), isNamed ? m_player.title() : QString());
+        const bool isNamed = m_player.itemTitle() != productName();
+        m_store.save(m_player.currentURL(), isNamed ? m_player.itemTitle() : QString());
         notifySaved();
     }
 }
@@ -344,14 +342,17 @@ void LocalM3UModel::importLocalPlaylist()
 bool LocalM3UModel::drop(const QList<QUrl> &urls, const QString &text)
 {
     const QUrl url = droppedUrl(urls, text);
+    const QString remark = urls.size() > 1 ? MainWindowModel::openedOf(1, urls.size()) : QString();
     switch (dropAction(urls, text)) {
     case NothingDropped:
         return false;
     case ImportDropped:
-        importFrom(url);
+        importFrom(url, remark);
         return true;
     case AddDropped:
         m_editor.beginAdding(url.toString(QUrl::FullyEncoded));
+        if (!remark.isEmpty())
+            m_player.showToast(remark, PlayerModel::toastDuration);
         return true;
     case PlayDropped:
         return m_window.openDropped(urls, text);
@@ -378,26 +379,25 @@ Task<> LocalM3UModel::chooseAndImport()
         importFrom(*file);
 }
 
-Task<> LocalM3UModel::importFrom(QUrl file)
+Task<> LocalM3UModel::importFrom(QUrl file, QString remark)
 {
     // The one before ends with this.
     std::exchange(m_import, std::stop_source()).request_stop();
     const std::stop_token stop = m_import.get_token();
     setImportError({});
+    auto reading = m_player.importM3UFile(file, std::nullopt);
     // The list that is read becomes the player's too, which must not lead away from here.
-    m_window.setKeepsSection(true);
-    const auto reading = m_player.importM3UFile(file, std::nullopt);
+    m_window.keepSectionWhileLoading();
     const PlayerModel::PlaylistResult result = co_await reading;
     if (stop.stop_requested())
         co_return;
-    m_window.setKeepsSection(false);
     if (result)
-        replaceLibrary(*result);
+        replaceLibrary(*result, remark);
     else
         setImportError(result.error());
 }
 
-void LocalM3UModel::replaceLibrary(const PlaylistEntries &entries)
+void LocalM3UModel::replaceLibrary(const PlaylistEntries &entries, const QString &remark)
 {
     const qsizetype before = m_store.entries().size();
     m_list.setFilterText({});
@@ -406,7 +406,8 @@ void LocalM3UModel::replaceLibrary(const PlaylistEntries &entries)
     const QString notice = before == 0 ? tr("Imported %1").arg(linkCount(entries.size()))
                                        : tr("Imported %1 in place of %2. Undo brings them back.")
                                              .arg(linkCount(entries.size()), linkCount(before));
-    m_player.showToast(notice, PlayerModel::toastDuration);
+    m_player.showToast(remark.isEmpty() ? notice : notice + u' ' + remark,
+                       PlayerModel::toastDuration);
 }
 
 void LocalM3UModel::exportLocalPlaylistAsM3U()

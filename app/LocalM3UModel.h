@@ -129,10 +129,12 @@ private:
     bool isInSight() const;
     void tellUnseen(const QString &change);
     void storeEdited(const PlaylistEntry &entry);
+    void saveChannel(PlaylistEntry entry);
     void notifySaved();
     Task<> chooseAndImport();
-    Task<> importFrom(QUrl file);
-    void replaceLibrary(const PlaylistEntries &entries);
+    /// `remark` is said at the end, with what has been imported.
+    Task<> importFrom(QUrl file, QString remark = {});
+    void replaceLibrary(const PlaylistEntries &entries, const QString &remark);
     Task<> exportTo(std::stop_token stop);
     void setImportError(const QString &message);
     void setExportError(const QString &message);

@@ -50,12 +50,15 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
     connect(&notifications, &NotificationCenter::posted, this, &MainWindowModel::observe);
     connect(&mediaPlayer, &MediaPlayer::itemFailed, this, [this](MediaPlayer::ItemFailure failure) {
         setIsOpening(false);
-        setPictureNotice(noticeFor(failure));
+        // Where no picture can be drawn, the next file's cannot either.
+        if (failure == MediaPlayer::ItemFailure::NoPicture || !skipFailed())
+            setPictureNotice(noticeFor(failure));
     });
     connect(&mediaPlayer, &MediaPlayer::itemStarted, this, [this] {
         setIsOpening(false);
         // An item that failed may have been tried again.
         setPictureNotice(QString());
+        m_skipped = 0;
     });
     connect(&player, &PlayerModel::mediaLoadIDChanged, this, [this] {
         forgetItem();
@@ -69,8 +72,14 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
             &MainWindowModel::showFullScreenControls);
     connect(&mediaPlayer, &MediaPlayer::itemEnded, this, [this] {
         if (m_playsOn)
-            playChannel(channelBeside(+1));
+            openEntry(channelBeside(+1), false);
     });
+    connect(&mediaPlayer, &MediaPlayer::itemBrokeOff, this, [this] {
+        m_player.showToast(tr("The stream has ended. Space opens it again."),
+                           PlayerModel::toastDuration);
+    });
+    connect(&player, &PlayerModel::isLoadingChanged, this,
+            [this] { m_keepsSection = m_keepsSection && m_player.isLoading(); });
     connect(&player, &PlayerModel::playlistChanged, this, &MainWindowModel::observePlaylist);
     connect(&player, &PlayerModel::errorMessageChanged, this, &MainWindowModel::observeError);
     for (const auto changed : {&PlayerModel::playlistChanged, &PlayerModel::errorMessageChanged,
@@ -88,6 +97,8 @@ MainWindowModel::MainWindowModel(PlayerModel &player, MediaPlayer &mediaPlayer,
 void MainWindowModel::observePlaylist()
 {
     m_playsOn = false;
+    m_skipped = 0;
+    m_lastChannel = -1;
     setCurrentChannel(-1);
     const PlaylistEntries &playlist = m_player.playlist();
     if (playlist.isEmpty() || m_keepsSection)
@@ -151,6 +162,7 @@ void MainWindowModel::setDisplayName(const QString &name)
         return;
     m_displayName = name;
     Q_EMIT displayNameChanged();
+    nameOpenedAddress();
 }
 
 void MainWindowModel::setDisplayNameShown(bool shown)
@@ -159,6 +171,8 @@ void MainWindowModel::setDisplayNameShown(bool shown)
         return;
     m_displayNameShown = shown;
     Q_EMIT displayNameShownChanged();
+    if (shown && !m_displayName.isEmpty())
+        nameOpenedAddress();
 }
 
 void MainWindowModel::setDisplayMode(PortraitDisplayMode mode)
@@ -236,6 +250,14 @@ void MainWindowModel::openAddress(const QString &address)
     m_player.openRemote(address, optionalName(m_displayNameShown, m_displayName));
 }
 
+/// The address may have opened before its name was typed.
+void MainWindowModel::nameOpenedAddress()
+{
+    const auto typed = remoteUrl(normalizedRemoteAddress(m_addressText));
+    if (typed && m_displayNameShown && m_player.currentURL() == *typed)
+        m_player.updateStreamTitle(m_displayName);
+}
+
 bool MainWindowModel::openTypedAddress()
 {
     m_autoOpenTask.cancel();
@@ -311,14 +333,20 @@ bool MainWindowModel::openFiles(const QList<QUrl> &urls)
     const bool areFiles = files.size() > 1;
     if (areFiles) {
         m_player.playFiles(files);
+        m_lastEntry = m_player.playlist().at(0);
+        m_lastChannel = 0;
         setCurrentChannel(0);
         m_playsOn = true;
     }
     const qsizetype opened = areFiles ? files.size() : 1;
     if (opened < urls.size())
-        m_player.showToast(tr("Opened %1 of %n items.", nullptr, int(urls.size())).arg(opened),
-                           PlayerModel::toastDuration);
+        m_player.showToast(openedOf(opened, urls.size()), PlayerModel::toastDuration);
     return areFiles;
+}
+
+QString MainWindowModel::openedOf(qsizetype opened, qsizetype all)
+{
+    return tr("Opened %1 of %n items.", nullptr, int(all)).arg(opened);
 }
 
 void MainWindowModel::openFile(const QUrl &file)
@@ -341,14 +369,52 @@ void MainWindowModel::importPlaylist()
 
 void MainWindowModel::playChannel(int index)
 {
-    const PlaylistEntries &playlist = m_player.playlist();
-    if (index < 0 || index >= playlist.size())
+    openEntry(index, true);
+}
+
+void MainWindowModel::openEntry(int index, bool isWish)
+{
+    const std::optional<PlaylistEntry> entry = usableEntry(index);
+    if (!entry)
         return;
-    const PlaylistEntry entry = playlist.at(index);
-    if (!mayOpen(entry.url))
-        return;
-    m_player.play(entry.url, entry.name, pathExtension(entry.url) == u"m3u8");
-    setCurrentChannel(index);
+    m_lastEntry = entry;
+    m_lastChannel = index;
+    const bool isLiveStream = pathExtension(entry->url) == u"m3u8";
+    if (isWish)
+        m_player.play(entry->url, entry->name, isLiveStream);
+    else
+        m_player.playOn(entry->url, entry->name, isLiveStream);
+}
+
+/// What has been stopped may be played again, and is then the channel that it was.
+void MainWindowModel::followItem()
+{
+    const QUrl &url = m_player.currentURL();
+    if (!url.isEmpty() && (!m_lastEntry || m_lastEntry->url != url)) {
+        m_lastEntry.reset();
+        m_lastChannel = -1;
+    }
+    setCurrentChannel(url.isEmpty() ? -1 : m_lastChannel);
+}
+
+/// Goes on from a file that cannot be played; false where nothing follows.
+bool MainWindowModel::skipFailed()
+{
+    const int next = m_playsOn ? channelBeside(+1) : -1;
+    if (next < 0)
+        return false;
+    const QString name = m_player.itemTitle();
+    openEntry(next, false);
+    m_player.showToast(++m_skipped == 1
+                           ? tr("Skipped %1, which cannot be played.").arg(name)
+                           : tr("Skipped %n files that cannot be played.", nullptr, m_skipped),
+                       PlayerModel::toastDuration);
+    return true;
+}
+
+std::optional<PlaylistEntry> MainWindowModel::currentEntry() const
+{
+    return m_player.currentURL().isEmpty() ? std::nullopt : m_lastEntry;
 }
 
 int MainWindowModel::channelBeside(int step) const
@@ -366,19 +432,26 @@ int MainWindowModel::channelBeside(int step) const
     return -1;
 }
 
-bool MainWindowModel::isForbidden(const QUrl &channel) const
+bool MainWindowModel::isForbidden(const QUrl &url) const
 {
     // A server does not choose what is read on this computer.
-    return channel.isLocalFile() && m_player.isPlaylistRemote();
+    return url.isLocalFile() && m_player.isPlaylistRemote();
 }
 
-bool MainWindowModel::mayOpen(const QUrl &channel)
+std::optional<PlaylistEntry> MainWindowModel::usableEntry(int index)
 {
-    if (!isForbidden(channel))
-        return true;
-    m_player.showToast(tr("A playlist from the network cannot open files on this computer."),
-                       PlayerModel::toastDuration);
-    return false;
+    const PlaylistEntries &playlist = m_player.playlist();
+    if (index < 0 || index >= playlist.size())
+        return std::nullopt;
+    PlaylistEntry entry = playlist.at(index);
+    if (isForbidden(entry.url)) {
+        m_player.showToast(tr("A playlist from the network cannot open files on this computer."),
+                           PlayerModel::toastDuration);
+        return std::nullopt;
+    }
+    if (entry.logoURL && isForbidden(*entry.logoURL))
+        entry.logoURL.reset();
+    return entry;
 }
 
 void MainWindowModel::setCurrentChannel(int index)
@@ -461,7 +534,7 @@ void MainWindowModel::forgetItem()
 {
     setIsOpening(false);
     setPictureNotice(QString());
-    setCurrentChannel(-1);
+    followItem();
 }
 
 void MainWindowModel::setIsOpening(bool opening)

@@ -102,9 +102,9 @@ public:
     const QString &pictureNotice() const { return m_pictureNotice; }
     const QString &pictureError() const { return m_pictureError; }
 
-    /// A playlist that arrives does not bring its section up, and an error is told where it was
-    /// asked for; to be ended when it has arrived.
-    void setKeepsSection(bool keeps) { m_keepsSection = keeps; }
+    /// The playlist that is being loaded does not bring its section up when it arrives, and an
+    /// error is told where it was asked for.
+    void keepSectionWhileLoading() { m_keepsSection = m_player.isLoading(); }
 
     /// Shows the sidebar with `section`; out of full screen, where there is no place for it.
     void revealSidebar(PlayerSidebarSection section);
@@ -132,6 +132,8 @@ public:
     void open(const QStringList &filesAndAddresses, const QString &workingFolder);
     /// The same for `urls`, or else `text`. False when there is nothing to open.
     Q_INVOKABLE bool openDropped(const QList<QUrl> &urls, const QString &text);
+    /// What the user is told when not all of what was named or dropped could be opened.
+    static QString openedOf(qsizetype opened, qsizetype all);
     Q_INVOKABLE void importPlaylist();
     Q_INVOKABLE void openFile();
     /// Plays the channel at `index` of the player's playlist.
@@ -139,9 +141,11 @@ public:
     /// The nearest channel after the one that plays, or before it if `step` is -1, that may be
     /// opened; -1 when there is none.
     int channelBeside(int step) const;
-    /// Whether this address of the player's playlist may be used. Where it must not, the user is
-    /// told.
-    bool mayOpen(const QUrl &channel);
+    /// The entry at `index` of the player's playlist, without a logo that the list must not show;
+    /// empty where there is none. Where the list must not open it, the user is told.
+    std::optional<PlaylistEntry> usableEntry(int index);
+    /// What its list says of the channel that plays, also where the list is gone; empty for none.
+    std::optional<PlaylistEntry> currentEntry() const;
 
 Q_SIGNALS:
     void sidebarVisibleChanged();
@@ -173,16 +177,20 @@ private:
     void observe(const QString &notification, QObject *object);
     bool openFiles(const QList<QUrl> &urls);
     void openFile(const QUrl &file);
-    bool isForbidden(const QUrl &channel) const;
+    void openEntry(int index, bool isWish);
+    void followItem();
+    bool isForbidden(const QUrl &url) const;
     void openAddress(const QString &address);
     void observeError();
     void observePlaylist();
     void updateCanClearNetwork();
     void updatePictureError();
+    void nameOpenedAddress();
     void applyFullScreen(bool fullScreen);
     void setWasMaximized(bool maximized);
     void updateControlsVisible();
     void setCursorHidden(bool hidden);
+    bool skipFailed();
     void forgetItem();
     void setIsOpening(bool opening);
     void setCurrentChannel(int index);
@@ -210,8 +218,14 @@ private:
     bool m_cursorHidden = false;
     bool m_isOpening = false;
     int m_currentChannel = -1;
+    /// The channel that plays or has been stopped, and where it is in the playlist; -1 where the
+    /// list is gone.
+    std::optional<PlaylistEntry> m_lastEntry;
+    int m_lastChannel = -1;
     /// The playlist's files were opened together.
     bool m_playsOn = false;
+    /// How many of them in a row could not be played.
+    int m_skipped = 0;
     QString m_pictureNotice;
     QString m_pictureError;
     /// The library's section tells it.

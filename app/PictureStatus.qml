@@ -35,7 +35,7 @@ Item {
         sourceComponent: EmptyState {
             onOverlay: true
             iconName: "alert"
-            title: root.player.title
+            title: root.player.itemTitle
             text: root.shell.pictureNotice
         }
     }
@@ -48,7 +48,7 @@ Item {
             objectName: "webPlayerFailure"
             onOverlay: true
             iconName: "alert"
-            title: root.player.title
+            title: root.player.itemTitle
             text: root.webPlayers.failure
             buttonText: qsTr("Retry")
             onButtonClicked: root.webPlayers.retry()

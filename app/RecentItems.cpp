@@ -119,11 +119,12 @@ Task<> RecentItems::open(RecentItem item)
         co_return;
     }
     const std::stop_token stop = m_lifetime.get_token();
+    const std::stop_token overtaken = m_parts.player.beginLookUp();
     // A folder from elsewhere may take its time.
     const auto looking = m_parts.scheduler.inBackground(
         [path = item.url.toLocalFile()] { return QFileInfo::exists(path); });
     const bool exists = co_await looking;
-    if (stop.stop_requested())
+    if (stop.stop_requested() || overtaken.stop_requested())
         co_return;
     if (exists)
         m_parts.window.openDropped({item.url}, QString());

@@ -56,7 +56,8 @@ public:
     /// What a menu calls `item`: files with their folder where two have the same name.
     QString title(const RecentItem &item) const;
 
-    /// Opens it again; a file that is not there becomes missingFile.
+    /// Opens it again; a file that is not there becomes missingFile. Nothing happens when something
+    /// else was opened before the disk has answered.
     Task<> open(RecentItem item);
     void clear();
 

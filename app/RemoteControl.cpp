@@ -61,7 +61,8 @@ RemoteControl::RemoteControl(PlayerModel &player, MainWindowModel &window, Sched
     , m_publishTask(scheduler)
 {
     for (const auto changed :
-         {&PlayerModel::titleChanged, &PlayerModel::isPlayingChanged, &PlayerModel::durationChanged,
+         {&PlayerModel::titleChanged, &PlayerModel::itemTitleChanged,
+          &PlayerModel::isPlayingChanged, &PlayerModel::durationChanged,
           &PlayerModel::currentTimeChanged, &PlayerModel::volumeChanged,
           &PlayerModel::isMutedChanged, &PlayerModel::currentURLChanged,
           &PlayerModel::playlistChanged, &PlayerModel::lastPlayableSourceChanged})
@@ -110,7 +111,7 @@ MediaControlsState RemoteControl::state() const
             : m_player.isPlaying() ? Playback::Playing
                                    : Playback::Paused,
         .track = active ? m_track : 0,
-        .title = m_player.title().left(maximumTitleLength),
+        .title = (active ? m_player.itemTitle() : m_player.title()).left(maximumTitleLength),
         .url = publicAddress(m_player.currentURL()),
         .length = {},
         .volume = m_player.isMuted() ? 0 : m_player.volume(),
@@ -249,11 +250,14 @@ Task<std::expected<void, QString>> RemoteControl::openUri(QString uri)
 
     // A folder from elsewhere may take its time, and another program names any it likes.
     const std::stop_token stop = m_lifetime.get_token();
+    const std::stop_token overtaken = m_player.beginLookUp();
     const auto looking =
         m_scheduler.inBackground([path = file.toLocalFile()] { return problemWith(path); });
     const QString problem = co_await looking;
     if (stop.stop_requested())
         co_return std::unexpected(RemoteControl::tr("Lumaro has been closed."));
+    if (overtaken.stop_requested())
+        co_return std::unexpected(RemoteControl::tr("Something else was opened meanwhile."));
     if (!problem.isEmpty())
         co_return std::unexpected(problem);
     m_window.openDropped({file}, QString());

@@ -56,7 +56,8 @@ public:
     /// A tap on the current item's pictures. Whoever drops it removes it.
     virtual std::shared_ptr<VideoOutput> addVideoOutput() = 0;
 
-    /// Begins anew at the item's end, and opens an item again that failed.
+    /// Begins anew at the item's end. An item that failed is opened again, and so is one that has
+    /// ended and cannot be sought in as a whole, such as a stream that broke off.
     virtual void play() = 0;
     virtual void pause() = 0;
     /// The requested rate: 0 while paused, ended or failed, else positive, even while waiting for
@@ -101,6 +102,8 @@ Q_SIGNALS:
     void itemStarted();
     /// The current item has been played to its end, where it pauses.
     void itemEnded();
+    /// The same of a stream whose end could not be foreseen; itemEnded() follows.
+    void itemBrokeOff();
 };
 
 } // namespace lumaro

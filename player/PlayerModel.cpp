@@ -41,6 +41,7 @@ PlayerModel::PlayerModel(const PlayerPlatform &platform, QObject *parent)
     : QObject(parent)
     , m_platform(platform)
     , m_title(productName())
+    , m_itemTitle(productName())
     , m_mediaLoadID(QUuid::createUuid())
     , m_remoteRequestID(QUuid::createUuid())
     , m_bufferingIndicatorTask(platform.scheduler)
@@ -65,6 +66,7 @@ PlayerModel::~PlayerModel()
     }
     m_remoteLoad.request_stop();
     m_import.request_stop();
+    m_lookUp.request_stop();
     m_lifetime.request_stop();
 }
 
@@ -79,7 +81,8 @@ std::optional<MediaPlayer::TimeRange> PlayerModel::seekableRange() const
 
 Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayName)
 {
-    const QUuid requestID = renewRemoteRequest();
+    cancelLoads();
+    const QUuid requestID = m_remoteRequestID;
     const std::optional<QUrl> url = remoteUrl(normalizedRemoteAddress(address));
     if (!url) {
         publish(m_errorMessage, tr("Enter a valid HTTP or HTTPS address."),
@@ -105,6 +108,18 @@ Task<> PlayerModel::openRemote(QString address, std::optional<QString> displayNa
 void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayName,
                        bool isLiveStream)
 {
+    m_lookUp.request_stop();
+    loadItem(url, displayName, isLiveStream);
+}
+
+void PlayerModel::playOn(const QUrl &url, const QString &displayName, bool isLiveStream)
+{
+    loadItem(url, displayName, isLiveStream);
+}
+
+void PlayerModel::loadItem(const QUrl &url, const std::optional<QString> &displayName,
+                           bool isLiveStream)
+{
     publish(m_currentURL, url, &PlayerModel::currentURLChanged);
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);
     publish(m_showsCover, false, &PlayerModel::showsCoverChanged);
@@ -117,7 +132,7 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
     QString shownTitle = displayName.value_or(lastPathComponent(url));
     if (!displayName && shownTitle.isEmpty())
         shownTitle = url.toString(QUrl::FullyEncoded);
-    publish(m_title, shownTitle, &PlayerModel::titleChanged);
+    nameItem(shownTitle);
 
     publish(m_lastPlayableSource, MediaSource{url, m_title, isLiveStream},
             &PlayerModel::lastPlayableSourceChanged);
@@ -133,8 +148,15 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
     refreshBufferingState();
 }
 
+void PlayerModel::nameItem(const QString &name)
+{
+    publish(m_title, name, &PlayerModel::titleChanged);
+    publish(m_itemTitle, name, &PlayerModel::itemTitleChanged);
+}
+
 void PlayerModel::playFile(const QUrl &url)
 {
+    cancelLoads();
     play(url, url.fileName(), false);
     Q_EMIT sourceOpened(url, QString());
 }
@@ -172,13 +194,21 @@ Task<> PlayerModel::openFile()
 
 // Playlists
 
-QUuid PlayerModel::renewRemoteRequest()
+std::stop_token PlayerModel::beginLookUp()
 {
+    std::exchange(m_lookUp, std::stop_source()).request_stop();
+    return m_lookUp.get_token();
+}
+
+void PlayerModel::cancelLoads()
+{
+    m_lookUp.request_stop();
     m_remoteRequestID = QUuid::createUuid();
     std::exchange(m_remoteLoad, std::stop_source()).request_stop();
+    std::exchange(m_import, std::stop_source()).request_stop();
     m_isLoadingRemotePlaylist = false;
+    m_isImporting = false;
     updateIsLoading();
-    return m_remoteRequestID;
 }
 
 void PlayerModel::updateIsLoading()
@@ -253,9 +283,8 @@ Task<std::optional<QUrl>> PlayerModel::chooseM3UFile()
 Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
                                                              std::optional<QString> displayName)
 {
+    cancelLoads();
     publish(m_errorMessage, QString(), &PlayerModel::errorMessageChanged);
-    // The one before, if it is still being read, is not what the user wants any more.
-    std::exchange(m_import, std::stop_source()).request_stop();
     m_isImporting = true;
     updateIsLoading();
 
@@ -263,8 +292,10 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
     const auto reading = m_platform.files.inBackground(
         [file] { return readPlaylistFile(file, maximumPlaylistSize); });
     PlaylistResult result = co_await reading;
+    if (!result)
+        result = std::unexpected(tr("Could not import playlist: %1").arg(result.error()));
     if (stop.stop_requested())
-        co_return std::unexpected(QString());
+        co_return result;
 
     m_playlist = result.value_or(PlaylistEntries());
     m_isPlaylistRemote = false;
@@ -274,20 +305,11 @@ Task<PlayerModel::PlaylistResult> PlayerModel::importM3UFile(QUrl file,
                 &PlayerModel::titleChanged);
         Q_EMIT sourceOpened(file, displayName.value_or(QString()).trimmed());
     } else {
-        result = std::unexpected(tr("Could not import playlist: %1").arg(result.error()));
         publish(m_errorMessage, result.error(), &PlayerModel::errorMessageChanged);
     }
     m_isImporting = false;
     updateIsLoading();
     co_return result;
-}
-
-void PlayerModel::cancelLoads()
-{
-    renewRemoteRequest();
-    std::exchange(m_import, std::stop_source()).request_stop();
-    m_isImporting = false;
-    updateIsLoading();
 }
 
 void PlayerModel::clearNetworkStream()
@@ -346,13 +368,14 @@ void PlayerModel::removePlatformItem()
 
 void PlayerModel::stop()
 {
+    m_lookUp.request_stop();
     publish(m_currentURL, QUrl(), &PlayerModel::currentURLChanged);
     removePlatformItem();
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);
     publish(m_showsCover, false, &PlayerModel::showsCoverChanged);
     publish(m_videoAspectMediaLoadID, QUuid(), &PlayerModel::videoAspectMediaLoadIDChanged);
     publish(m_isPlaying, false, &PlayerModel::isPlayingChanged);
-    publish(m_title, productName(), &PlayerModel::titleChanged);
+    nameItem(productName());
     setWebContent(std::nullopt, std::nullopt);
 }
 
@@ -453,12 +476,12 @@ void PlayerModel::showWebContent(const LastPlayableSource &source)
 {
     const auto *youTube = std::get_if<YouTubeSource>(&source);
     const auto *okVideo = std::get_if<OKVideoSource>(&source);
+    m_lookUp.request_stop();
     removePlatformItem();
     publish(m_currentURL, QUrl(), &PlayerModel::currentURLChanged);
     setWebContent(youTube ? std::optional(youTube->content) : std::nullopt,
                   okVideo ? std::optional(okVideo->content) : std::nullopt);
-    publish(m_title, std::visit([](const auto &content) { return content.title; }, source),
-            &PlayerModel::titleChanged);
+    nameItem(std::visit([](const auto &content) { return content.title; }, source));
     m_webPauseIsDue = false;
     publish(m_isPlaying, true, &PlayerModel::isPlayingChanged);
 }
@@ -495,7 +518,7 @@ void PlayerModel::discardLastRemoteSource()
 void PlayerModel::updateStreamTitle(const QString &name)
 {
     if (m_isLiveStream)
-        publish(m_title, trimmedOr(name, productName()), &PlayerModel::titleChanged);
+        nameItem(trimmedOr(name, productName()));
 }
 
 // Observing a web player

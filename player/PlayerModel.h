@@ -45,6 +45,8 @@ class PlayerModel : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    /// What plays is called so, also where the title is that of a list which was opened since.
+    Q_PROPERTY(QString itemTitle READ itemTitle NOTIFY itemTitleChanged)
     /// The last error's sentence; empty for none.
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
@@ -91,6 +93,7 @@ public:
     ~PlayerModel() override;
 
     const QString &title() const { return m_title; }
+    const QString &itemTitle() const { return m_itemTitle; }
     const QString &errorMessage() const { return m_errorMessage; }
     bool isLoading() const { return m_isLoading; }
     const PlaylistEntries &playlist() const { return m_playlist; }
@@ -125,10 +128,11 @@ public:
     Task<> openRemote(QString address, std::optional<QString> displayName);
     /// Plays `url` through the platform player; without a name, the title comes from the URL.
     void play(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
-    /// Plays a local file under its own name.
+    /// The same, not at the user's wish: what the user is about to open still takes its place.
+    void playOn(const QUrl &url, const QString &displayName, bool isLiveStream);
+    /// Plays a local file under its own name, in place of a playlist that is still loading.
     void playFile(const QUrl &url);
-    /// Makes local files the playlist, in place of one that is still loading too, and plays the
-    /// first of them. There is at least one.
+    /// Makes local files the playlist and plays the first of them. There is at least one.
     void playFiles(const QList<QUrl> &files);
 
     /// Asks for an M3U file and makes it the playlist. The imported entries; empty when the user
@@ -136,11 +140,16 @@ public:
     Task<std::optional<PlaylistEntries>> importLocalM3U(std::optional<QString> displayName);
     /// The file that the user chooses for that; empty when there is none.
     Task<std::optional<QUrl>> chooseM3UFile();
-    /// The same for a file that is already chosen. The error is what the player says too, or empty
-    /// when something else that was opened meanwhile took its place.
+    /// The same for a file that is already chosen. The error is what the player says too. When
+    /// something else was opened meanwhile, only the caller hears of it.
     Task<PlaylistResult> importM3UFile(QUrl file, std::optional<QString> displayName);
     /// Asks for a local media file and plays it.
     Task<> openFile();
+
+    /// Begins looking at a file that is to be opened afterwards, which a slow disk may hold up. The
+    /// token is stopped as soon as the user opens, plays or stops something else: then the answer
+    /// comes too late.
+    std::stop_token beginLookUp();
 
     Q_INVOKABLE void togglePlayback();
     Q_INVOKABLE void stop();
@@ -175,6 +184,7 @@ public:
 
 Q_SIGNALS:
     void titleChanged();
+    void itemTitleChanged();
     void errorMessageChanged();
     void isLoadingChanged();
     void playlistChanged();
@@ -213,9 +223,11 @@ private:
 
     Task<> loadM3U(QUrl url, std::optional<QString> displayName, QUuid requestID);
     Task<PlaylistResult> fetchPlaylist(QUrl url, std::stop_token stop);
-    QUuid renewRemoteRequest();
     void updateIsLoading();
+    /// Whatever is still on its way gives way to what is opened now.
     void cancelLoads();
+    void loadItem(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
+    void nameItem(const QString &name);
 
     void openWebContent(const LastPlayableSource &source);
     void showWebContent(const LastPlayableSource &source);
@@ -237,8 +249,10 @@ private:
     PlayerPlatform m_platform;
     std::stop_source m_lifetime;
     std::stop_source m_import;
+    std::stop_source m_lookUp;
 
     QString m_title;
+    QString m_itemTitle;
     QString m_errorMessage;
     bool m_isLoading = false;
     PlaylistEntries m_playlist;

@@ -140,6 +140,30 @@ Row changing(const QString &what, const QString &folder, int rounds, Change chan
     return {what, median(times) / frame, milliseconds(median(times)), Limit{Limit::Kind::Below, 1}};
 }
 
+/// Another list of as many links takes the library's place, and the change is undone and made
+/// again.
+QList<Row> importing(const QString &hold, const QString &folder, int rounds)
+{
+    Library library(folder);
+    QList<Seconds> imports;
+    QList<Seconds> steps;
+    for (int round = 0; round < rounds; ++round) {
+        // Of another size each time, which tells when it is stored.
+        const PlaylistEntries imported = links(linkCount + 1 + round);
+        imports.append(longestHold(library, folder, [&] {
+            library.store.setEntries(imported);
+            library.store.persist();
+        }));
+        steps.append(longestHold(library, folder, [&] { library.history.undo(); }));
+        steps.append(longestHold(library, folder, [&] { library.history.redo(); }));
+    }
+    const auto row = [&](const QString &what, const QList<Seconds> &times) {
+        return Row{hold.arg(what), median(times) / frame, milliseconds(median(times)),
+                   Limit{Limit::Kind::Below, 1}};
+    };
+    return {row(u"an import"_s, imports), row(u"undoing an import"_s, steps)};
+}
+
 Row loading(const QString &folder, int rounds)
 {
     QtScheduler scheduler;
@@ -205,19 +229,19 @@ int main(int argc, char *argv[])
                       {{u"200,000 links"_s, std::unexpected(u"They cannot be stored."_s)}});
     }
     const QString hold = u"longest hold of the main thread by %1, to 16 ms"_s;
-    return report(
-        u"library"_s,
-        {
-            loading(folder.path(), rounds),
-            starting(folder.path(), rounds),
-            changing(hold.arg(u"a save"_s), folder.path(), rounds, Change::Save, {}),
-            changing(hold.arg(u"an edit"_s), folder.path(), rounds, Change::Edit, {}),
-            changing(hold.arg(u"a deletion"_s), folder.path(), rounds, Change::Delete, {}),
-            changing(hold.arg(u"a save during a search"_s), folder.path(), rounds, Change::Save,
-                     u"sports"_s),
-            asking(u"contains, to that in a library of 50"_s, 100, rounds,
-                   Limit{Limit::Kind::AtMost, 1.2}),
-            asking(u"contains for 50,000 different addresses, to a library of 50"_s, 50'000, rounds,
-                   std::nullopt),
-        });
+    QList<Row> rows{
+        loading(folder.path(), rounds),
+        starting(folder.path(), rounds),
+        changing(hold.arg(u"a save"_s), folder.path(), rounds, Change::Save, {}),
+        changing(hold.arg(u"an edit"_s), folder.path(), rounds, Change::Edit, {}),
+        changing(hold.arg(u"a deletion"_s), folder.path(), rounds, Change::Delete, {}),
+        changing(hold.arg(u"a save during a search"_s), folder.path(), rounds, Change::Save,
+                 u"sports"_s),
+        asking(u"contains, to that in a library of 50"_s, 100, rounds,
+               Limit{Limit::Kind::AtMost, 1.2}),
+        asking(u"contains for 50,000 different addresses, to a library of 50"_s, 50'000, rounds,
+               std::nullopt),
+    };
+    rows += importing(hold, folder.path(), rounds);
+    return report(u"library"_s, rows);
 }

@@ -279,11 +279,12 @@ void MpvMediaPlayer::fail(ItemFailure failure)
 
 void MpvMediaPlayer::play()
 {
-    if (m_state.ended)
-        seek(0);
-    // What failed may do better when it is tried again.
-    if (m_state.failed)
+    // What failed or broke off may do better when it is tried again. Of the latter the beginning
+    // need not be in the cache any more.
+    if (m_state.failed || (m_state.ended && !m_state.canSeekEverywhere()))
         replaceItem(QUrl(m_item));
+    else if (m_state.ended)
+        seek(0);
     m_paused = false;
     if (m_core) {
         int value = 0;
@@ -352,7 +353,7 @@ std::optional<double> MpvMediaPlayer::currentTime() const
 
 std::optional<double> MpvMediaPlayer::duration() const
 {
-    return m_state.canSeekEverywhere() || m_state.lengthIsTold ? m_state.duration : std::nullopt;
+    return m_state.hasLength() ? m_state.duration : std::nullopt;
 }
 
 std::optional<MediaPlayer::TimeRange> MpvMediaPlayer::seekableRange() const
@@ -599,8 +600,11 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
             const bool hadEnded = std::exchange(m_state.ended, true);
             pause();
             requestTime();
-            if (!hadEnded)
+            if (!hadEnded) {
+                if (m_state.isWithoutEnd())
+                    Q_EMIT itemBrokeOff();
                 Q_EMIT itemEnded();
+            }
         }
         break;
     case Topic::Width:
@@ -621,6 +625,12 @@ void MpvMediaPlayer::handleProperty(Topic topic, const mpv_event_property &prope
     }
 }
 
+bool MpvMediaPlayer::ItemState::isWithoutEnd() const
+{
+    return !canSeekEverywhere() && !lengthIsTold && firstDuration
+        && duration > *firstDuration + rangeMargin;
+}
+
 void MpvMediaPlayer::updateDuration(std::optional<double> duration)
 {
     if (m_state.duration && duration && *duration > *m_state.duration + rangeMargin) {
@@ -628,6 +638,8 @@ void MpvMediaPlayer::updateDuration(std::optional<double> duration)
         m_state.lengthIsTold = false;
     }
     m_state.duration = duration;
+    if (!m_state.firstDuration)
+        m_state.firstDuration = duration;
 }
 
 void MpvMediaPlayer::updateCacheState(const mpv_node &state)
@@ -638,7 +650,9 @@ void MpvMediaPlayer::updateCacheState(const mpv_node &state)
     const std::optional<double> newest = number(mapValue(state, "cache-end"));
     const bool isBeyondData =
         m_state.duration && newest && *m_state.duration > *newest + lengthMargin;
-    if (flag(mapValue(state, "eof-cached")) || (isBeyondData && !m_state.lengthGrows))
+    if (flag(mapValue(state, "eof-cached")))
+        m_state.allHasArrived = true;
+    if (isBeyondData && !m_state.lengthGrows)
         m_state.lengthIsTold = true;
 }
 

@@ -92,12 +92,15 @@ private:
     {
         std::optional<double> time;
         std::optional<double> duration;
+        std::optional<double> firstDuration;
         std::optional<double> pendingSeek;
         int seeksUnderWay = 0;
         QList<TimeRange> cachedRanges;
         bool seekable = false;
         bool onlyCacheSeekable = false;
+        /// By the file itself.
         bool lengthIsTold = false;
+        bool allHasArrived = false;
         bool lengthGrows = false;
         bool coreIdle = true;
         bool waitsForCache = false;
@@ -108,6 +111,9 @@ private:
         bool showsCover = false;
 
         bool canSeekEverywhere() const { return seekable && !onlyCacheSeekable; }
+        bool hasLength() const { return canSeekEverywhere() || lengthIsTold || allHasArrived; }
+        /// Nobody knew where the end would be before it came.
+        bool isWithoutEnd() const;
     };
 
     /// The item as libmpv's playlist numbers it; it may turn out to be a playlist itself, whose

@@ -88,6 +88,12 @@ void DownloadsModelTest::namesTheFile()
     QFETCH(const QString, title);
     World world;
     world.player.play(stream, title, true);
+    // A list that is opened beside it has a name of its own.
+    const QUrl list(u"http://h/list.m3u"_s);
+    world.player.openRemote(list.toString(), u"My channels"_s);
+    world.http.respond(list, 200, "http://h/1.ts\n");
+    world.scheduler.runBackground();
+    QCOMPARE(world.player.title(), u"My channels"_s);
     world.downloads.downloadStream();
     world.http.respond(stream, 200, "#EXTM3U\na\n");
     world.scheduler.runBackground();

@@ -78,6 +78,8 @@ private Q_SLOTS:
     void savesAChannel();
     void networkListNamesNoFiles();
     void savesWhatPlays();
+    void savesWhatPlaysAfterItsListHasGone_data();
+    void savesWhatPlaysAfterItsListHasGone();
     void showsWhatIsSavedAlready();
     void waitsForTheLibrary();
     void savesUnderAName_data();
@@ -94,11 +96,15 @@ private Q_SLOTS:
     void deletesNoOtherLibrary();
     void importReplacesTheLibrary();
     void lastOfTwoImportsCounts();
+    void importsWhileSomethingElseIsOpened_data();
+    void importsWhileSomethingElseIsOpened();
     void aRequestWhileThePanelIsOpenLosesNothing();
     void badImportsLoseNothing_data();
     void badImportsLoseNothing();
     void drops_data();
     void drops();
+    void tellsOfWhatWasDroppedInVain_data();
+    void tellsOfWhatWasDroppedInVain();
     void exports();
     void saysWhyItCannotExport();
     void namesExportsByTheirDay();
@@ -178,6 +184,41 @@ void LocalM3UModelTest::savesWhatPlays()
     QCOMPARE(world.storedNames(), u"OneX"_s);
     world.player.stop();
     QVERIFY(!world.library.canSaveCurrent() && !world.library.isCurrentSaved());
+}
+
+void LocalM3UModelTest::savesWhatPlaysAfterItsListHasGone_data()
+{
+    QTest::addColumn<bool>("isChannel");
+    QTest::newRow("channel") << true;
+    QTest::newRow("address") << false;
+}
+
+void LocalM3UModelTest::savesWhatPlaysAfterItsListHasGone()
+{
+    QFETCH(const bool, isChannel);
+    World world;
+    world.loadPlaylist();
+    if (isChannel)
+        world.shell.playChannel(0);
+    else
+        world.player.openRemote(u"http://h/1.m3u8"_s, u"One"_s);
+    world.player.importM3UFile(world.write(u"other.m3u"_s, "http://h/other\n"), {});
+    world.scheduler.runBackground();
+    QCOMPARE(world.player.title(), u"other"_s);
+    for (const bool isReplayed : {false, true}) {
+        if (isReplayed) {
+            world.store.setEntries({});
+            world.player.stop();
+            world.player.togglePlayback();
+        }
+        world.library.saveCurrent();
+        const PlaylistEntry saved = world.store.entries().at(0);
+        QCOMPARE(saved.name, u"One"_s);
+        QCOMPARE(saved.url, QUrl(u"http://h/1.m3u8"_s));
+        QCOMPARE(saved.groupTitle, isChannel ? std::optional(u"G"_s) : std::nullopt);
+        QCOMPARE(saved.logoURL, isChannel ? std::optional(QUrl(u"http://l/1"_s)) : std::nullopt);
+        QCOMPARE(world.shell.currentChannel(), -1);
+    }
 }
 
 void LocalM3UModelTest::showsWhatIsSavedAlready()
@@ -446,6 +487,36 @@ void LocalM3UModelTest::lastOfTwoImportsCounts()
     QCOMPARE(world.shell.sidebarSection(), Section::localM3U);
 }
 
+void LocalM3UModelTest::importsWhileSomethingElseIsOpened_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("names");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("good") << QByteArray("#EXTINF:-1,x\nhttp://h/x\n") << u"x"_s << QString();
+    QTest::newRow("bad") << QByteArray("#EXTM3U\n") << u"a"_s
+                         << u"Could not import playlist: "
+                            "No playable address was found in the playlist."_s;
+}
+
+void LocalM3UModelTest::importsWhileSomethingElseIsOpened()
+{
+    QFETCH(const QByteArray, content);
+    World world;
+    world.set(u"a"_s);
+    world.shell.setSidebarSection(Section::localM3U);
+    world.library.drop({world.write(u"slow.m3u"_s, content)}, {});
+    world.player.openRemote(u"http://h/list.m3u"_s, u"Mine"_s);
+    world.http.respond(QUrl(u"http://h/list.m3u"_s), 200, "http://h/1.ts\n");
+    world.scheduler.runNewestBackground();
+    QTEST(world.names(), "names");
+    QTEST(world.library.errorMessage(), "error");
+    // The player has what was opened last.
+    QCOMPARE(world.player.title(), u"Mine"_s);
+    QCOMPARE(world.player.playlist().size(), 1);
+    QCOMPARE(world.player.errorMessage(), QString());
+    QCOMPARE(world.shell.sidebarSection(), Section::network);
+}
+
 void LocalM3UModelTest::aRequestWhileThePanelIsOpenLosesNothing()
 {
     World world;
@@ -526,6 +597,32 @@ void LocalM3UModelTest::drops()
     QCOMPARE(expected == LocalM3UModel::ImportDropped, world.names() == u"x");
     QCOMPARE(expected == LocalM3UModel::AddDropped, world.library.editor()->isOpen());
     QCOMPARE(expected == LocalM3UModel::NothingDropped, !accepted);
+}
+
+void LocalM3UModelTest::tellsOfWhatWasDroppedInVain_data()
+{
+    QTest::addColumn<QStringList>("dropped");
+    QTest::addColumn<QString>("toast");
+    const QString opened = u"Opened 1 of 2 items."_s;
+    QTest::newRow("list and film")
+        << QStringList{u"a.m3u"_s, u"b.mp4"_s}
+        << u"Imported 1 link in place of 1 link. Undo brings them back. "_s + opened;
+    QTest::newRow("addresses") << QStringList{u"http://h/1"_s, u"http://h/2"_s} << opened;
+    QTest::newRow("film and list") << QStringList{u"b.mp4"_s, u"a.m3u"_s} << opened;
+    QTest::newRow("films") << QStringList{u"b.mp4"_s, u"c.mp4"_s} << QString();
+}
+
+void LocalM3UModelTest::tellsOfWhatWasDroppedInVain()
+{
+    QFETCH(const QStringList, dropped);
+    World world;
+    world.set(u"a"_s);
+    QList<QUrl> urls;
+    for (const QString &name : dropped)
+        urls.append(name.startsWith(u"http") ? QUrl(name) : world.write(name, "http://h/x\n"));
+    QVERIFY(world.library.drop(urls, {}));
+    world.scheduler.runBackground();
+    QTEST(world.player.toastMessage(), "toast");
 }
 
 void LocalM3UModelTest::exports()

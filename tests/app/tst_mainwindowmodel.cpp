@@ -44,6 +44,7 @@ private Q_SLOTS:
     void enterOpensAtOnce();
     void passesTheOptionalName_data();
     void passesTheOptionalName();
+    void namesTheAddressAfterwards();
     void clearForgetsThePendingOpen();
     void clearsWhatThereIs_data();
     void clearsWhatThereIs();
@@ -59,7 +60,12 @@ private Q_SLOTS:
     void opensSeveral_data();
     void opensSeveral();
     void filesOpenedTogetherFollowEachOther();
+    void filesGoOnAfterBrokenOnes_data();
+    void filesGoOnAfterBrokenOnes();
+    void playingOnGivesWayToWhatTheUserOpens();
     void playsAChannel();
+    void replayIsTheSameChannel_data();
+    void replayIsTheSameChannel();
     void onlyOwnPlaylistsOpenFiles();
 
     void sidebarFollowsEvents();
@@ -76,6 +82,7 @@ private Q_SLOTS:
     void errorsLeaveThePicture();
     void errorsAreToldOnce_data();
     void errorsAreToldOnce();
+    void tellsWhenAStreamBreaksOff();
     void saysWhenOpeningTakesLong();
     void menusFollowTheState();
 
@@ -146,6 +153,30 @@ void MainWindowModelTest::passesTheOptionalName()
     m_world->shell.setDisplayName(u" My film "_s);
     m_world->scheduler.advance(450ms);
     QTEST(m_world->player.title(), "title");
+}
+
+void MainWindowModelTest::namesTheAddressAfterwards()
+{
+    MainWindowModel &shell = m_world->shell;
+    shell.setAddressText(u"http://host/live.m3u8"_s);
+    m_world->scheduler.advance(450ms);
+    shell.setDisplayName(u"News"_s);
+    QCOMPARE(m_world->player.title(), u"Lumaro"_s);
+    shell.setDisplayNameShown(true);
+    QCOMPARE(m_world->player.title(), u"News"_s);
+    shell.setDisplayName(u" Sport "_s);
+    QCOMPARE(m_world->player.title(), u"Sport"_s);
+    QCOMPARE(opened().size(), 1);
+
+    // The name is for what the address field opens, now the next.
+    shell.setAddressText(u"http://host/next.m3u8"_s);
+    shell.setDisplayName(u"Film"_s);
+    QCOMPARE(m_world->player.title(), u"Sport"_s);
+    m_world->player.play(QUrl(u"http://h/1.m3u8"_s), u"Channel"_s, true);
+    shell.setDisplayName(u"Films"_s);
+    QCOMPARE(m_world->player.title(), u"Channel"_s);
+    m_world->scheduler.advance(450ms);
+    QCOMPARE(m_world->player.title(), u"Films"_s);
 }
 
 void MainWindowModelTest::clearForgetsThePendingOpen()
@@ -404,6 +435,120 @@ void MainWindowModelTest::filesOpenedTogetherFollowEachOther()
     m_world->shell.playChannel(0);
     end();
     QCOMPARE(player.title(), u"One"_s);
+}
+
+void MainWindowModelTest::filesGoOnAfterBrokenOnes_data()
+{
+    QTest::addColumn<int>("broken");
+    QTest::addColumn<MediaPlayer::ItemFailure>("failure");
+    QTest::addColumn<int>("loads");
+    QTest::addColumn<QString>("playing");
+    QTest::addColumn<QString>("toast");
+    QTest::addColumn<bool>("hasNotice");
+    using Failure = MediaPlayer::ItemFailure;
+    QTest::newRow("none") << 0 << Failure::Unplayable << 1 << u"a.mp4"_s << QString() << false;
+    QTest::newRow("one") << 1 << Failure::Unplayable << 2 << u"b.mp4"_s
+                         << u"Skipped a.mp4, which cannot be played."_s << false;
+    QTest::newRow("two") << 2 << Failure::Unreachable << 3 << u"c.mp4"_s
+                         << u"Skipped 2 files that cannot be played."_s << false;
+    QTest::newRow("all") << 3 << Failure::Unplayable << 3 << u"c.mp4"_s
+                         << u"Skipped 2 files that cannot be played."_s << true;
+    QTest::newRow("nothing can be drawn")
+        << 1 << Failure::NoPicture << 1 << u"a.mp4"_s << QString() << true;
+}
+
+void MainWindowModelTest::filesGoOnAfterBrokenOnes()
+{
+    QFETCH(const int, broken);
+    QFETCH(const MediaPlayer::ItemFailure, failure);
+    QFETCH(const QString, toast);
+    QFETCH(const bool, hasNotice);
+    m_world->shell.open({u"/a.mp4"_s, u"/b.mp4"_s, u"/c.mp4"_s}, {});
+    for (int i = 0; i < broken; ++i)
+        Q_EMIT m_world->mediaPlayer.itemFailed(failure);
+    QTEST(m_world->player.title(), "playing");
+    QCOMPARE(m_world->player.toastMessage(), toast);
+    QCOMPARE(m_world->shell.pictureNotice().isEmpty(), !hasNotice);
+    QTEST(int(opened().size()), "loads");
+    if (hasNotice)
+        return;
+    // Those before it have been told.
+    Q_EMIT m_world->mediaPlayer.itemStarted();
+    const QString name = m_world->player.title();
+    Q_EMIT m_world->mediaPlayer.itemFailed(failure);
+    if (name != u"c.mp4")
+        QCOMPARE(m_world->player.toastMessage(),
+                 u"Skipped "_s + name + u", which cannot be played."_s);
+
+    // A channel that fails waits for the user.
+    const QUrl list(u"http://h/list.m3u"_s);
+    m_world->player.openRemote(list.toString(), {});
+    m_world->http.respond(list, 200, "#EXTINF:-1,One\na.ts\n#EXTINF:-1,Two\nb.ts\n");
+    m_world->scheduler.runBackground();
+    m_world->shell.playChannel(0);
+    Q_EMIT m_world->mediaPlayer.itemFailed(failure);
+    QCOMPARE(m_world->player.title(), u"One"_s);
+    QVERIFY(!m_world->shell.pictureNotice().isEmpty());
+}
+
+void MainWindowModelTest::playingOnGivesWayToWhatTheUserOpens()
+{
+    QTemporaryFile film;
+    QVERIFY(film.open());
+    m_world->shell.open({u"/a.mp4"_s, u"/b.mp4"_s}, {});
+    m_world->recent.open({QUrl::fromLocalFile(film.fileName()), {}});
+    // The disk still looks for it.
+    Q_EMIT m_world->mediaPlayer.itemEnded();
+    QCOMPARE(m_world->player.title(), u"b.mp4"_s);
+    m_world->scheduler.runBackground();
+    QCOMPARE(m_world->player.currentURL(), QUrl::fromLocalFile(film.fileName()));
+}
+
+void MainWindowModelTest::replayIsTheSameChannel_data()
+{
+    QTest::addColumn<bool>("areFiles");
+    QTest::newRow("channels") << false;
+    QTest::newRow("files opened together") << true;
+}
+
+void MainWindowModelTest::replayIsTheSameChannel()
+{
+    QFETCH(const bool, areFiles);
+    PlayerModel &player = m_world->player;
+    MainWindowModel &shell = m_world->shell;
+    const QUrl list(u"http://h/list.m3u"_s);
+    const auto load = [&] {
+        player.openRemote(list.toString(), {});
+        // The same address twice is two channels.
+        m_world->http.respond(list, 200, "http://h/a.ts\nhttp://h/a.ts\nhttp://h/b.ts\n");
+        m_world->scheduler.runBackground();
+    };
+    if (areFiles)
+        shell.open({u"/a.mp4"_s, u"/a.mp4"_s, u"/b.mp4"_s}, {});
+    else
+        load();
+    shell.playChannel(1);
+    player.stop();
+    QCOMPARE(shell.currentChannel(), -1);
+    player.togglePlayback();
+    QCOMPARE(shell.currentChannel(), 1);
+    QCOMPARE(shell.channelBeside(+1), 2);
+    Q_EMIT m_world->mediaPlayer.itemEnded();
+    QCOMPARE(shell.currentChannel(), areFiles ? 2 : 1);
+
+    // Something else has been opened since.
+    player.openRemote(u"http://h/film.mp4"_s, {});
+    player.stop();
+    player.togglePlayback();
+    QCOMPARE(shell.currentChannel(), -1);
+
+    // In another list its place means nothing.
+    shell.playChannel(1);
+    player.stop();
+    load();
+    player.togglePlayback();
+    QVERIFY(player.isPlaying());
+    QCOMPARE(shell.currentChannel(), -1);
 }
 
 void MainWindowModelTest::playsAChannel()
@@ -731,19 +876,18 @@ void MainWindowModelTest::errorsAreToldOnce_data()
         [](ShellWorld &world) { world.shell.setSidebarSection(Section::localM3U); }, true);
     row(
         "the library's own",
-        [](ShellWorld &world) {
-            world.shell.setSidebarSection(Section::localM3U);
-            world.shell.setKeepsSection(true);
-        },
-        false);
+        [](ShellWorld &world) { world.shell.setSidebarSection(Section::localM3U); }, false);
 }
 
 void MainWindowModelTest::errorsAreToldOnce()
 {
     QFETCH(const std::function<void(ShellWorld &)>, look);
     QFETCH(const bool, isOverPicture);
-    const auto fail = [this] {
+    const bool isTheLibrarys = qstrcmp(QTest::currentDataTag(), "the library's own") == 0;
+    const auto fail = [&] {
         m_world->player.importM3UFile(QUrl(u"file:///nowhere.m3u"_s), {});
+        if (isTheLibrarys)
+            m_world->shell.keepSectionWhileLoading();
         m_world->scheduler.runBackground();
         QVERIFY(!m_world->player.errorMessage().isEmpty());
     };
@@ -753,10 +897,17 @@ void MainWindowModelTest::errorsAreToldOnce()
 
     // In the other order.
     m_world = std::make_unique<ShellWorld>();
-    m_world->shell.setKeepsSection(qstrcmp(QTest::currentDataTag(), "the library's own") == 0);
     fail();
     look(*m_world);
     QCOMPARE(!m_world->shell.pictureError().isEmpty(), isOverPicture);
+}
+
+void MainWindowModelTest::tellsWhenAStreamBreaksOff()
+{
+    m_world->player.play(QUrl(u"http://h/a.m3u8"_s), u"x"_s, true);
+    Q_EMIT m_world->mediaPlayer.itemBrokeOff();
+    Q_EMIT m_world->mediaPlayer.itemEnded();
+    QCOMPARE(m_world->player.toastMessage(), u"The stream has ended. Space opens it again."_s);
 }
 
 void MainWindowModelTest::saysWhenOpeningTakesLong()

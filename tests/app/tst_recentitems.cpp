@@ -42,6 +42,8 @@ private Q_SLOTS:
     void showsNoPasswords_data();
     void showsNoPasswords();
     void opensAgain();
+    void lateAnswersChangeNothing_data();
+    void lateAnswersChangeNothing();
     void asksAboutMissingFiles();
     void clears();
     void menuFollows();
@@ -219,6 +221,31 @@ void RecentItemsTest::opensAgain()
     recent().open({address(1), u"One"_s});
     QCOMPARE(m_world->player.currentURL(), address(1));
     QCOMPARE(m_world->player.title(), u"One"_s);
+}
+
+void RecentItemsTest::lateAnswersChangeNothing_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::addColumn<bool>("stops");
+    for (const bool exists : {false, true}) {
+        QTest::addRow("%s, another plays", exists ? "film" : "missing") << exists << false;
+        QTest::addRow("%s, stopped", exists ? "film" : "missing") << exists << true;
+    }
+}
+
+void RecentItemsTest::lateAnswersChangeNothing()
+{
+    QFETCH(const bool, exists);
+    QFETCH(const bool, stops);
+    const QString path = exists ? file(u"late.mp4"_s) : m_folder.filePath(u"none.mp4"_s);
+    recent().open({QUrl::fromLocalFile(path), {}});
+    if (stops)
+        m_world->player.stop();
+    else
+        m_world->player.playFile(QUrl::fromLocalFile(u"/other.mp4"_s));
+    m_world->scheduler.runBackground();
+    QCOMPARE(m_world->player.currentURL(), stops ? QUrl() : QUrl::fromLocalFile(u"/other.mp4"_s));
+    QCOMPARE(recent().missingFile(), QString());
 }
 
 void RecentItemsTest::asksAboutMissingFiles()

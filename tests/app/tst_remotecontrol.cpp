@@ -99,6 +99,8 @@ private Q_SLOTS:
     void opensWhatCanBeOpened_data();
     void opensWhatCanBeOpened();
     void opensFiles();
+    void refusesWhatComesTooLate();
+    void namesWhatPlaysAndNoList();
     void passesOnWhatTheWindowDoes();
 
 private:
@@ -451,6 +453,30 @@ void RemoteControlTest::opensFiles()
     const QUrl url = QUrl::fromLocalFile(file.fileName());
     QCOMPARE(m_world->open(url.toString(QUrl::FullyEncoded)), QString());
     QCOMPARE(m_world->player.currentURL(), url);
+}
+
+void RemoteControlTest::refusesWhatComesTooLate()
+{
+    QTemporaryFile file(QDir::tempPath() + u"/XXXXXX.mp4"_s);
+    QVERIFY(file.open());
+    QString error;
+    commands().openUri(u"file://"_s + file.fileName()).then([&error](const auto &opened) {
+        error = opened ? u"opened"_s : opened.error();
+    });
+    m_world->player.playFile(film);
+    m_world->scheduler.runBackground();
+    QCOMPARE(error, u"Something else was opened meanwhile."_s);
+    QCOMPARE(m_world->player.currentURL(), film);
+}
+
+void RemoteControlTest::namesWhatPlaysAndNoList()
+{
+    m_world->play(20, 60);
+    m_world->loadChannels();
+    QCOMPARE(m_world->player.title(), u"IPTV Playlist"_s);
+    QCOMPARE(m_world->state().title, u"a film.mp4"_s);
+    m_world->player.stop();
+    QCOMPARE(m_world->state().title, u"Lumaro"_s);
 }
 
 void RemoteControlTest::passesOnWhatTheWindowDoes()

@@ -31,6 +31,7 @@ QByteArray playlistText(const char *name)
 
 struct World
 {
+    QTemporaryDir folder;
     FakeMediaPlayer player;
     FakeHttpClient http;
     FakeFilePanels panels;
@@ -45,6 +46,15 @@ struct World
     void open(const QUrl &url, const QString &name = {})
     {
         model->openRemote(url.toString(), name);
+    }
+    void import(const QString &name, const char *channel = "imported")
+    {
+        QFile file(folder.filePath(name));
+        if (!file.open(QIODevice::WriteOnly))
+            qFatal("No file for the test.");
+        file.write(playlistText(channel));
+        file.close();
+        model->importM3UFile(QUrl::fromLocalFile(file.fileName()), {});
     }
     QStringList channels() const
     {
@@ -88,6 +98,10 @@ private Q_SLOTS:
 
     void newestPlaylistWins_data();
     void newestPlaylistWins();
+    void listsGiveWayToWhatIsOpenedLater_data();
+    void listsGiveWayToWhatIsOpenedLater();
+    void lookUpsGiveWay_data();
+    void lookUpsGiveWay();
     void clearDropsThePendingPlaylist_data();
     void clearDropsThePendingPlaylist();
     void clearDropsTheRunningImport();
@@ -121,6 +135,7 @@ private Q_SLOTS:
     void shortWaitShowsNoBuffering();
     void observesTheItem();
     void renamesLiveStreamsOnly();
+    void listsDoNotRenameWhatPlays();
 
     void keys_data();
     void keys();
@@ -222,6 +237,89 @@ void PlayerModelTest::newestPlaylistWins()
     QVERIFY(!m_world->model->isLoading());
 }
 
+void PlayerModelTest::listsGiveWayToWhatIsOpenedLater_data()
+{
+    QTest::addColumn<std::function<void(World &)>>("later");
+    QTest::addColumn<QStringList>("channels");
+    QTest::addColumn<QString>("title");
+    const auto row = [](const char *name, std::function<void(World &)> later,
+                        const QStringList &channels, const QString &title) {
+        QTest::newRow(name) << later << channels << title;
+    };
+    const QUrl film = QUrl::fromLocalFile(u"/film.mp4"_s);
+    row("stream", [](World &w) { w.open(liveStream, u"News"_s); }, {}, u"News"_s);
+    row(
+        "site's player", [](World &w) { w.open(QUrl(u"https://youtu.be/v"_s), u"V"_s); }, {},
+        u"V"_s);
+    row("imported list", [](World &w) { w.import(u"Mine.m3u"_s); }, {u"imported"_s}, u"Mine"_s);
+    row("file", [film](World &w) { w.model->playFile(film); }, {}, u"film.mp4"_s);
+    row(
+        "files", [film](World &w) { w.model->playFiles({film, film}); },
+        {u"film.mp4"_s, u"film.mp4"_s}, u"film.mp4"_s);
+    // What is picked out of a list beside it, or stopped, is no reason to lose it.
+    row(
+        "channel", [](World &w) { w.model->play(liveStream, u"News"_s, true); }, {u"first"_s},
+        u"First"_s);
+    row("stop", [](World &w) { w.model->stop(); }, {u"first"_s}, u"First"_s);
+}
+
+void PlayerModelTest::listsGiveWayToWhatIsOpenedLater()
+{
+    QFETCH(const std::function<void(World &)>, later);
+    for (const bool isImport : {false, true}) {
+        m_world = std::make_unique<World>();
+        if (isImport)
+            m_world->import(u"First.m3u"_s, "first");
+        else
+            m_world->open(listA, u"First"_s);
+        later(*m_world);
+        if (m_world->http.pendingRequests() > 0)
+            m_world->http.respond(listA, 200, playlistText("first"));
+        m_world->scheduler.runNewestBackground();
+        QTEST(m_world->channels(), "channels");
+        QTEST(m_world->model->title(), "title");
+        QVERIFY(!m_world->model->isLoading());
+        QCOMPARE(m_world->model->errorMessage(), QString());
+    }
+}
+
+void PlayerModelTest::lookUpsGiveWay_data()
+{
+    QTest::addColumn<std::function<void(World &)>>("later");
+    QTest::addColumn<bool>("overtaken");
+    const auto row = [](const char *name, std::function<void(World &)> later,
+                        bool overtaken = true) { QTest::newRow(name) << later << overtaken; };
+    row("nothing", [](World &) { }, false);
+    row("another", [](World &w) { w.model->beginLookUp(); });
+    row("stream", [](World &w) { w.open(liveStream); });
+    row("list", [](World &w) { w.open(listA); });
+    row("imported list", [](World &w) { w.import(u"list.m3u"_s); });
+    row("site's player", [](World &w) { w.open(QUrl(u"https://youtu.be/v"_s)); });
+    row("channel", [](World &w) { w.model->play(liveStream, u"News"_s, true); });
+    row("file", [](World &w) { w.model->playFile(QUrl::fromLocalFile(u"/film.mp4"_s)); });
+    row("replay", [](World &w) { w.model->togglePlayback(); });
+    row("stop", [](World &w) { w.model->stop(); });
+    row("clear", [](World &w) { w.model->clearNetworkStream(); });
+    row(
+        "going on by itself", [](World &w) { w.model->playOn(liveStream, u"News"_s, true); },
+        false);
+    row("skip", [](World &w) { w.model->skip(5); }, false);
+    row("the program's end", [](World &w) { w.model.reset(); });
+}
+
+void PlayerModelTest::lookUpsGiveWay()
+{
+    QFETCH(const std::function<void(World &)>, later);
+    for (const QUrl &before : {liveStream, QUrl(u"https://youtu.be/w"_s)}) {
+        m_world = std::make_unique<World>();
+        m_world->open(before);
+        m_world->model->stop();
+        const std::stop_token token = m_world->model->beginLookUp();
+        later(*m_world);
+        QTEST(token.stop_requested(), "overtaken");
+    }
+}
+
 void PlayerModelTest::clearDropsThePendingPlaylist_data()
 {
     QTest::addColumn<QByteArray>("body");
@@ -245,12 +343,7 @@ void PlayerModelTest::clearDropsThePendingPlaylist()
 
 void PlayerModelTest::clearDropsTheRunningImport()
 {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(u"list.m3u"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(playlistText("a"));
-    file.close();
-    m_world->model->importM3UFile(QUrl::fromLocalFile(file.fileName()), {});
+    m_world->import(u"list.m3u"_s);
     QVERIFY(m_world->model->isLoading());
     m_world->model->clearNetworkStream();
     QVERIFY(!m_world->model->isLoading());
@@ -688,8 +781,25 @@ void PlayerModelTest::renamesLiveStreamsOnly()
     m_world->open(liveStream, u"News"_s);
     model.updateStreamTitle(u" Sport \n"_s);
     QCOMPARE(model.title(), u"Sport"_s);
+    QCOMPARE(model.itemTitle(), u"Sport"_s);
     model.updateStreamTitle(u" "_s);
     QCOMPARE(model.title(), u"Lumaro"_s);
+}
+
+void PlayerModelTest::listsDoNotRenameWhatPlays()
+{
+    PlayerModel &model = *m_world->model;
+    for (const QUrl &source : {liveStream, QUrl(u"https://youtu.be/v"_s)}) {
+        m_world->open(source, u"News"_s);
+        m_world->import(u"Mine.m3u"_s);
+        m_world->scheduler.runBackground();
+        QCOMPARE(model.title(), u"Mine"_s);
+        QCOMPARE(model.itemTitle(), u"News"_s);
+        model.stop();
+        QCOMPARE(model.itemTitle(), u"Lumaro"_s);
+        model.togglePlayback();
+        QCOMPARE(model.itemTitle(), u"News"_s);
+    }
 }
 
 void PlayerModelTest::keys_data()

@@ -4,6 +4,7 @@
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/platform/mpv/MpvWorld.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -38,6 +39,12 @@ double loudness(const QString &file)
     return count == 0 ? -1 : std::sqrt(sum / double(count));
 }
 
+QByteArray contentOf(const QString &file)
+{
+    QFile input(file);
+    return input.open(QIODevice::ReadOnly) ? input.readAll() : QByteArray();
+}
+
 bool isNear(std::optional<double> value, double expected, double tolerance = 0.05)
 {
     return value && std::abs(*value - expected) <= tolerance;
@@ -66,6 +73,9 @@ private Q_SLOTS:
     void seeksExactlyWhilePaused();
     void positionNeverFallsBackWhileSeeksFollowEachOther();
     void pausesAtTheEndAndBeginsAnew();
+    void opensAgainWhatCannotBeSoughtIn_data();
+    void opensAgainWhatCannotBeSoughtIn();
+    void channelComesBack();
     void newItemBeginsAtZero();
     void lastOfManyItemsPlays();
     void knowsThatAPictureIsTurned();
@@ -321,6 +331,73 @@ void MpvMediaPlayerTest::pausesAtTheEndAndBeginsAnew()
     QVERIFY(becomesTrue([&] { return isNear(player().currentTime(), 5); }));
     QCOMPARE(player().rate(), 0);
     QCOMPARE(ends.count(), 2);
+    QCOMPARE(m_world->failures.size(), 0);
+}
+
+void MpvMediaPlayerTest::opensAgainWhatCannotBeSoughtIn_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<double>("length");
+    QTest::addColumn<bool>("isStream");
+    QByteArray segments;
+    const QDir hls(QFileInfo(fixture(Fixture::Hls)).path() + u"/high"_s);
+    for (const QString &name : hls.entryList({u"*.ts"_s}, QDir::Files, QDir::Name).first(2))
+        segments += contentOf(hls.filePath(name));
+    QTest::newRow("stream that breaks off") << QByteArray("/channel.ts") << segments << 4. << true;
+    QTest::newRow("film that is served whole only")
+        << QByteArray("/clip.mp4") << contentOf(fixture(Fixture::SmallClip)) << 10. << false;
+}
+
+void MpvMediaPlayerTest::opensAgainWhatCannotBeSoughtIn()
+{
+    QFETCH(const QByteArray, path);
+    QFETCH(const QByteArray, body);
+    QFETCH(const double, length);
+    QFETCH(const bool, isStream);
+    FaultResponse response = FaultResponse::of("application/octet-stream", body);
+    if (isStream)
+        response.framing = FaultResponse::Framing::UntilClose;
+    response.dripSize = body.size() / 20;
+    response.dripInterval = 100ms;
+    m_faults->route(path, response);
+    const QSignalSpy brokeOff(&player(), &MediaPlayer::itemBrokeOff);
+    const QSignalSpy ends(&player(), &MediaPlayer::itemEnded);
+    m_world->open(m_faults->url(path));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(becomesTrue([&] {
+        return player().seekableRange().value_or(MediaPlayer::TimeRange()).end > length - 0.5;
+    }));
+    player().seek(length - 0.5);
+    QVERIFY(becomesTrue([&] { return player().rate() == 0; }));
+    QCOMPARE(ends.count(), 1);
+    QCOMPARE(brokeOff.count(), isStream ? 1 : 0);
+    QCOMPARE(m_faults->requestCount(path), 1);
+    player().play();
+    QVERIFY(becomesTrue([&] { return m_faults->requestCount(path) == 2; }));
+    QVERIFY(m_world->playsTo(0.2));
+    QVERIFY(player().currentTime() < length - 1);
+    QVERIFY(player().duration().has_value() != isStream);
+    QCOMPARE(m_world->failures.size(), 0);
+}
+
+void MpvMediaPlayerTest::channelComesBack()
+{
+    auto feed = valueOrFail(LiveFeed::start(*m_nginx, u"channel"_s));
+    QVERIFY(feed && feed->waitUntilServing(30s));
+    const QSignalSpy brokeOff(&player(), &MediaPlayer::itemBrokeOff);
+    m_world->open(feed->url());
+    QVERIFY(m_world->playsTo(2));
+    feed->remove();
+    QVERIFY(becomesTrue([&] { return player().rate() == 0; }));
+    QCOMPARE(brokeOff.count(), 1);
+    feed.reset();
+    feed = valueOrFail(LiveFeed::start(*m_nginx, u"channel"_s));
+    QVERIFY(feed && feed->waitUntilServing(30s));
+    player().play();
+    QVERIFY(becomesTrue([&] { return player().currentTime().value_or(99) < 1; }));
+    QVERIFY(m_world->playsTo(1));
+    QCOMPARE(player().duration(), std::nullopt);
     QCOMPARE(m_world->failures.size(), 0);
 }
 
