@@ -176,6 +176,11 @@ Window {
     }
     Binding {
         target: window.finder
+        property: "isShown"
+        value: window.controller.isShown
+    }
+    Binding {
+        target: window.finder
         property: "isPanelOpen"
         value: window.panels.isOpen
     }
