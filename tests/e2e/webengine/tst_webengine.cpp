@@ -1,6 +1,9 @@
 #include "finder/PageScripts.h"
 #include "finder/ResourceMessage.h"
 #include "finder/SnifferAdBlocker.h"
+#include "finder/SnifferProxyManager.h"
+#include "finder/SnifferSavedWebsiteStore.h"
+#include "finder/SnifferWebView.h"
 #include "platform/ConnectionFailures.h"
 #include "platform/PageView.h"
 #include "platform/contentrules/CompilingRuleListStore.h"
@@ -14,6 +17,10 @@
 #include "tests/e2e/servers/ValueOrFail.h"
 #include "tests/e2e/servers/Waiting.h"
 #include "tests/e2e/webengine/EngineProgram.h"
+#include "tests/fakes/FakeContentRuleListStore.h"
+#include "tests/fakes/FakeFilePanels.h"
+#include "tests/fakes/FakeProxyConfigurationTarget.h"
+#include "tests/fakes/FakeScheduler.h"
 #include "tests/fakes/FakeUserDefaults.h"
 
 #include <QNetworkInterface>
@@ -123,6 +130,7 @@ private Q_SLOTS:
     void serversOwnErrorsArePages();
     void tellsWhenAnswersBegin_data();
     void tellsWhenAnswersBegin();
+    void silentServersAreGivenUp();
 
 private:
     bool wasAsked(const QString &path) const
@@ -396,6 +404,41 @@ void WebEngineTest::tellsWhenAnswersBegin()
     QCOMPARE(begun.count(), 0);
     server->release("/page");
     QVERIFY(becomesTrue([&] { return !begun.isEmpty(); }));
+}
+
+void WebEngineTest::silentServersAreGivenUp()
+{
+    FakeScheduler scheduler;
+    FakeUserDefaults defaults;
+    FakeFilePanels panels;
+    FakeContentRuleListStore rules;
+    FakeProxyConfigurationTarget target;
+    SnifferAdBlocker blocker(defaults, scheduler, rules);
+    SnifferProxyManager proxy(defaults, scheduler, target);
+    SnifferSavedWebsiteStore websites(defaults, scheduler, panels);
+    SnifferManager tab(websites);
+    const auto bridge = std::make_unique<SnifferWebView>(
+        *m_world->view, tab, SnifferWebView::Environment{blocker, proxy, scheduler});
+    const auto server = valueOrFail(FaultServer::start());
+    QVERIFY(server);
+    server->route("/page", FaultResponse::of("text/html", "<title>Late</title>"));
+    server->hold("/page");
+
+    tab.navigate(server->url("/page"));
+    QVERIFY(becomesTrue([&] { return server->requestCount("/page") > 0; }));
+    scheduler.advance(std::chrono::seconds(59));
+    QCOMPARE(tab.errorMessage(), QString());
+    QVERIFY(tab.isLoading());
+    scheduler.advance(std::chrono::seconds(1));
+    QVERIFY(becomesTrue([&] { return server->openConnections() == 0; }));
+    QCOMPARE(tab.errorMessage(), u"The server takes too long to answer."_s);
+    QVERIFY(!tab.isLoading());
+    QVERIFY(websites.websites().isEmpty());
+
+    server->release("/page");
+    tab.reload();
+    QVERIFY(becomesTrue([&] { return tab.pageTitle() == u"Late"; }));
+    QCOMPARE(tab.errorMessage(), QString());
 }
 
 int main(int argc, char *argv[])
