@@ -5,8 +5,9 @@ import Lumaro.Finder
 import Lumaro.Platform.WebEngine
 import Lumaro.Ui
 
-// One tab's pages, and what is shown in their place or above them: a page whose process is gone, a
-// server that is not who it claims to be, a page that asks for more than it may.
+// One tab's pages, and what is shown in their place or above them: a page that could not be loaded or
+// whose process is gone, a server that is not who it claims to be, a page that asks for more than it
+// may.
 FocusScope {
     id: root
 
@@ -18,6 +19,7 @@ FocusScope {
     readonly property bool isFullScreen: view.isFullScreen
     readonly property alias hasCrashed: view.hasCrashed
     readonly property alias refusedAddress: view.refusedAddress
+    readonly property alias hasFailed: view.hasFailed
     // The page waits for an answer.
     readonly property alias isAsking: dialog.isOpen
 
@@ -47,6 +49,8 @@ FocusScope {
         id: view
 
         property bool hasCrashed: false
+        // The engine's own page about it knows less than the line below the address.
+        property bool hasFailed: false
         property string refusedAddress
         property string refusal
         // What pages ask for, the oldest first.
@@ -97,6 +101,7 @@ FocusScope {
         onLoadingChanged: info => {
             if (info.status === WebEngineView.LoadStartedStatus) {
                 hasCrashed = false;
+                hasFailed = false;
                 root.forgetQuestions();
                 refusedAddress = "";
                 return;
@@ -152,6 +157,12 @@ FocusScope {
         }
     }
 
+    Connections {
+        target: view.page
+
+        function onLoadFailed() { view.hasFailed = true; }
+    }
+
     Rectangle {
         anchors { left: parent.left; top: parent.top }
         width: parent.width * view.loadProgress / 100
@@ -164,7 +175,7 @@ FocusScope {
         id: failure
 
         readonly property bool isRefused: view.refusedAddress !== ""
-        readonly property bool isNeeded: view.hasCrashed || isRefused
+        readonly property bool isNeeded: view.hasCrashed || view.hasFailed || isRefused
 
         anchors.fill: parent
         visible: isNeeded
@@ -188,16 +199,18 @@ FocusScope {
             anchors.centerIn: parent
             width: Math.min(parent.width - 64, 420)
             iconName: "alert"
-            title: failure.isRefused ? qsTr("This connection is not safe") : qsTr("This page has crashed")
+            title: failure.isRefused ? qsTr("This connection is not safe")
+                : view.hasCrashed ? qsTr("This page has crashed") : qsTr("This page could not be loaded")
             text: failure.isRefused
                 ? qsTr("The server at %1 could not prove who it is, so nothing was loaded from it. (%2)")
                     .arg(view.refusedAddress).arg(view.refusal)
-                : qsTr("Other tabs are not affected.")
-            buttonText: failure.isRefused ? qsTr("Try Again") : qsTr("Reload")
+                : view.hasCrashed ? qsTr("Other tabs are not affected.") : ""
+            buttonText: view.hasCrashed ? qsTr("Reload") : qsTr("Try Again")
             onButtonClicked: {
                 view.refusedAddress = "";
                 view.hasCrashed = false;
-                view.reload();
+                view.hasFailed = false;
+                root.manager.reload();
             }
         }
     }

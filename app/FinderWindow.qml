@@ -22,6 +22,20 @@ Window {
     readonly property int mostUnplaced: 256 * 1024 * 1024
     property int visibilityBefore: Window.Windowed
 
+    // The number under which `download` is being saved.
+    function savingOf(download: WebEngineDownloadRequest): var {
+        return Object.keys(savings).find(key => savings[key].id === download.id);
+    }
+    function keep(download: WebEngineDownloadRequest, saving: int): void {
+        savings[saving] = download;
+        download.downloadDirectory = browserCacheFolder + "/unfinished";
+        download.downloadFileName = saving + ".part";
+        download.accept();
+        download.receivedBytesChanged.connect(() => {
+            if (download.receivedBytes > mostUnplaced && !download.isPaused && !finder.hasPlace(saving))
+                download.pause();
+        });
+    }
     function rememberFrame(): void {
         if (visibility === Window.Windowed)
             controller.frame = Qt.rect(x, y, width, height);
@@ -93,6 +107,13 @@ Window {
             folder: window.browserFolder
             cacheFolder: window.browserCacheFolder
             onDownloadRequested: download => {
+                // The engine goes on by itself with one that broke off. It asks again then, and would
+                // crash if it were asked for the view.
+                const known = window.savingOf(download);
+                if (known !== undefined) {
+                    window.keep(download, known);
+                    return;
+                }
                 const view = download.view as EngineView;
                 if (window.finder.takesDownload(view?.page ?? null, download.url, download.mimeType)) {
                     download.cancel();
@@ -109,18 +130,11 @@ Window {
                     download.cancel();
                     return;
                 }
-                window.savings[saving] = download;
-                download.downloadDirectory = window.browserCacheFolder + "/unfinished";
-                download.downloadFileName = saving + ".part";
-                download.accept();
-                download.receivedBytesChanged.connect(() => {
-                    if (download.receivedBytes > window.mostUnplaced && !download.isPaused && !window.finder.hasPlace(saving))
-                        download.pause();
-                });
+                window.keep(download, saving);
             }
             onDownloadFinished: download => {
                 // Those that were refused end too.
-                const saving = Object.keys(window.savings).find(key => window.savings[key].id === download.id);
+                const saving = window.savingOf(download);
                 if (saving === undefined)
                     return;
                 delete window.savings[saving];
@@ -173,6 +187,11 @@ Window {
         target: window.controller
         property: "hasSheet"
         value: window.controller.isShown && window.panels.isOpen
+    }
+    Binding {
+        target: window.finder
+        property: "isShown"
+        value: window.controller.isShown
     }
     Binding {
         target: window.finder

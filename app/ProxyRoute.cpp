@@ -16,6 +16,12 @@ ProxyRoute::ProxyRoute(CurlHttpClient &http, MpvMediaPlayer &player)
 {
     // The browser's engine hears of another one only after its next request.
     QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, relayHost(), m_relay.port()});
+    ConnectionFailures::setOfApplicationProxy(&m_relay.failures());
+}
+
+ProxyRoute::~ProxyRoute()
+{
+    ConnectionFailures::setOfApplicationProxy(nullptr);
 }
 
 QString ProxyRoute::relayHost()

@@ -15,6 +15,7 @@ class ProxyRoute final : public ProxyConfigurationTarget
 public:
     /// The arguments outlive the route.
     ProxyRoute(CurlHttpClient &http, MpvMediaPlayer &player);
+    ~ProxyRoute() override;
 
     void setProxyConfigurations(const QList<ProxyConfiguration> &configurations) override;
 

@@ -305,11 +305,6 @@ void SnifferAdBlocker::registerAndApply(WebView *view)
     applyCurrentState(view);
 }
 
-void SnifferAdBlocker::unregister(WebView *view)
-{
-    m_webViews.remove(view);
-}
-
 void SnifferAdBlocker::applyCurrentState(WebView *view)
 {
     if (!view)

@@ -47,7 +47,6 @@ public:
 
     /// The view follows the rules from now on.
     void registerAndApply(WebView *view);
-    void unregister(WebView *view);
     void applyCurrentState(WebView *view);
     void cleanRegisteredViews();
 

@@ -43,6 +43,14 @@ SnifferManager *SnifferBrowserTabs::selectedTab() const
     return row < 0 ? nullptr : m_tabs[size_t(row)].manager.get();
 }
 
+SnifferManager *SnifferBrowserTabs::tabOf(const PageView *view) const
+{
+    const auto found = std::ranges::find_if(m_tabs, [view](const SnifferBrowserTab &tab) {
+        return view && tab.manager->webView() == view;
+    });
+    return found == m_tabs.cend() ? nullptr : found->manager.get();
+}
+
 void SnifferBrowserTabs::selectRow(int row)
 {
     const QUuid id = idAt(row);

@@ -38,6 +38,8 @@ public:
     Q_INVOKABLE void selectNext(int by);
     const QUuid &selectedTabID() const { return m_selectedTabID; }
     SnifferManager *selectedTab() const;
+    /// The tab that `view` shows; null for none.
+    SnifferManager *tabOf(const PageView *view) const;
 
     /// Adds a tab at the end, going to `url` unless that is empty, and shows it.
     Q_INVOKABLE void addTab(const QUrl &url = {});

@@ -11,6 +11,14 @@ constexpr qsizetype mostRemembered = 256;
 /// What a message takes from the page to here, and more.
 constexpr std::chrono::milliseconds messageDelay{300};
 
+/// A page that asks for a window gets its own place for what it could go to by itself. Engines let
+/// no page go to a data: address, whose content could claim to be anybody's.
+NavigationDecision loadHere(const QUrl &url)
+{
+    const bool may = url.scheme() == u"http" || url.scheme() == u"https" || url == emptyPage();
+    return may ? NavigationDecision::LoadHere : NavigationDecision::Cancel;
+}
+
 } // namespace
 
 SnifferCoordinator::SnifferCoordinator(SnifferManager &manager, const SnifferAdBlocker &blocker,
@@ -37,7 +45,7 @@ NavigationDecision SnifferCoordinator::judge(const NavigationAction &action) con
     using Target = NavigationAction::Target;
 
     if (!m_blocker.isEnabled())
-        return action.target == Target::NewWindow ? LoadHere : Allow;
+        return action.target == Target::NewWindow ? loadHere(action.url) : Allow;
     if (m_blocker.isAdOrPopupURL(action.url))
         return Cancel;
 
@@ -69,7 +77,7 @@ NavigationDecision SnifferCoordinator::decideNewWindow(const QUrl &url)
     if (m_blocker.isEnabled())
         return NavigationDecision::Cancel;
     report(url, std::nullopt);
-    return NavigationDecision::LoadHere;
+    return loadHere(url);
 }
 
 void SnifferCoordinator::receiveMessage(const QString &handler, const QVariant &body)

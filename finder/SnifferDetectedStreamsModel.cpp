@@ -31,7 +31,7 @@ QString typeText(DetectedStream::StreamType type)
 
 bool hasFailed(const M3U8DownloadManager::JobState &job)
 {
-    return !job.isActive && !job.duration && job.destination.isEmpty();
+    return !job.isActive && !job.duration;
 }
 
 QString jobText(const M3U8DownloadManager::JobState &job)

@@ -55,8 +55,12 @@ SnifferSavedWebsiteStore::~SnifferSavedWebsiteStore()
 void SnifferSavedWebsiteStore::load()
 {
     const auto data = m_defaults.data(defaultsKey());
-    const auto websites = data ? decodeWebsites(*data) : std::nullopt;
+    auto websites = data ? decodeWebsites(*data) : std::nullopt;
     if (websites) {
+        // What a clock once took for later must not outlast every visit from now on.
+        const QDateTime now = m_clock();
+        for (SnifferSavedWebsite &website : *websites)
+            website.savedAt = std::min(website.savedAt, now);
         m_list = WebList(*websites);
         return;
     }

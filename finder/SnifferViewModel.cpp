@@ -32,6 +32,8 @@ SnifferViewModel::SnifferViewModel(const Parts &parts, QObject *parent)
             &SnifferViewModel::toolbarChanged);
     connect(&parts.websites, &SnifferSavedWebsiteStore::websitesChanged, this,
             &SnifferViewModel::toolbarChanged);
+    connect(&parts.downloads, &M3U8DownloadManager::errorMessageChanged, this,
+            &SnifferViewModel::tellDownloadError);
     connect(&m_tabs, &SnifferBrowserTabs::selectedTabChanged, this, &SnifferViewModel::selectTab);
     connect(&m_streams, &SnifferDetectedStreamsModel::playRequested, this, m_parts.onOpenStream);
     connect(&m_streams, &SnifferDetectedStreamsModel::notice, this, &SnifferViewModel::notice);
@@ -162,13 +164,25 @@ QString SnifferViewModel::toggleHelp() const
                                : tr("Expand Detected Streams (+)");
 }
 
+void SnifferViewModel::tellDownloadError()
+{
+    // Otherwise the main window does.
+    if (m_isShown && !m_parts.downloads.errorMessage().isEmpty())
+        Q_EMIT notice(m_parts.downloads.errorMessage());
+}
+
 // Files
 
 bool SnifferViewModel::takesDownload(PageView *view, const QUrl &url, const QString &mimeType)
 {
     if (view)
         Q_EMIT view->responseReceived(url, mimeType);
-    return HLSDetector::inspect(url, mimeType, std::nullopt).isHLS;
+    if (!HLSDetector::inspect(url, mimeType, std::nullopt).isHLS)
+        return false;
+    SnifferManager *const tab = m_tabs.tabOf(view);
+    if (tab && tab->networkMonitor()->indexOf(url) < 0)
+        Q_EMIT notice(tr("The page loads more streams than can be listed."));
+    return true;
 }
 
 int SnifferViewModel::beginSaving(const QString &proposedName)

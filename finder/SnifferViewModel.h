@@ -31,6 +31,8 @@ class SnifferViewModel : public QObject
     /// What a click on the panel's header does.
     Q_PROPERTY(QString toggleHelp READ toggleHelp NOTIFY isStreamsExpandedChanged)
 
+    /// The window is there for the user to see. The window tells.
+    Q_PROPERTY(bool isShown MEMBER m_isShown)
     /// Some panel for files is open, whoever asked for it, so that there cannot be another. The
     /// window tells.
     Q_PROPERTY(bool isPanelOpen MEMBER m_isPanelOpen WRITE setPanelOpen)
@@ -102,7 +104,7 @@ public:
     Q_INVOKABLE void openInNewTab(const QUrl &url);
 
     /// A page wants to have something saved that is not shown. True for a stream, which is listed
-    /// instead.
+    /// instead, or the user told why not.
     Q_INVOKABLE bool takesDownload(lumaro::PageView *view, const QUrl &url,
                                    const QString &mimeType);
     /// Asks the user where a file is to be that is being saved elsewhere meanwhile. Returns the
@@ -138,6 +140,7 @@ Q_SIGNALS:
 
 private:
     void selectTab();
+    void tellDownloadError();
     Task<> choosePlaces();
     Task<> chooseUpload(int upload);
     Task<> moveSaved(int saving);
@@ -166,6 +169,7 @@ private:
     QList<int> m_placeless;
     bool m_isAsking = false;
     bool m_isPanelOpen = false;
+    bool m_isShown = false;
     DelayedTask m_panelClosed{m_parts.scheduler};
     std::stop_source m_lifetime;
 };

@@ -1,6 +1,7 @@
 #include "finder/SnifferWebListModel.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace lumaro {
 
@@ -12,7 +13,8 @@ QString visitsText(qint64 count)
         return {};
     if (count == 1)
         return SnifferWebListModel::tr("Visited once");
-    return SnifferWebListModel::tr("Visited %n times", nullptr, int(count));
+    return SnifferWebListModel::tr("Visited %n times", nullptr,
+                                   int(std::min<qint64>(count, std::numeric_limits<int>::max())));
 }
 
 } // namespace

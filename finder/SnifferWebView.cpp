@@ -6,6 +6,13 @@
 
 namespace lumaro {
 
+namespace {
+
+/// For the first bytes of a page to come.
+constexpr std::chrono::seconds patience{60};
+
+} // namespace
+
 SnifferWebView::SnifferWebView(PageView &view, SnifferManager &manager, Environment environment)
     : QObject(&view)
     , m_view(view)
@@ -13,15 +20,18 @@ SnifferWebView::SnifferWebView(PageView &view, SnifferManager &manager, Environm
     , m_blocker(environment.blocker)
     , m_proxy(environment.proxy)
     , m_coordinator(manager, environment.blocker, environment.scheduler)
+    , m_timeout(environment.scheduler)
 {
     updateScripts();
     connect(&m_blocker, &SnifferAdBlocker::isEnabledChanged, this, &SnifferWebView::updateScripts);
     view.setNavigationPolicy([this](const NavigationAction &action) { return mayGo(action); });
-    connect(&view, &PageView::loadStarted, this, [this] { update(true, std::nullopt); });
+    connect(&view, &PageView::loadStarted, this, &SnifferWebView::begin);
+    connect(&view, &PageView::answerBegan, this, [this] { m_timeout.cancel(); });
     connect(&view, &PageView::loadFinished, this,
             [this](const QString &title) { update(false, title); });
     connect(&view, &PageView::loadStopped, this, [this] { update(false, std::nullopt); });
     connect(&view, &PageView::loadFailed, this, [this](const QString &description) {
+        m_timeout.cancel();
         if (m_manager)
             m_manager->fail(m_view.url(), description);
     });
@@ -73,8 +83,22 @@ void SnifferWebView::openWindow(const QUrl &url)
         m_view.load(url);
 }
 
+void SnifferWebView::begin()
+{
+    update(true, std::nullopt);
+    m_timeout.start(patience, [this] { giveUp(); });
+}
+
+void SnifferWebView::giveUp()
+{
+    m_view.stopLoading();
+    if (m_manager)
+        m_manager->fail(m_view.url(), tr("The server takes too long to answer."));
+}
+
 void SnifferWebView::update(bool loading, const std::optional<QString> &title)
 {
+    m_timeout.cancel();
     if (m_manager)
         m_manager->update(m_view.url(), loading, title);
 }

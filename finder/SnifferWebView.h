@@ -1,6 +1,7 @@
 #pragma once
 
 #include "finder/SnifferCoordinator.h"
+#include "platform/DelayedTask.h"
 
 namespace lumaro {
 
@@ -30,12 +31,16 @@ private:
     void updateScripts();
     void openWindow(const QUrl &url);
     void update(bool loading, const std::optional<QString> &title);
+    void begin();
+    void giveUp();
 
     PageView &m_view;
     QPointer<SnifferManager> m_manager;
     SnifferAdBlocker &m_blocker;
     SnifferProxyManager &m_proxy;
     SnifferCoordinator m_coordinator;
+    /// For a server that does not answer.
+    DelayedTask m_timeout;
 };
 
 } // namespace lumaro

@@ -11,12 +11,6 @@ bool WebViewRegistry::add(WebView *view)
     return true;
 }
 
-void WebViewRegistry::remove(WebView *view)
-{
-    clean();
-    m_views.removeOne(view);
-}
-
 void WebViewRegistry::clean()
 {
     m_views.removeIf([](const QPointer<WebView> &view) { return view.isNull(); });

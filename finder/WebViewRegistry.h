@@ -13,11 +13,10 @@ class WebViewRegistry
 public:
     /// False when it is there already.
     bool add(WebView *view);
-    void remove(WebView *view);
     /// Drops views that are gone.
     void clean();
 
-    /// Those that are left, as they are now; what is done to one may remove another.
+    /// Those that are left, as they are now; what is done to one may end another.
     QList<QPointer<WebView>> views();
     /// Reloads every view that shows a page.
     void reloadPages();

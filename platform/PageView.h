@@ -38,6 +38,8 @@ Q_SIGNALS:
     void urlChanged();
     void historyChanged();
     void loadStarted();
+    /// Something of what is loaded has come, or the server wants to know first who the user is.
+    void answerBegan();
     /// The page is there, with its title, as good as the server has it.
     void loadFinished(const QString &title);
     /// The user or the page stopped it, or it became a download.

@@ -5,7 +5,7 @@
 namespace lumaro {
 
 ProxyRelay::ProxyRelay(IsOwnPeer isOwnPeer)
-    : m_server(std::make_unique<RelayServer>(std::move(isOwnPeer)))
+    : m_server(std::make_unique<RelayServer>(std::move(isOwnPeer), m_failures))
 {
     m_thread.setObjectName(QStringLiteral("proxy relay"));
     m_server->moveToThread(&m_thread);

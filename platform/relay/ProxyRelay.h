@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ConnectionFailures.h"
 #include "platform/ProxyConfiguration.h"
 
 #include <QThread>
@@ -30,11 +31,14 @@ public:
 
     /// Where it listens; 0 when the system does not let it.
     quint16 port() const { return m_port; }
+    /// Why clients got an error in place of a connection.
+    const ConnectionFailures &failures() const { return m_failures; }
     /// The user's proxy from now on; with none, connections are direct. Connections made through
     /// another one break off.
     void setUpstream(const std::optional<ProxyConfiguration> &upstream);
 
 private:
+    ConnectionFailures m_failures;
     QThread m_thread;
     std::unique_ptr<RelayServer> m_server;
     quint16 m_port = 0;

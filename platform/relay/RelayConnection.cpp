@@ -1,8 +1,10 @@
 #include "platform/relay/RelayConnection.h"
 
 #include <QHostAddress>
+#include <QNetworkInterface>
 #include <QNetworkProxy>
 
+#include <algorithm>
 #include <chrono>
 
 namespace lumaro {
@@ -49,29 +51,57 @@ std::optional<ProxyConfiguration> systemProxy(const ProxyRequestHead &request)
     return std::nullopt;
 }
 
+bool isOffline()
+{
+    const auto leadsOut = [](const QNetworkInterface &interface) {
+        return interface.flags().testFlag(QNetworkInterface::IsRunning)
+            && !interface.flags().testFlag(QNetworkInterface::IsLoopBack)
+            && !interface.addressEntries().isEmpty();
+    };
+    return std::ranges::none_of(QNetworkInterface::allInterfaces(), leadsOut);
+}
+
+/// Why a server could not be connected to.
+ConnectionFailure failureOf(QAbstractSocket::SocketError error)
+{
+    using enum ConnectionFailure;
+    if (error == QAbstractSocket::ConnectionRefusedError)
+        return Unreachable;
+    if (error == QAbstractSocket::SocketTimeoutError)
+        return TooSlow;
+    if (isOffline())
+        return Offline;
+    return error == QAbstractSocket::HostNotFoundError ? NoSuchServer : Unreachable;
+}
+
 } // namespace
 
 RelayConnection::RelayConnection(QTcpSocket *client, std::optional<ProxyConfiguration> upstream,
-                                 QObject *parent)
+                                 ConnectionFailures &failures, QObject *parent)
     : QObject(parent)
     , m_client(*client)
     , m_upstream(std::move(upstream))
+    , m_failures(failures)
 {
     client->setParent(this);
     m_client.setReadBufferSize(bufferSize);
     m_onward.setReadBufferSize(bufferSize);
     m_patience.setSingleShot(true);
-    m_patience.callOnTimeout(this, [this] { refuse("504 Gateway Timeout"); });
+    m_patience.callOnTimeout(this, [this] {
+        fail(m_upstream ? ConnectionFailure::Proxy : ConnectionFailure::TooSlow,
+             "504 Gateway Timeout");
+    });
     m_patience.start(patience);
 
     connect(&m_client, &QTcpSocket::readyRead, this, &RelayConnection::readHead);
     connect(&m_client, &QTcpSocket::disconnected, this, &QObject::deleteLater);
     connect(&m_onward, &QTcpSocket::connected, this, &RelayConnection::greet);
     connect(&m_onward, &QTcpSocket::readyRead, this, &RelayConnection::shakeHands);
-    connect(&m_onward, &QTcpSocket::errorOccurred, this, [this] {
-        if (!m_passes)
-            refuse("502 Bad Gateway");
-    });
+    connect(&m_onward, &QTcpSocket::errorOccurred, this,
+            [this](QAbstractSocket::SocketError error) {
+                if (!m_passes)
+                    fail(m_upstream ? ConnectionFailure::Proxy : failureOf(error));
+            });
     for (QTcpSocket *socket : {&m_client, &m_onward}) {
         connect(socket, &QTcpSocket::readyRead, this, &RelayConnection::passAll);
         connect(socket, &QTcpSocket::bytesWritten, this, &RelayConnection::passAll);
@@ -107,9 +137,11 @@ void RelayConnection::connectOnwards()
     // Qt would otherwise come back here.
     m_onward.setProxy(QNetworkProxy::NoProxy);
     const QString host = m_request->host();
-    if (!m_upstream && !isThisMachine(host))
+    if (isThisMachine(host))
+        m_upstream.reset();
+    else if (!m_upstream)
         m_upstream = systemProxy(*m_request);
-    if (!m_upstream || isThisMachine(host)) {
+    if (!m_upstream) {
         // Not every system knows that these are this machine (RFC 6761, section 6.3).
         m_onward.connectToHost(isLocalName(host) ? QStringLiteral("localhost") : host,
                                m_request->port());
@@ -138,13 +170,16 @@ void RelayConnection::shakeHands()
     m_onward.write(m_handshake->takeOutput());
     if (m_handshake->state() == Socks5Handshake::State::Done)
         begin();
+    else if (m_handshake->state() == Socks5Handshake::State::Unreachable)
+        fail(ConnectionFailure::Unreachable);
     else if (m_handshake->state() == Socks5Handshake::State::Failed)
-        refuse("502 Bad Gateway");
+        fail(ConnectionFailure::Proxy);
 }
 
 void RelayConnection::begin()
 {
     m_passes = true;
+    m_failures.forget(m_request->host(), m_request->port());
     m_awaitsAnswer = m_asksProxy;
     // A server may take as long as it likes, a proxy with a tunnel not.
     if (!m_asksProxy || !m_request->isTunnel())
@@ -158,6 +193,13 @@ void RelayConnection::begin()
     m_onward.write(m_received);
     m_received.clear();
     passAll();
+}
+
+void RelayConnection::fail(ConnectionFailure failure, const QByteArray &status)
+{
+    if (m_request)
+        m_failures.note(m_request->host(), m_request->port(), failure);
+    refuse(status);
 }
 
 void RelayConnection::refuse(const QByteArray &status)
@@ -184,7 +226,7 @@ bool RelayConnection::hasAnswer()
     m_awaitsAnswer = false;
     // Whether the proxy knows the user is not for the client to settle.
     if (start.startsWith("HTTP/") && start.endsWith(" 407")) {
-        refuse("502 Bad Gateway");
+        fail(ConnectionFailure::Proxy);
         return false;
     }
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ConnectionFailures.h"
 #include "platform/relay/ProxyRequestHead.h"
 #include "platform/relay/Socks5Handshake.h"
 
@@ -15,9 +16,9 @@ class RelayConnection : public QObject
     Q_OBJECT
 
 public:
-    /// Takes `client` over.
+    /// Takes `client` over; `failures` outlives the connection.
     RelayConnection(QTcpSocket *client, std::optional<ProxyConfiguration> upstream,
-                    QObject *parent);
+                    ConnectionFailures &failures, QObject *parent);
 
 private:
     void readHead();
@@ -26,13 +27,17 @@ private:
     void shakeHands();
     void begin();
     bool hasAnswer();
+    /// The other end cannot be reached, or does not hand on.
+    void fail(ConnectionFailure failure, const QByteArray &status = "502 Bad Gateway");
     void refuse(const QByteArray &status);
     void pass(QTcpSocket &from, QTcpSocket &to);
     void passAll();
 
     QTcpSocket &m_client;
     QTcpSocket m_onward{this};
+    /// What the connection goes through; empty for straight to the server.
     std::optional<ProxyConfiguration> m_upstream;
+    ConnectionFailures &m_failures;
     QByteArray m_received;
     std::optional<ProxyRequestHead> m_request;
     /// The other end is another HTTP proxy.

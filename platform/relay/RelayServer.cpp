@@ -6,8 +6,9 @@
 
 namespace lumaro {
 
-RelayServer::RelayServer(ProxyRelay::IsOwnPeer isOwnPeer)
+RelayServer::RelayServer(ProxyRelay::IsOwnPeer isOwnPeer, ConnectionFailures &failures)
     : m_isOwnPeer(std::move(isOwnPeer))
+    , m_failures(failures)
 {
     // Not through itself.
     m_listener.setProxy(QNetworkProxy::NoProxy);
@@ -31,7 +32,7 @@ void RelayServer::accept()
 {
     while (QTcpSocket *client = m_listener.nextPendingConnection()) {
         if (m_isOwnPeer(m_listener.serverPort(), client->peerPort())) {
-            new RelayConnection(client, m_upstream, this);
+            new RelayConnection(client, m_upstream, m_failures, this);
         } else {
             client->abort();
             client->deleteLater();

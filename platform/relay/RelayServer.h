@@ -12,7 +12,8 @@ class RelayServer : public QObject
     Q_OBJECT
 
 public:
-    explicit RelayServer(ProxyRelay::IsOwnPeer isOwnPeer);
+    /// `failures` outlives the server.
+    RelayServer(ProxyRelay::IsOwnPeer isOwnPeer, ConnectionFailures &failures);
 
     /// The port; 0 on failure.
     quint16 listen();
@@ -22,6 +23,7 @@ private:
     void accept();
 
     ProxyRelay::IsOwnPeer m_isOwnPeer;
+    ConnectionFailures &m_failures;
     std::optional<ProxyConfiguration> m_upstream;
     QTcpServer m_listener{this};
 };

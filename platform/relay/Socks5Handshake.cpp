@@ -17,6 +17,12 @@ constexpr qsizetype longestText = 255;
 
 enum AddressType : char { IPv4 = 1, DomainName = 3, IPv6 = 4 };
 
+/// Network unreachable, host unreachable, connection refused, TTL expired.
+bool isAboutTheHost(char reply)
+{
+    return reply >= 3 && reply <= 6;
+}
+
 QByteArray bigEndian(auto value)
 {
     QByteArray number(sizeof value, Qt::Uninitialized);
@@ -77,9 +83,9 @@ qsizetype Socks5Handshake::read(QByteArrayView answer)
     return used;
 }
 
-qsizetype Socks5Handshake::fail()
+qsizetype Socks5Handshake::fail(State state)
 {
-    m_state = State::Failed;
+    m_state = state;
     return 0;
 }
 
@@ -139,6 +145,8 @@ qsizetype Socks5Handshake::readReply(QByteArrayView answer)
 {
     constexpr qsizetype fixedSize = 4;
     constexpr qsizetype portSize = 2;
+    if (answer.size() >= 2 && answer[0] == version && isAboutTheHost(answer[1]))
+        return fail(State::Unreachable);
     if (answer.size() >= 2 && (answer[0] != version || answer[1] != success))
         return fail();
     // The address's first byte may be its length.

@@ -12,7 +12,13 @@ namespace lumaro {
 class Socks5Handshake
 {
 public:
-    enum class State { Continues, Done, Failed };
+    enum class State {
+        Continues,
+        Done,
+        /// The proxy does as it should, but cannot reach the host.
+        Unreachable,
+        Failed,
+    };
 
     /// Asks for `host`, a name or an address, as it is.
     Socks5Handshake(const QString &host, quint16 port,
@@ -32,7 +38,7 @@ private:
     qsizetype readReply(QByteArrayView answer);
     void authenticate();
     void request();
-    qsizetype fail();
+    qsizetype fail(State state = State::Failed);
 
     QString m_host;
     quint16 m_port;

@@ -98,7 +98,7 @@ void EnginePlayerPage::tellLoading(const QWebEngineLoadingInfo &info)
         finish();
     else if (info.status() == Info::LoadStoppedStatus)
         lookWhatIsThere();
-    else if (info.errorDomain() == Info::HttpStatusCodeDomain)
+    else if (isErrorPage(info))
         fail(QCoreApplication::translate("EnginePlayerPage", "The site answers with an error (%1).")
                  .arg(info.errorCode()));
     else

@@ -70,6 +70,8 @@ WebEngineView {
         tellHistory();
         bridge.tellLoading(info);
     }
+    // It stands at nothing until the first bytes of the answer come.
+    onLoadProgressChanged: if (loadProgress > 0) bridge.tellAnswer()
     onCanGoBackChanged: tellHistory()
     onCanGoForwardChanged: tellHistory()
     onJavaScriptConsoleMessage: (level, message) => bridge.readConsole(message)
@@ -88,6 +90,7 @@ WebEngineView {
     // Whoever asks is the user's own proxy, whose password is among the settings.
     onAuthenticationDialogRequested: request => {
         request.accepted = true;
+        bridge.tellAnswer();
         if (request.type === AuthenticationDialogRequest.AuthenticationTypeProxy)
             request.dialogReject();
         else

@@ -124,7 +124,7 @@ void EngineWebView::tellLoading(const QWebEngineLoadingInfo &info)
         break;
     }
     // A page that tells of an error is a page.
-    if (info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain)
+    if (isErrorPage(info))
         Q_EMIT loadFinished(m_title);
     else
         Q_EMIT loadFailed(descriptionOf(info));

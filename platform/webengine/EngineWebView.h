@@ -72,6 +72,8 @@ public:
     /// What the page writes to its console.
     Q_INVOKABLE void readConsole(const QString &message);
     Q_INVOKABLE void tellLoading(const QWebEngineLoadingInfo &info);
+    /// The server has begun to answer, or asks who the user is.
+    Q_INVOKABLE void tellAnswer() { Q_EMIT answerBegan(); }
     Q_INVOKABLE void decideNavigation(QWebEngineNavigationRequest *request);
     Q_INVOKABLE void decideNewWindow(QWebEngineNewWindowRequest *request);
 

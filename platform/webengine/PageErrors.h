@@ -10,6 +10,9 @@ namespace lumaro {
 /// for pages to reach.
 bool isForPages(const QUrl &url);
 
+/// Whether there is a page, the server's own, though it tells of an error.
+bool isErrorPage(const QWebEngineLoadingInfo &info);
+
 /// Why a page could not be loaded (net_error_list.h of Chromium), as a sentence for the user.
 QString descriptionOf(const QWebEngineLoadingInfo &info);
 

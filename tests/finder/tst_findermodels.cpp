@@ -221,6 +221,13 @@ void FinderModelsTest::listsWebsites()
              (QStringList{u"https://b.tv"_s, u"https://a.tv"_s}));
     QCOMPARE(texts(world.webList, SnifferWebListModel::VisitsRole),
              (QStringList{u"Visited once"_s, u"Visited 2 times"_s}));
+    auto often = world.websites.websites().at(2);
+    QCOMPARE(often.urlString, u"https://a.tv"_s);
+    often.visitCount = qint64(1) << 31;
+    world.websites.mergeImportedWebsites(WebList({often}));
+    world.scheduler.runBackground();
+    QCOMPARE(texts(world.webList, SnifferWebListModel::VisitsRole).value(1),
+             u"Visited 2147483647 times"_s);
     world.webList.toggleFavorite(1);
     QVERIFY(world.websites.isFavorite(u"a.tv"_s));
     QCOMPARE(world.webList.rowCount(), 1);

@@ -258,6 +258,9 @@ void SnifferBrowserTest::decides_data()
     row("window by a script", action(same, NewWindow, false), Cancel, LoadHere);
     row("window elsewhere", action(other, NewWindow, true), Cancel, LoadHere);
     row("window for nobody", action(u"about:blank"_s, NewWindow, true), Cancel, LoadHere);
+    row("window for a text", action(u"data:text/html,x"_s, NewWindow, true), Cancel, Cancel);
+    row("window for an object", action(u"blob:https://www.site.example/1"_s, NewWindow, true),
+        Cancel, Cancel);
     QTest::newRow("first page") << QString() << action(paid, MainFrame, true) << Allow << Allow;
     QTest::newRow("first page by a frame")
         << QString() << action(other, MainFrame, false, false) << Allow << Allow;
@@ -290,6 +293,7 @@ void SnifferBrowserTest::opensNoWindows()
     world.blocker.setEnabled(false);
     QCOMPARE(coordinator.decideNewWindow(stream), NavigationDecision::LoadHere);
     QCOMPARE(world.manager.networkMonitor()->streams().size(), 1);
+    QCOMPARE(coordinator.decideNewWindow(QUrl(u"data:text/html,x"_s)), NavigationDecision::Cancel);
 }
 
 void SnifferBrowserTest::reportsWhatItSees()

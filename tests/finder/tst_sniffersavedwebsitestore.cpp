@@ -76,6 +76,7 @@ private Q_SLOTS:
     void savesWhatIsThere();
     void togglesFavorites();
     void trimsHistoryOnly();
+    void visitsOutlastAWrongClock();
     void removes();
     void displaysTitles_data();
     void displaysTitles();
@@ -278,6 +279,20 @@ void SnifferSavedWebsiteStoreTest::trimsHistoryOnly()
     QVERIFY(!world.addresses().contains(u"https://fav0.example"_s));
 }
 
+void SnifferSavedWebsiteStoreTest::visitsOutlastAWrongClock()
+{
+    World world;
+    world.now = start.addYears(10);
+    for (int i = 0; i < 100; ++i)
+        world.visit(u"%1.example"_s.arg(i));
+    world.now = start;
+    world.open();
+    world.visit(u"new.example"_s);
+    QCOMPARE(world.count(), 100);
+    QCOMPARE(world.at(0).urlString, u"https://new.example"_s);
+    QVERIFY(!world.addresses().contains(u"https://0.example"_s));
+}
+
 void SnifferSavedWebsiteStoreTest::removes()
 {
     World world;
@@ -423,6 +438,7 @@ void SnifferSavedWebsiteStoreTest::merges()
     QFETCH(const SnifferSavedWebsite, imported);
     QFETCH(SnifferSavedWebsite, result);
     World world;
+    world.now = start.addDays(1);
     world.defaults.values.insert(key, encodeWebsites({own}));
     world.open();
     world.store->mergeImportedWebsites(WebList({imported}));

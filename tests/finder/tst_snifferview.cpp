@@ -19,9 +19,11 @@ using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
 
 using KeyWindow = SnifferWindowController::KeyWindow;
+using Happen = void (*)(FakeWebView &view);
 using Streams = SnifferDetectedStreamsModel;
 
 Q_DECLARE_METATYPE(lumaro::SnifferWindowController::KeyWindow)
+Q_DECLARE_METATYPE(Happen)
 
 namespace {
 
@@ -86,13 +88,17 @@ class SnifferViewTest : public QObject
 
 private Q_SLOTS:
     void viewServesItsTab();
+    void serversMustAnswer_data();
+    void serversMustAnswer();
     void viewsGo();
     void streamsOfTheSelectedTab();
     void manyStreams();
     void streamActions();
     void streamNames_data();
     void streamNames();
+    void failedDownloadsAreTold();
     void stars();
+    void streamsAreNoFiles();
     void asksWhereToSave();
     void closingHides();
     void losingTheKeyboard_data();
@@ -136,6 +142,43 @@ void SnifferViewTest::viewServesItsTab()
     // A script that follows the switch would otherwise be there for the next page only.
     world.blocker.setEnabled(false);
     QCOMPARE(world.view.userScripts.value(1), adBlockerFlagScript(false));
+}
+
+void SnifferViewTest::serversMustAnswer_data()
+{
+    QTest::addColumn<Happen>("happens"); // a moment before the time is up
+    QTest::addColumn<bool>("isStopped");
+    const auto row = [](const char *name, Happen happens, bool isStopped) {
+        QTest::newRow(name) << happens << isStopped;
+    };
+    row("silence", [](FakeWebView &) { }, true);
+    row("another title", [](FakeWebView &view) { Q_EMIT view.titleChanged(u"X"_s); }, true);
+    row("an answer", [](FakeWebView &view) { Q_EMIT view.answerBegan(); }, false);
+    row("the page", [](FakeWebView &view) { Q_EMIT view.loadFinished(u"X"_s); }, false);
+    row("an error", [](FakeWebView &view) { Q_EMIT view.loadFailed({}); }, false);
+    row("the user stops it", [](FakeWebView &view) { Q_EMIT view.loadStopped(); }, false);
+    row("it goes elsewhere", [](FakeWebView &view) { Q_EMIT view.loadStarted(); }, false);
+}
+
+void SnifferViewTest::serversMustAnswer()
+{
+    QFETCH(const Happen, happens);
+    QFETCH(const bool, isStopped);
+    World world;
+    world.attach();
+    Q_EMIT world.view.loadStarted();
+    world.view.log.clear();
+    world.scheduler.advance(std::chrono::seconds(59));
+    happens(world.view);
+    const bool isLoading = world.tab().isLoading();
+    world.scheduler.advance(std::chrono::seconds(1));
+    QCOMPARE(world.view.log, isStopped ? QStringList{u"stop"_s} : QStringList());
+    QCOMPARE(world.tab().errorMessage(),
+             isStopped ? u"The server takes too long to answer."_s : QString());
+    QCOMPARE(world.tab().isLoading(), isLoading && !isStopped);
+    // Nor is a page that stands given up later.
+    world.scheduler.advance(std::chrono::seconds(58));
+    QCOMPARE(world.view.log.size(), isStopped ? 1 : 0);
 }
 
 void SnifferViewTest::viewsGo()
@@ -285,6 +328,32 @@ void SnifferViewTest::streamNames()
     QTEST(world.shown(0, Streams::NameRole).toString(), "shown");
 }
 
+/// Even if some of it is there.
+void SnifferViewTest::failedDownloadsAreTold()
+{
+    World world;
+    QSignalSpy notices(&world.finder, &SnifferViewModel::notice);
+    world.detect(u"https://h/a.m3u8"_s);
+    const QByteArray playlist = "#EXTM3U\n#EXTINF:4,\n1.ts\n#EXTINF:4,\n2.ts\n#EXT-X-ENDLIST\n";
+    for (const bool isShown : {false, true}) {
+        world.finder.setProperty("isShown", isShown);
+        world.finder.streams()->download(0);
+        world.scheduler.runBackground();
+        world.http.respond(QUrl(u"https://h/a.m3u8"_s), 200, playlist);
+        world.scheduler.runBackground();
+        world.http.respond(QUrl(u"https://h/1.ts"_s), 200, "1");
+        world.scheduler.runBackground();
+        world.http.respond(QUrl(u"https://h/2.ts"_s), 403, {});
+        world.scheduler.runBackground();
+        QVERIFY(world.shown(0, Streams::JobHasFailedRole).toBool());
+        QVERIFY(world.shown(0, Streams::CanRevealRole).toBool());
+        QCOMPARE(notices.size(), isShown ? 1 : 0);
+    }
+    QCOMPARE(notices.first().first().toString(), world.downloads.errorMessage());
+    world.downloads.dismissError();
+    QCOMPARE(notices.size(), 1);
+}
+
 void SnifferViewTest::stars()
 {
     World world;
@@ -303,6 +372,28 @@ void SnifferViewTest::stars()
     QCOMPARE(world.tab().address(), u"https://site.example"_s);
     world.finder.openWebsite(u"file:///etc/passwd"_s, true);
     QCOMPARE(world.finder.tabs()->count(), 2);
+}
+
+void SnifferViewTest::streamsAreNoFiles()
+{
+    World world;
+    world.attach();
+    QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/live"_s),
+                                       u"application/vnd.apple.mpegurl"_s));
+    QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/a.m3u8"_s), u"x/y"_s));
+    QVERIFY(!world.finder.takesDownload(&world.view, QUrl(u"https://h/a.zip"_s), u"x/zip"_s));
+    QVERIFY(!world.finder.takesDownload(nullptr, QUrl(u"https://h/a.zip"_s), u"x/zip"_s));
+    QCOMPARE(world.finder.streams()->count(), 2);
+
+    // Beyond what a page may have listed, nobody is asked where to save, but told.
+    const QSignalSpy notices(&world.finder, &SnifferViewModel::notice);
+    int taken = 0;
+    while (notices.isEmpty() && taken < 50'000)
+        QVERIFY(world.finder.takesDownload(&world.view, QUrl(u"https://h/a.m3u8?%1"_s.arg(++taken)),
+                                           u"x/y"_s));
+    QCOMPARE(world.finder.streams()->count(), 2 + taken - 1);
+    QCOMPARE(notices.first().first().toString(),
+             u"The page loads more streams than can be listed."_s);
 }
 
 void SnifferViewTest::asksWhereToSave()

@@ -56,7 +56,9 @@ void Socks5HandshakeTest::speaks_data()
     row("password asked for without one", u"site"_s, none, "0502", "050100", State::Failed, 2);
     row("no method", u"site"_s, none, "05ff", "050100", State::Failed, 2);
     row("not SOCKS5", u"site"_s, none, "4854", "050100", State::Failed, 2);
-    row("refused", u"site"_s, none, "0500 0505", named, State::Failed, 2);
+    row("refused", u"site"_s, none, "0500 0505", named, State::Unreachable, 2);
+    row("not allowed", u"site"_s, none, "0500 0502", named, State::Failed, 2);
+    row("refused, not SOCKS5", u"site"_s, none, "0500 0405", named, State::Failed, 2);
     row("unknown address", u"site"_s, none, "0500 05000002 00", named, State::Failed, 5);
     row("long name", QString(64, u'x') + u'.' + QString(200, u'y'), none, "0500", "050100",
         State::Failed);

@@ -1,6 +1,7 @@
 #include "tests/e2e/app/AppWorld.h"
 #include "tests/e2e/servers/FreePort.h"
 #include "tests/e2e/servers/OwnProcess.h"
+#include "tests/e2e/servers/ProxyServer.h"
 
 #include <QFileInfo>
 #include <QQuickItem>
@@ -72,7 +73,10 @@ private Q_SLOTS:
     void framesDoNotMoveThePage_data();
     void framesDoNotMoveThePage();
     void redirectsAreFollowed();
+    void pagesThatCannotBeLoaded_data();
+    void pagesThatCannotBeLoaded();
     void filesAskForAPlace();
+    void filesComeThroughTheNextProxy();
     void pagesAskForFilesAgain();
     void linksOpenFromTheMenu();
     void pagesAskBeforeTheyMay();
@@ -440,6 +444,75 @@ void AppFinderTest::redirectsAreFollowed()
     tab().navigate(m_site->url(u"/redirect-loop/a"_s));
     QVERIFY(becomesTrue([&] { return !tab().errorMessage().isEmpty(); }));
     QCOMPARE(tab().errorMessage(), u"The page leads round in circles."_s);
+}
+
+void AppFinderTest::pagesThatCannotBeLoaded_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::newRow("http") << u"http://nobody.invalid/"_s;
+    QTest::newRow("https") << u"https://nobody.invalid/"_s;
+}
+
+void AppFinderTest::pagesThatCannotBeLoaded()
+{
+    QFETCH(const QString, address);
+    QVERIFY(opens(u"/plain.html"_s));
+    tab().navigate(QUrl(address));
+    QVERIFY(becomesTrue([&] { return !tab().errorMessage().isEmpty(); }));
+    QVERIFY2(!tab().errorMessage().contains(u"proxy"), qPrintable(tab().errorMessage()));
+    QCOMPARE(tab().address(), address.chopped(1));
+    // What was never there is not remembered.
+    m_world->finder().webList()->setFilterTab(SnifferWebListModel::History);
+    for (int row = 0; row < m_world->finder().webList()->rowCount(); ++row)
+        QVERIFY(!m_world->finder().webList()->addressAt(row).contains(u"nobody"));
+    QVERIFY(page()->property("hasFailed").toBool());
+    keepPicture(*m_window, u"cannot-be-loaded"_s);
+    // Another attempt, by the button that has the keyboard.
+    page()->forceActiveFocus();
+    QTest::keyClick(m_window, Qt::Key_Space);
+    QCOMPARE(tab().errorMessage(), QString());
+    QVERIFY(becomesTrue([&] { return !tab().errorMessage().isEmpty(); }));
+    QVERIFY(opens(u"/plain.html"_s));
+    QVERIFY(!page()->property("hasFailed").toBool());
+}
+
+void AppFinderTest::filesComeThroughTheNextProxy()
+{
+    using Protocol = ProxyConfiguration::Protocol;
+    using Type = SnifferProxyManager::ProxyType;
+    const auto first = valueOrFail(ProxyServer::start(Protocol::Socks5));
+    const auto second = valueOrFail(ProxyServer::start(Protocol::Socks5));
+    QVERIFY(first && second);
+    SnifferProxyManager &settings = m_world->proxy();
+    const auto use = [&settings](const ProxyServer &proxy) {
+        settings.applyPreset(Type::Socks5, proxy.configuration().host, proxy.configuration().port);
+        settings.setEnabled(true);
+        settings.applyProxyConfiguration(false);
+    };
+    const auto useNone = qScopeGuard([&settings] {
+        settings.setEnabled(false);
+        settings.applyProxyConfiguration(false);
+    });
+    const QByteArray content = QByteArray(300'000, 'z') + "end";
+    QVERIFY(m_site->writeFile(u"long.zip"_s, content));
+    use(*first);
+    QVERIFY(opens(u"/plain.html"_s));
+    tab().navigate(ProxyServer::siteUrl(*m_site, u"/slow/20000/long.zip"_s));
+    QVERIFY(becomesTrue([&] {
+        const QQuickItem *const name = m_window->activeFocusItem();
+        return name && name->objectName() == u"fileNameTextField";
+    }));
+    for (const char c : "long"_ba)
+        QTest::keyClick(m_window, c);
+    const QString saved = m_home.filePath(u"Documents/long.zip"_s);
+    QTest::keyClick(m_window, Qt::Key_Return);
+    QVERIFY(becomesTrue([&] { return !m_world->panels().isOpen(); }));
+    use(*second);
+    QVERIFY(becomesTrue([&] { return QFileInfo(saved).size() == content.size(); }));
+    QFile file(saved);
+    QVERIFY(file.open(QIODevice::ReadOnly) && file.readAll() == content);
+    // It went on where it was.
+    QVERIFY(m_site->accessLog().contains(u"GET /slow/20000/long.zip 206"_s));
 }
 
 void AppFinderTest::filesAskForAPlace()

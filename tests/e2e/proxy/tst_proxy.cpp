@@ -1,6 +1,7 @@
 #include "platform/curl/CurlHttpClient.h"
 #include "platform/posix/LoopbackPeer.h"
 #include "platform/relay/ProxyRelay.h"
+#include "tests/e2e/servers/FreePort.h"
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ProxyServer.h"
 #include "tests/e2e/servers/RunningRequest.h"
@@ -18,7 +19,9 @@ using namespace lumaro;
 using Protocol = ProxyConfiguration::Protocol;
 using Credential = ProxyConfiguration::Credential;
 
+Q_DECLARE_METATYPE(lumaro::ConnectionFailure)
 Q_DECLARE_METATYPE(lumaro::ProxyConfiguration::Protocol)
+Q_DECLARE_METATYPE(std::optional<lumaro::ProxyConfiguration::Protocol>)
 Q_DECLARE_METATYPE(std::optional<lumaro::ProxyConfiguration::Credential>)
 
 namespace {
@@ -82,6 +85,8 @@ private Q_SLOTS:
     void failsWithTheProxy_data();
     void failsWithTheProxy();
     void keepsTheProxysQuestionToItself();
+    void remembersWhyItFailed_data();
+    void remembersWhyItFailed();
     void goesThroughTheDesktopsProxyWithoutAnother();
     void changesWhileInUse();
     void thisMachineNeedsNoProxy();
@@ -221,6 +226,55 @@ void ProxyTest::keepsTheProxysQuestionToItself()
     const QByteArray answer = answered(siteUrl(u"/page"_s));
     QVERIFY2(answer.startsWith("HTTP/1.1 502 "), answer);
     QCOMPARE(tunnelled(siteUrl(u"/page"_s)), QByteArray());
+}
+
+void ProxyTest::remembersWhyItFailed_data()
+{
+    using enum ConnectionFailure;
+    QTest::addColumn<std::optional<Protocol>>("protocol"); // of the proxy between
+    QTest::addColumn<QByteArray>("answer"); // of that proxy; empty when nobody is there
+    QTest::addColumn<ConnectionFailure>("failure");
+    const std::optional<Protocol> none;
+    const std::optional socks = Protocol::Socks5;
+    const std::optional http = Protocol::HttpConnect;
+    QTest::newRow("nobody there") << none << QByteArray() << Unreachable;
+    QTest::newRow("no proxy there") << socks << QByteArray() << Proxy;
+    QTest::newRow("no HTTP proxy there") << http << QByteArray() << Proxy;
+    QTest::newRow("proxy refuses") << socks << QByteArray("\x05\xff") << Proxy;
+    QTest::newRow("proxy cannot reach it")
+        << socks << QByteArray("\x05\0\x05\x04", 4) << Unreachable;
+    QTest::newRow("proxy asks for a password")
+        << http << QByteArray("HTTP/1.1 407 Who?\r\n\r\n") << Proxy;
+}
+
+void ProxyTest::remembersWhyItFailed()
+{
+    QFETCH(const std::optional<Protocol>, protocol);
+    QFETCH(const QByteArray, answer);
+    const QUrl url(u"http://0.0.0.0:%1/"_s.arg(freePort()));
+    Babbler server(answer);
+    const quint16 port = server.serverPort();
+    if (answer.isEmpty())
+        server.close();
+    if (protocol)
+        m_relay->setUpstream(localProxy(*protocol, port));
+    QVERIFY(!m_relay->failures().of(url));
+    for (const auto &ask : {&ProxyTest::relayed, &ProxyTest::tunnelled}) {
+        QCOMPARE((this->*ask)(url), QByteArray());
+        QVERIFY(m_relay->failures().of(url));
+        QTEST(*m_relay->failures().of(url), "failure");
+        QVERIFY(!m_relay->failures().of(QUrl(u"http://0.0.0.0/"_s)));
+        // Once it can be reached, that is over.
+        m_relay->setUpstream({});
+        QTcpServer there;
+        QVERIFY(there.listen(QHostAddress::LocalHost, quint16(url.port())));
+        connect(&there, &QTcpServer::newConnection, this,
+                [&there] { there.nextPendingConnection()->disconnectFromHost(); });
+        QCOMPARE((this->*ask)(url), QByteArray());
+        QVERIFY(!m_relay->failures().of(url));
+        if (protocol)
+            m_relay->setUpstream(localProxy(*protocol, port));
+    }
 }
 
 void ProxyTest::goesThroughTheDesktopsProxyWithoutAnother()

@@ -1,22 +1,34 @@
 #include "finder/PageScripts.h"
 #include "finder/ResourceMessage.h"
 #include "finder/SnifferAdBlocker.h"
+#include "finder/SnifferProxyManager.h"
+#include "finder/SnifferSavedWebsiteStore.h"
+#include "finder/SnifferWebView.h"
+#include "platform/ConnectionFailures.h"
 #include "platform/PageView.h"
 #include "platform/contentrules/CompilingRuleListStore.h"
 #include "platform/posix/LoopbackPeer.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/relay/ProxyRelay.h"
+#include "tests/e2e/servers/FaultServer.h"
+#include "tests/e2e/servers/FreePort.h"
 #include "tests/e2e/servers/NginxServer.h"
 #include "tests/e2e/servers/ProxyServer.h"
 #include "tests/e2e/servers/ValueOrFail.h"
 #include "tests/e2e/servers/Waiting.h"
 #include "tests/e2e/webengine/EngineProgram.h"
+#include "tests/fakes/FakeContentRuleListStore.h"
+#include "tests/fakes/FakeFilePanels.h"
+#include "tests/fakes/FakeProxyConfigurationTarget.h"
+#include "tests/fakes/FakeScheduler.h"
 #include "tests/fakes/FakeUserDefaults.h"
 
+#include <QNetworkInterface>
 #include <QNetworkProxy>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QSignalSpy>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -36,6 +48,23 @@ QString witnessScript()
            "    });"
            "})();"_s;
 }
+
+bool isOffline()
+{
+    return std::ranges::none_of(QNetworkInterface::allInterfaces(),
+                                [](const QNetworkInterface &interface) {
+                                    return !interface.addressEntries().isEmpty()
+                                        && !(interface.flags() & QNetworkInterface::IsLoopBack);
+                                });
+}
+
+/// This machine by an address that the engine goes through its proxy for.
+QUrl thisMachine(const QString &scheme, quint16 port, const QString &path)
+{
+    return QUrl(u"%1://0.0.0.0:%2%3"_s.arg(scheme).arg(port).arg(path));
+}
+
+const QString proxySentence = u"The proxy cannot be reached, or does not do what it is asked."_s;
 
 /// One web view in a window of its own.
 class World
@@ -96,6 +125,12 @@ private Q_SLOTS:
     void rulesHideAndBlock();
     void pagesTakeTheProxy_data();
     void pagesTakeTheProxy();
+    void tellsWhyThereIsNoPage_data();
+    void tellsWhyThereIsNoPage();
+    void serversOwnErrorsArePages();
+    void tellsWhenAnswersBegin_data();
+    void tellsWhenAnswersBegin();
+    void silentServersAreGivenUp();
 
 private:
     bool wasAsked(const QString &path) const
@@ -115,6 +150,7 @@ void WebEngineTest::initTestCase()
     // The engine hears of another proxy too late for its next request, so it has the same always.
     m_relay = std::make_unique<ProxyRelay>(&isOwnLoopbackPeer);
     QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_relay->port()});
+    ConnectionFailures::setOfApplicationProxy(&m_relay->failures());
     // The same server by another name is another site.
     const QByteArray other = "http://localhost:" + QByteArray::number(m_site->port());
     QVERIFY(m_site->writeFile(u"page.html"_s,
@@ -236,7 +272,6 @@ void WebEngineTest::rulesHideAndBlock()
     blocker.setEnabled(false);
     QCOMPARE(m_world->witness(2),
              (QStringList{u"/frame.html block false false"_s, u"/page.html block false true"_s}));
-    blocker.unregister(m_world->view);
 }
 
 void WebEngineTest::pagesTakeTheProxy_data()
@@ -275,6 +310,135 @@ void WebEngineTest::pagesTakeTheProxy()
     m_relay->setUpstream(proxy->configuration());
     m_world->view->load(url);
     QCOMPARE(m_world->witness(1), loaded);
+}
+
+void WebEngineTest::tellsWhyThereIsNoPage_data()
+{
+    QTest::addColumn<QUrl>("url");
+    QTest::addColumn<bool>("hasProxy"); // that is not there
+    QTest::addColumn<QString>("sentence");
+    const QString unknown = isOffline() ? u"This computer is not connected to the internet."_s
+                                        : u"There is no server of that name."_s;
+    for (const QString &scheme : {u"http"_s, u"https"_s}) {
+        const auto row = [&scheme](const char *name, const QUrl &url, bool hasProxy,
+                                   const QString &sentence) {
+            QTest::addRow("%s, %s", name, qPrintable(scheme)) << url << hasProxy << sentence;
+        };
+        const QUrl nobody(scheme + u"://nobody.invalid/"_s);
+        row("unknown", nobody, false, unknown);
+        row("closed port", thisMachine(scheme, freePort(), u"/"_s), false,
+            u"The server cannot be reached."_s);
+        row("no proxy", nobody, true, proxySentence);
+    }
+}
+
+void WebEngineTest::tellsWhyThereIsNoPage()
+{
+    QFETCH(const QUrl, url);
+    QFETCH(const bool, hasProxy);
+    using Protocol = ProxyConfiguration::Protocol;
+    if (hasProxy)
+        m_relay->setUpstream(
+            ProxyConfiguration{Protocol::Socks5, u"127.0.0.1"_s, freePort(), std::nullopt});
+    const QSignalSpy finished(m_world->view, &PageView::loadFinished);
+    const QSignalSpy failed(m_world->view, &PageView::loadFailed);
+    m_world->view->load(url);
+    QVERIFY(becomesTrue([&] { return failed.count() + finished.count() > 0; }));
+    QCOMPARE(failed.count(), 1);
+    QTEST(failed.first().first().toString(), "sentence");
+}
+
+void WebEngineTest::serversOwnErrorsArePages()
+{
+    const QSignalSpy finished(m_world->view, &PageView::loadFinished);
+    const QSignalSpy failed(m_world->view, &PageView::loadFailed);
+    const QUrl url = thisMachine(u"http"_s, m_site->port(), u"/status/502"_s);
+    m_relay->setUpstream(ProxyConfiguration{ProxyConfiguration::Protocol::Socks5, u"127.0.0.1"_s,
+                                            freePort(), std::nullopt});
+    m_world->view->load(url);
+    QVERIFY(becomesTrue([&] { return failed.count() > 0; }));
+    m_relay->setUpstream({});
+    m_world->view->load(url);
+    QVERIFY(becomesTrue([&] { return finished.count() > 0; }));
+    QVERIFY(wasAsked(u"/status/502"_s));
+    QCOMPARE(failed.count(), 1);
+}
+
+void WebEngineTest::tellsWhenAnswersBegin_data()
+{
+    QTest::addColumn<FaultResponse>("response");
+    QTest::addColumn<bool>("fromPage"); // that shows meanwhile
+    FaultResponse page = FaultResponse::of("text/html", "<p>Here");
+    FaultResponse endless = page;
+    endless.stallAfter = 5;
+    FaultResponse question = page;
+    question.status = 401;
+    question.headers = {{"WWW-Authenticate", "Basic realm=\"r\""}};
+    for (const bool fromPage : {false, true}) {
+        const char *const from = fromPage ? "a page" : "nothing";
+        QTest::addRow("page, from %s", from) << page << fromPage;
+        QTest::addRow("page without end, from %s", from) << endless << fromPage;
+        QTest::addRow("who is there, from %s", from) << question << fromPage;
+    }
+}
+
+void WebEngineTest::tellsWhenAnswersBegin()
+{
+    QFETCH(const FaultResponse, response);
+    QFETCH(const bool, fromPage);
+    const auto server = valueOrFail(FaultServer::start());
+    QVERIFY(server);
+    server->route("/page", response);
+    server->hold("/page");
+    if (fromPage) {
+        const QSignalSpy finished(m_world->view, &PageView::loadFinished);
+        m_world->view->load(m_site->url(u"/frame.html"_s));
+        QVERIFY(becomesTrue([&] { return !finished.isEmpty(); }));
+    }
+    const QSignalSpy started(m_world->view, &PageView::loadStarted);
+    const QSignalSpy begun(m_world->view, &PageView::answerBegan);
+    m_world->view->load(server->url("/page"));
+    QVERIFY(becomesTrue([&] { return server->requestCount("/page") > 0; }));
+    letPass(std::chrono::milliseconds(300));
+    QCOMPARE(started.count(), 1);
+    QCOMPARE(begun.count(), 0);
+    server->release("/page");
+    QVERIFY(becomesTrue([&] { return !begun.isEmpty(); }));
+}
+
+void WebEngineTest::silentServersAreGivenUp()
+{
+    FakeScheduler scheduler;
+    FakeUserDefaults defaults;
+    FakeFilePanels panels;
+    FakeContentRuleListStore rules;
+    FakeProxyConfigurationTarget target;
+    SnifferAdBlocker blocker(defaults, scheduler, rules);
+    SnifferProxyManager proxy(defaults, scheduler, target);
+    SnifferSavedWebsiteStore websites(defaults, scheduler, panels);
+    SnifferManager tab(websites);
+    const auto bridge = std::make_unique<SnifferWebView>(
+        *m_world->view, tab, SnifferWebView::Environment{blocker, proxy, scheduler});
+    const auto server = valueOrFail(FaultServer::start());
+    QVERIFY(server);
+    server->route("/page", FaultResponse::of("text/html", "<title>Late</title>"));
+    server->hold("/page");
+
+    tab.navigate(server->url("/page"));
+    QVERIFY(becomesTrue([&] { return server->requestCount("/page") > 0; }));
+    scheduler.advance(std::chrono::seconds(59));
+    QCOMPARE(tab.errorMessage(), QString());
+    QVERIFY(tab.isLoading());
+    scheduler.advance(std::chrono::seconds(1));
+    QVERIFY(becomesTrue([&] { return server->openConnections() == 0; }));
+    QCOMPARE(tab.errorMessage(), u"The server takes too long to answer."_s);
+    QVERIFY(!tab.isLoading());
+    QVERIFY(websites.websites().isEmpty());
+
+    server->release("/page");
+    tab.reload();
+    QVERIFY(becomesTrue([&] { return tab.pageTitle() == u"Late"; }));
+    QCOMPARE(tab.errorMessage(), QString());
 }
 
 int main(int argc, char *argv[])
