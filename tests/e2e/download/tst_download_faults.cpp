@@ -7,6 +7,11 @@
 #include <QDir>
 #include <QTest>
 
+#include <array>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -43,6 +48,34 @@ qint64 residentMemory()
     return contentOf(u"/proc/self/statm"_s).split(' ').value(1).toLongLong() * 4096;
 }
 
+/// From now on what this process writes to an open file goes into a pipe that nobody reads: as long
+/// as this lives, it waits.
+class NobodyReads
+{
+public:
+    explicit NobodyReads(const QString &file)
+    {
+        std::array<int, 2> ends{-1, -1};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0)
+            return;
+        m_readEnd = ends[0];
+        for (const QFileInfo &link : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files)) {
+            if (link.symLinkTarget() == file)
+                m_isInPlace = dup2(ends[1], link.fileName().toInt()) >= 0;
+        }
+        close(ends[1]);
+    }
+    ~NobodyReads() { close(m_readEnd); }
+    NobodyReads(const NobodyReads &) = delete;
+    NobodyReads &operator=(const NobodyReads &) = delete;
+
+    bool isInPlace() const { return m_isInPlace; }
+
+private:
+    int m_readEnd = -1;
+    bool m_isInPlace = false;
+};
+
 } // namespace
 
 class DownloadFaultsTest : public QObject
@@ -69,6 +102,7 @@ private Q_SLOTS:
     void failsWhenTheFileGoes();
     void refusedPlaylistIsNotRead();
     void stopsWithinKnownSegments();
+    void diskThatStandsStillHoldsUpNobodyElse();
     void refusesAHugePlaylist();
     void takesManySegments();
     void holdsNoSegmentInMemory();
@@ -347,12 +381,40 @@ void DownloadFaultsTest::stopsWithinKnownSegments()
 {
     FaultResponse repeated = FaultResponse::of(playlistType, {});
     repeated.body = {
-        .head = "#EXTM3U\n", .part = "a\n", .times = 2'000'000, .tail = "#EXT-X-ENDLIST\n"};
+        .head = "#EXTM3U\n", .part = "a\n", .times = 1'000'000, .tail = "#EXT-X-ENDLIST\n"};
     m_server->route("/list.m3u8", repeated);
     m_world->manager().start(list(), u"Film"_s);
     QTRY_COMPARE_WITH_TIMEOUT(m_world->job(list()).message, u"0%"_s, patience);
     m_world->manager().stop(list());
     QCOMPARE(m_world->messageAtEnd(list()), u"Stopped · file saved"_s);
+}
+
+void DownloadFaultsTest::diskThatStandsStillHoldsUpNobodyElse()
+{
+    m_server->hold("/b");
+    FaultResponse large = FaultResponse::of("video/mp2t", {});
+    large.body = {.head = {}, .part = segmentBytes('b'), .times = 100, .tail = {}};
+    m_server->route("/b", large);
+    m_world->manager().start(list(), u"Film"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_server->requestCount("/b"), 1, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(saved() == segmentBytes('a'), patience);
+    const NobodyReads disk(m_world->path(u"Film.ts"_s));
+    QVERIFY(disk.isInPlace());
+    m_server->release("/b");
+
+    serve("/other.m3u8", playlistOf({"a", "c"}));
+    m_world->save(m_server->url("/other.m3u8"), u"Other"_s);
+    QVERIFY(contentOf(m_world->path(u"Other.ts"_s)) == segmentBytes('a') + segmentBytes('c'));
+    QVERIFY(m_world->job(list()).isActive);
+
+    m_world->manager().stop(list());
+    QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
+    QCOMPARE(m_world->manager().errorMessage(),
+             u"The file could not be written: the folder does not answer."_s);
+    serve("/b", segmentBytes('b'));
+    m_world->save(list(), u"Film"_s);
+    QVERIFY(contentOf(m_world->path(u"Film 2.ts"_s))
+            == segmentBytes('a') + segmentBytes('b') + segmentBytes('c'));
 }
 
 void DownloadFaultsTest::refusesAHugePlaylist()
