@@ -2,15 +2,11 @@
 #include "tests/e2e/download/MountedFolder.h"
 #include "tests/e2e/servers/FaultServer.h"
 #include "tests/e2e/servers/NginxServer.h"
+#include "tests/e2e/servers/StandingDisk.h"
 #include "tests/e2e/servers/ValueOrFail.h"
 
 #include <QDir>
 #include <QTest>
-
-#include <array>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
@@ -47,34 +43,6 @@ qint64 residentMemory()
 {
     return contentOf(u"/proc/self/statm"_s).split(' ').value(1).toLongLong() * 4096;
 }
-
-/// From now on what this process writes to an open file goes into a pipe that nobody reads: as long
-/// as this lives, it waits.
-class NobodyReads
-{
-public:
-    explicit NobodyReads(const QString &file)
-    {
-        std::array<int, 2> ends{-1, -1};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0)
-            return;
-        m_readEnd = ends[0];
-        for (const QFileInfo &link : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files)) {
-            if (link.symLinkTarget() == file)
-                m_isInPlace = dup2(ends[1], link.fileName().toInt()) >= 0;
-        }
-        close(ends[1]);
-    }
-    ~NobodyReads() { close(m_readEnd); }
-    NobodyReads(const NobodyReads &) = delete;
-    NobodyReads &operator=(const NobodyReads &) = delete;
-
-    bool isInPlace() const { return m_isInPlace; }
-
-private:
-    int m_readEnd = -1;
-    bool m_isInPlace = false;
-};
 
 } // namespace
 
@@ -398,7 +366,7 @@ void DownloadFaultsTest::diskThatStandsStillHoldsUpNobodyElse()
     m_world->manager().start(list(), u"Film"_s);
     QTRY_COMPARE_WITH_TIMEOUT(m_server->requestCount("/b"), 1, patience);
     QTRY_VERIFY_WITH_TIMEOUT(saved() == segmentBytes('a'), patience);
-    const NobodyReads disk(m_world->path(u"Film.ts"_s));
+    const StandingDisk disk(m_world->path(u"Film.ts"_s));
     QVERIFY(disk.isInPlace());
     m_server->release("/b");
 
