@@ -126,8 +126,10 @@ Task<DownloadResult<MediaPlaylist>> StreamFetcher::resolveMediaPlaylist(QUrl url
 Task<DownloadResult<MediaPlaylist>> StreamFetcher::parse(const PlaylistText &text, const QUrl &url,
                                                          std::stop_token stop)
 {
-    return inBackground<MediaPlaylist>(
-        m_scheduler, [text, url, stop] { return parseMediaPlaylist(text.utf8, url, stop); }, stop);
+    const std::function<DownloadResult<MediaPlaylist>()> read = [text, url, stop] {
+        return parseMediaPlaylist(text.utf8, url, stop);
+    };
+    return inBackground(m_scheduler, read, std::move(stop));
 }
 
 } // namespace lumaro
