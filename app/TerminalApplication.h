@@ -59,8 +59,8 @@ private:
         CurlHttpClient &m_http;
     };
 
-    // In the order of who needs whom.
-    QtScheduler m_scheduler;
+    // In the order of who needs whom. Whoever stopped a download has waited for its folder already.
+    QtScheduler m_scheduler{{.patience = std::chrono::seconds(1)}};
     CurlHttpClient m_http;
     FileUserDefaults m_defaults;
     NoFilePanels m_panels;

@@ -3,7 +3,6 @@
 #include "app/TransportModel.h"
 #include "platform/Terminal.h"
 
-#include <QFileInfo>
 #include <QLocale>
 
 namespace lumaro {
@@ -17,11 +16,6 @@ constexpr auto rateWindow = 3s;
 QString pathOf(const M3U8DownloadManager::JobState &job)
 {
     return job.destination.toLocalFile();
-}
-
-qint64 sizeOf(const M3U8DownloadManager::JobState &job)
-{
-    return job.destination.isEmpty() ? 0 : QFileInfo(pathOf(job)).size();
 }
 
 QString sizeText(qint64 bytes)
@@ -97,7 +91,7 @@ void TerminalDownload::report()
 QString TerminalDownload::progressLine()
 {
     const Scheduler::TimePoint now = m_scheduler.now();
-    m_samples.push_back({now, sizeOf(m_lastActive)});
+    m_samples.push_back({now, fileSize()});
     while (m_samples.size() > 2 && now - m_samples[1].time >= rateWindow)
         m_samples.pop_front();
 
@@ -114,12 +108,18 @@ QString TerminalDownload::progressLine()
     return joined(parts);
 }
 
+/// Without asking the disk, which may not answer.
+qint64 TerminalDownload::fileSize() const
+{
+    return m_manager.fileSize(M3U8DownloadManager::keyOf(m_url));
+}
+
 void TerminalDownload::finish(const M3U8DownloadManager::JobState &job)
 {
     m_lastActive.isActive = false;
     m_tick.cancel();
     m_terminal.showProgress(QString());
-    const qint64 size = sizeOf(job);
+    const qint64 size = fileSize();
     const QString time = formatTime(seconds(m_scheduler.now() - m_begin));
     if (!job.duration) {
         m_terminal.say(m_manager.errorMessage());

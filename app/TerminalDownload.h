@@ -42,6 +42,7 @@ private:
     void tick();
     void report();
     QString progressLine();
+    qint64 fileSize() const;
     void finish(const M3U8DownloadManager::JobState &job);
     int statusAfterStop(qint64 keptSize) const;
 

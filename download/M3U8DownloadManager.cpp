@@ -38,8 +38,43 @@ Scheduler::Duration pollInterval(double targetDuration)
     return std::chrono::duration_cast<Scheduler::Duration>(half);
 }
 
-/// How many listed segments that are written already are passed over before others get a turn.
-constexpr qsizetype knownSegmentsATurn = 4096;
+/// How much work is done with segments that are written already before others get a turn: the
+/// lengths of their addresses, in bytes, and for each some more.
+constexpr qsizetype knownSegmentsATurn = 64 * 1024;
+constexpr qsizetype workWithAny = 16;
+
+DownloadFailure cancelled()
+{
+    return HttpError{HttpError::Kind::Cancelled};
+}
+
+/// What became of the attempt to make a file.
+struct Creation
+{
+    std::expected<void, FileWriteError> result;
+    /// Somebody else was quicker.
+    bool isTaken = false;
+};
+
+/// Waits for the file to be closed, but when `stop` is requested not for long: what does not answer
+/// is left to its thread.
+Task<std::expected<void, FileWriteError>> close(std::shared_ptr<SegmentFile> file, Scheduler &files,
+                                                Scheduler &scheduler, std::stop_token stop)
+{
+    const std::stop_source patience;
+    std::optional<Scheduler::TimerId> timer;
+    const std::stop_callback whenStopped(stop, [&] {
+        timer = scheduler.callAfter(M3U8DownloadManager::closingPatience,
+                                    [patience] { patience.request_stop(); });
+    });
+    const auto closing = files.inBackground([file] { return file->close(); }, patience.get_token());
+    const std::optional<std::expected<void, FileWriteError>> closed = co_await closing;
+    if (timer)
+        scheduler.cancel(*timer);
+    co_return closed.value_or(std::unexpected(
+        FileWriteError{.kind = FileWriteError::Kind::Failed,
+                       .description = M3U8DownloadManager::tr("the folder does not answer")}));
+}
 
 double secondsBetween(Scheduler::TimePoint begin, Scheduler::TimePoint end)
 {
@@ -81,9 +116,10 @@ void M3U8DownloadManager::start(const QUrl &url, const std::optional<QString> &s
         return;
     const std::stop_source task;
     m_tasks.insert(key, task);
-    m_names.insert(key, suggestedName.value_or(QString()));
+    m_names.insert(key, suggestedName);
+    m_files.remove(key);
     setJob(key, {.message = tr("Preparing…"), .isActive = true});
-    run(url, suggestedName, task.get_token());
+    run(url, task.get_token());
 }
 
 void M3U8DownloadManager::stop(const QUrl &url)
@@ -100,22 +136,26 @@ void M3U8DownloadManager::openDownloadedFileLocation(const QUrl &url)
         m_platform.workspace.activateFileViewer({file});
 }
 
+qint64 M3U8DownloadManager::fileSize(const QString &key) const
+{
+    const auto file = m_files.value(key);
+    return file ? file->size() : 0;
+}
+
 // One job
 
-Task<> M3U8DownloadManager::run(QUrl url, std::optional<QString> suggestedName,
-                                std::stop_token stop)
+Task<> M3U8DownloadManager::run(QUrl url, std::stop_token stop)
 {
     const std::stop_token lifetime = m_lifetime.get_token();
     const Scheduler::TimePoint begin = m_platform.scheduler.now();
-    const Outcome outcome = co_await save(url, suggestedName, stop);
+    const Outcome outcome = co_await save(url, stop);
     if (lifetime.stop_requested())
         co_return;
     finish(keyOf(url), outcome, stop.stop_requested(),
            secondsBetween(begin, m_platform.scheduler.now()));
 }
 
-Task<M3U8DownloadManager::Outcome>
-M3U8DownloadManager::save(QUrl url, std::optional<QString> suggestedName, std::stop_token stop)
+Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::save(QUrl url, std::stop_token stop)
 {
     DownloadResult<MediaPlaylist> playlist = co_await m_fetcher.resolveMediaPlaylist(url, stop);
     if (!playlist)
@@ -125,23 +165,19 @@ M3U8DownloadManager::save(QUrl url, std::optional<QString> suggestedName, std::s
         auto checking = checkSaveFolder(stop);
         co_await checking;
         if (stop.stop_requested())
-            co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
+            co_return std::unexpected(cancelled());
     }
-    const auto file = std::make_shared<SegmentFile>();
-    const QString fileExtension =
-        playlist->mapURL.isEmpty() ? QStringLiteral("ts") : QStringLiteral("mp4");
-    const Outcome opened = openDestination(*file, keyOf(url), suggestedName, fileExtension);
-    if (!opened)
-        co_return opened;
-    // This may be gone by the time it is needed.
+    // This may be gone by the time they are needed.
     Scheduler &files = m_platform.files;
-    auto downloading = download(*std::move(playlist), file, keyOf(url), stop);
-    const Outcome downloaded = co_await downloading;
-    const auto closing = files.inBackground([file] { return file->close(); });
+    Scheduler &scheduler = m_platform.scheduler;
+    const auto file = std::make_shared<SegmentFile>();
+    auto writing = write(*std::move(playlist), file, keyOf(url), stop);
+    const Outcome written = co_await writing;
+    auto closing = close(file, files, scheduler, stop);
     const std::expected<void, FileWriteError> closed = co_await closing;
-    if (downloaded && !closed)
+    if (!closed && (written || stop.stop_requested()))
         co_return std::unexpected(closed.error());
-    co_return downloaded;
+    co_return written;
 }
 
 /// A folder of another machine may take its time to say whether it is there, or never do so.
@@ -159,26 +195,55 @@ Task<> M3U8DownloadManager::checkSaveFolder(std::stop_token stop)
         setSaveFolder(firstFolder(m_platform.standardFolders));
 }
 
-M3U8DownloadManager::Outcome
-M3U8DownloadManager::openDestination(SegmentFile &file, const QString &key,
-                                     const std::optional<QString> &suggestedName,
-                                     const QString &fileExtension)
+Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::write(MediaPlaylist playlist,
+                                                              std::shared_ptr<SegmentFile> file,
+                                                              QString key, std::stop_token stop)
+{
+    const QString fileExtension =
+        playlist.mapURL.isEmpty() ? QStringLiteral("ts") : QStringLiteral("mp4");
+    auto opening = openDestination(file, key, fileExtension, stop);
+    const Outcome opened = co_await opening;
+    if (!opened)
+        co_return opened;
+    auto downloading = download(std::move(playlist), file, key, stop);
+    co_return co_await downloading;
+}
+
+Task<M3U8DownloadManager::Outcome>
+M3U8DownloadManager::openDestination(std::shared_ptr<SegmentFile> file, QString key,
+                                     QString fileExtension, std::stop_token stop)
 {
     for (;;) {
-        const auto destination =
-            uniqueDestination(m_saveFolder.toLocalFile(), suggestedName, fileExtension);
-        if (!destination)
-            return std::unexpected(DownloadError::cannotCreateDestination);
+        const auto naming = m_platform.files.inBackground(
+            [folder = m_saveFolder.toLocalFile(), name = m_names.value(key), fileExtension] {
+                return uniqueDestination(folder, name, fileExtension);
+            },
+            stop);
+        const std::optional<std::optional<QString>> named = co_await naming;
+        if (!named)
+            co_return std::unexpected(cancelled());
+        const std::optional<QString> &path = *named;
+        if (!path)
+            co_return std::unexpected(DownloadError::cannotCreateDestination);
+        m_files.insert(key, file);
         setJob(key,
                {.message = tr("Starting…"),
                 .isActive = true,
-                .destination = QUrl::fromLocalFile(*destination)});
-        const auto created = file.create(*destination);
-        if (created)
-            return {};
-        // Somebody else may have been quicker; the next name will do.
-        if (!isTaken(*destination))
-            return std::unexpected(created.error());
+                .destination = QUrl::fromLocalFile(*path)});
+        const auto creating = m_platform.files.inBackground(
+            [file, path = *path] {
+                const auto created = file->create(path);
+                return Creation{.result = created, .isTaken = !created && isTaken(path)};
+            },
+            stop);
+        const std::optional<Creation> created = co_await creating;
+        if (!created)
+            co_return std::unexpected(cancelled());
+        if (created->result)
+            co_return {};
+        // The next name will do.
+        if (!created->isTaken)
+            co_return std::unexpected(created->result.error());
     }
 }
 
@@ -197,15 +262,21 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist p
     JobState state = m_jobs.value(key);
     for (;;) {
         written.beginPlaylist();
+        // Relative addresses are resolved with it.
+        const qsizetype workWithEach = playlist.url.toEncoded().size() + workWithAny;
         qsizetype position = 0;
+        qsizetype workSoFar = 0;
         SegmentList::Reader segments(playlist.segments);
         while (const std::optional<QUrl> segment = segments.next()) {
             ++position;
             if (!written.insert(*segment)) {
                 // A list may hold nothing else for very long.
-                if (position % knownSegmentsATurn == 0
-                    && !co_await m_platform.scheduler.sleep(Scheduler::Duration::zero(), stop))
-                    co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
+                const qsizetype work = segments.position() + position * workWithEach;
+                if (work - workSoFar >= knownSegmentsATurn) {
+                    workSoFar = work;
+                    if (!co_await m_platform.scheduler.sleep(Scheduler::Duration::zero(), stop))
+                        co_return std::unexpected(cancelled());
+                }
                 continue;
             }
             const Outcome appended = co_await append(*segment, file, stop);
@@ -227,7 +298,7 @@ Task<M3U8DownloadManager::Outcome> M3U8DownloadManager::download(MediaPlaylist p
 
         const Scheduler::Duration interval = pollInterval(playlist.targetDuration);
         if (!co_await m_platform.scheduler.sleep(interval, stop))
-            co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
+            co_return std::unexpected(cancelled());
         DownloadResult<MediaPlaylist> newer =
             co_await m_fetcher.fetchMediaPlaylist(playlist.url, stop);
         if (!newer)
@@ -243,12 +314,19 @@ M3U8DownloadManager::append(QUrl segment, std::shared_ptr<SegmentFile> file, std
     Scheduler &files = m_platform.files;
     const HttpBodySink sink = [file](QByteArrayView bytes) { return file->append(bytes); };
     const Outcome fetched = co_await m_fetcher.fetchData(segment, sink, stop);
-    if (const auto &error = file->error())
+    // The sink may be waiting for the disk still.
+    if (stop.stop_requested())
+        co_return std::unexpected(cancelled());
+    if (const auto error = file->error())
         co_return std::unexpected(*error);
     if (!fetched)
         co_return fetched;
-    const auto looking = files.inBackground([file] { return file->fate(); });
-    switch (co_await looking) {
+    file->keep();
+    const auto looking = files.inBackground([file] { return file->fate(); }, stop);
+    const std::optional<SegmentFile::Fate> fate = co_await looking;
+    if (!fate)
+        co_return std::unexpected(cancelled());
+    switch (*fate) {
     case SegmentFile::Fate::FolderGone:
         co_return std::unexpected(DownloadError::cannotCreateDestination);
     case SegmentFile::Fate::Deleted:
@@ -257,29 +335,29 @@ M3U8DownloadManager::append(QUrl segment, std::shared_ptr<SegmentFile> file, std
     case SegmentFile::Fate::There:
         break;
     }
-    file->keep();
-    if (stop.stop_requested())
-        co_return std::unexpected(HttpError{HttpError::Kind::Cancelled});
     co_return {};
 }
 
 void M3U8DownloadManager::finish(const QString &key, const Outcome &outcome, bool wasStopped,
                                  double seconds)
 {
+    // What could not be saved for the disk's sake is no saved file, whoever ended the job.
+    const bool isStopped =
+        wasStopped && (outcome || !std::holds_alternative<FileWriteError>(outcome.error()));
     JobState state;
     state.destination = m_jobs.value(key).destination;
     if (outcome) {
         state.message = tr("Saved");
         state.progress = 1;
         state.duration = seconds;
-    } else if (wasStopped) {
+    } else if (isStopped) {
         state.message = tr("Stopped · file saved");
         state.duration = seconds;
     } else {
         state.message = tr("Download failed");
     }
     m_tasks.remove(key);
-    if (!outcome && !wasStopped) {
+    if (!outcome && !isStopped) {
         // Announced even when the last failure was the same.
         m_errorMessage = description(outcome.error());
         Q_EMIT errorMessageChanged();

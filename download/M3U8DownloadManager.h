@@ -36,6 +36,8 @@ class M3U8DownloadManager : public QObject
     Q_PROPERTY(QUrl saveFolder READ saveFolder NOTIFY saveFolderChanged)
 
 public:
+    static constexpr std::chrono::seconds closingPatience{5};
+
     struct JobState
     {
         /// 0 to 1; empty while the amount is unknown.
@@ -60,7 +62,12 @@ public:
     const QMap<QString, JobState> &jobs() const { return m_jobs; }
     static QString keyOf(const QUrl &url);
     /// What the job's stream was called when it was started; empty when nobody said.
-    QString suggestedName(const QString &key) const { return m_names.value(key); }
+    QString suggestedName(const QString &key) const
+    {
+        return m_names.value(key).value_or(QString());
+    }
+    /// How large the job's file is, in bytes, as far as this manager has written it.
+    qint64 fileSize(const QString &key) const;
 
     const QString &errorMessage() const { return m_errorMessage; }
     /// The user has seen the error.
@@ -74,7 +81,8 @@ public:
 
     /// Begins to save the stream at `url`, unless that is under way.
     void start(const QUrl &url, const std::optional<QString> &suggestedName);
-    /// Ends the job for `url`, keeping what it has saved.
+    /// Ends the job for `url`, keeping what it has saved. A save folder that does not answer within
+    /// closingPatience is not waited for; the job has then failed.
     Q_INVOKABLE void stop(const QUrl &url);
     /// Shows the file that was saved from `url` in the file browser.
     Q_INVOKABLE void openDownloadedFileLocation(const QUrl &url);
@@ -88,12 +96,13 @@ Q_SIGNALS:
 private:
     using Outcome = DownloadResult<void>;
 
-    Task<> run(QUrl url, std::optional<QString> suggestedName, std::stop_token stop);
-    Task<Outcome> save(QUrl url, std::optional<QString> suggestedName, std::stop_token stop);
+    Task<> run(QUrl url, std::stop_token stop);
+    Task<Outcome> save(QUrl url, std::stop_token stop);
     Task<> checkSaveFolder(std::stop_token stop);
-    Outcome openDestination(SegmentFile &file, const QString &key,
-                            const std::optional<QString> &suggestedName,
-                            const QString &fileExtension);
+    Task<Outcome> write(MediaPlaylist playlist, std::shared_ptr<SegmentFile> file, QString key,
+                        std::stop_token stop);
+    Task<Outcome> openDestination(std::shared_ptr<SegmentFile> file, QString key,
+                                  QString fileExtension, std::stop_token stop);
     Task<Outcome> download(MediaPlaylist playlist, std::shared_ptr<SegmentFile> file, QString key,
                            std::stop_token stop);
     Task<Outcome> append(QUrl segment, std::shared_ptr<SegmentFile> file, std::stop_token stop);
@@ -105,7 +114,8 @@ private:
     DownloadPlatform m_platform;
     StreamFetcher m_fetcher;
     QMap<QString, JobState> m_jobs;
-    QMap<QString, QString> m_names;
+    QMap<QString, std::optional<QString>> m_names;
+    QMap<QString, std::shared_ptr<SegmentFile>> m_files;
     QString m_errorMessage;
     QUrl m_saveFolder;
     /// The stored save folder, until it is known to be there.

@@ -116,13 +116,14 @@ std::optional<qint64> integerAttribute(QStringView name, QStringView line)
     return isInteger ? std::optional(number) : std::nullopt;
 }
 
-QList<Variant> parseVariants(const QByteArray &text, const QUrl &baseURL)
+QList<Variant> parseVariants(const QByteArray &text, const QUrl &baseURL,
+                             const std::stop_token &stop)
 {
     QList<Variant> variants;
     // Every tag before an address means that address.
     qsizetype withoutAddress = 0;
     text::Lines lines(text);
-    while (const auto line = lines.next()) {
+    while (const auto line = stop.stop_requested() ? std::nullopt : lines.next()) {
         if (line->startsWith("#EXT-X-STREAM-INF:") && variants.size() < maximumVariants) {
             const QString tag = QString::fromUtf8(*line);
             variants.append({{}, integerAttribute(u"BANDWIDTH", tag).value_or(0)});
@@ -140,8 +141,8 @@ QList<Variant> parseVariants(const QByteArray &text, const QUrl &baseURL)
     return variants;
 }
 
-std::expected<MediaPlaylist, DownloadError> parseMediaPlaylist(const QByteArray &text,
-                                                               const QUrl &url)
+DownloadResult<MediaPlaylist> parseMediaPlaylist(const QByteArray &text, const QUrl &url,
+                                                 const std::stop_token &stop)
 {
     if (!text.contains("#EXTM3U"))
         return std::unexpected(DownloadError::invalidPlaylist);
@@ -152,8 +153,13 @@ std::expected<MediaPlaylist, DownloadError> parseMediaPlaylist(const QByteArray 
 
     MediaPlaylist playlist{.url = url, .segments = SegmentList(url), .mapURL = {}};
     text::Lines lines(text);
-    while (const auto line = lines.next())
+    while (const auto line = lines.next()) {
+        if (stop.stop_requested())
+            return std::unexpected(HttpError{HttpError::Kind::Cancelled});
         readLine(text::trimmed(*line), playlist);
+        if (playlist.segments.size() > maximumSegments)
+            return std::unexpected(HttpError{HttpError::Kind::TooLarge});
+    }
     if (playlist.segments.isEmpty())
         return std::unexpected(DownloadError::noSegments);
     playlist.isLive = !text.contains("#EXT-X-ENDLIST");

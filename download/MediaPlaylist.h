@@ -5,6 +5,8 @@
 #include <QList>
 #include <QUrl>
 
+#include <stop_token>
+
 namespace lumaro {
 
 /// The segments of a media playlist, in its order. They are kept as text and resolved one by one:
@@ -35,6 +37,8 @@ public:
 
         /// Empty after the last.
         std::optional<QUrl> next();
+        /// In the text, in bytes.
+        qsizetype position() const { return m_position; }
 
     private:
         const SegmentList &m_list;
@@ -79,11 +83,16 @@ struct Variant
 std::optional<qint64> integerAttribute(QStringView name, QStringView line);
 
 /// The variants of a master playlist in its order, at most the first ten thousand. The text is
-/// UTF-8, as in the next function. Both are for any thread.
-QList<Variant> parseVariants(const QByteArray &text, const QUrl &baseURL);
+/// UTF-8, as in the next function. Both are for any thread, and end early when `stop` is requested.
+QList<Variant> parseVariants(const QByteArray &text, const QUrl &baseURL,
+                             const std::stop_token &stop = {});
 
-/// Reads a media playlist that came from `url`, or says why it cannot be saved.
-std::expected<MediaPlaylist, DownloadError> parseMediaPlaylist(const QByteArray &text,
-                                                               const QUrl &url);
+/// Three weeks of two-second segments.
+constexpr qsizetype maximumSegments = 1'000'000;
+
+/// Reads a media playlist that came from `url`, or says why it cannot be saved: too large with more
+/// than maximumSegments.
+DownloadResult<MediaPlaylist> parseMediaPlaylist(const QByteArray &text, const QUrl &url,
+                                                 const std::stop_token &stop = {});
 
 } // namespace lumaro

@@ -15,6 +15,7 @@ SegmentFile::~SegmentFile()
 
 std::expected<void, FileWriteError> SegmentFile::create(const QString &path)
 {
+    const std::scoped_lock lock(m_mutex);
     m_file.setFileName(path);
     // Without a buffer of its own, an error belongs to the segment that meets it.
     if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
@@ -24,6 +25,10 @@ std::expected<void, FileWriteError> SegmentFile::create(const QString &path)
 
 bool SegmentFile::append(QByteArrayView bytes)
 {
+    const std::scoped_lock lock(m_mutex);
+    // It was given up while this call was on its way.
+    if (!m_file.isOpen())
+        return false;
     while (!bytes.isEmpty()) {
         const qint64 written = m_file.write(bytes.data(), bytes.size());
         if (written <= 0) {
@@ -36,8 +41,21 @@ bool SegmentFile::append(QByteArrayView bytes)
     return true;
 }
 
+void SegmentFile::keep()
+{
+    const std::scoped_lock lock(m_mutex);
+    m_keptSize = m_size;
+}
+
+std::optional<FileWriteError> SegmentFile::error() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return m_error;
+}
+
 SegmentFile::Fate SegmentFile::fate() const
 {
+    const std::scoped_lock lock(m_mutex);
     // The open file would go on growing where nobody finds it.
     if (!QFileInfo(m_file).dir().exists())
         return Fate::FolderGone;
@@ -48,14 +66,20 @@ SegmentFile::Fate SegmentFile::fate() const
 
 std::expected<void, FileWriteError> SegmentFile::close()
 {
+    const std::scoped_lock lock(m_mutex);
     if (!m_file.isOpen())
         return {};
-    if (m_size != m_keptSize)
-        m_file.resize(m_keptSize);
+    std::expected<void, FileWriteError> result;
+    if (m_size != m_keptSize) {
+        if (m_file.resize(m_keptSize))
+            m_size = m_keptSize;
+        else
+            result = std::unexpected(currentError());
+    }
     m_file.close();
-    if (m_file.error() != QFileDevice::NoError)
-        return std::unexpected(currentError());
-    return {};
+    if (result && m_file.error() != QFileDevice::NoError)
+        result = std::unexpected(currentError());
+    return result;
 }
 
 FileWriteError SegmentFile::currentError() const

@@ -4,11 +4,14 @@
 
 #include <QFile>
 
+#include <atomic>
+#include <mutex>
+
 namespace lumaro {
 
 /// The file a stream is saved to. It grows while a segment arrives, and falls back to its last
-/// complete segment when it is given up, so that what stays behind can be played. Any thread, one
-/// call after another; all of them wait for the file system.
+/// complete segment when it is given up, so that what stays behind can be played. Any thread. All
+/// calls but size() wait for the file system, and for each other.
 class SegmentFile
 {
 public:
@@ -31,20 +34,24 @@ public:
     /// says why.
     bool append(QByteArrayView bytes);
     /// What has been written so far is complete.
-    void keep() { m_keptSize = m_size; }
+    void keep();
 
     Fate fate() const;
     /// Leaves the complete segments on the disk. Some file systems, as those of other machines, say
     /// only now that there is no room.
     std::expected<void, FileWriteError> close();
 
-    const std::optional<FileWriteError> &error() const { return m_error; }
+    std::optional<FileWriteError> error() const;
+
+    /// In bytes, as far as it has been written. At once.
+    qint64 size() const { return m_size; }
 
 private:
     FileWriteError currentError() const;
 
+    mutable std::mutex m_mutex;
     QFile m_file;
-    qint64 m_size = 0;
+    std::atomic<qint64> m_size = 0;
     qint64 m_keptSize = 0;
     std::optional<FileWriteError> m_error;
 };

@@ -39,26 +39,18 @@ bool isMaster(const QByteArray &text)
     return text.contains("#EXT-X-STREAM-INF");
 }
 
-DownloadResult<MediaPlaylist> readMedia(const QByteArray &text, const QUrl &url)
-{
-    auto playlist = parseMediaPlaylist(text, url);
-    if (!playlist)
-        return std::unexpected(playlist.error());
-    return *std::move(playlist);
-}
-
 /// The first of the variants with the highest bandwidth.
-DownloadResult<QUrl> bestVariant(const QByteArray &text, const QUrl &url)
+DownloadResult<QUrl> bestVariant(const QByteArray &text, const QUrl &url,
+                                 const std::stop_token &stop)
 {
-    const QList<Variant> variants = parseVariants(text, url);
+    const QList<Variant> variants = parseVariants(text, url, stop);
     const auto best = std::ranges::max_element(variants, {}, &Variant::bandwidth);
     if (best == variants.end())
         return std::unexpected(DownloadError::invalidPlaylist);
     return best->url;
 }
 
-/// Runs `read` on another thread. Work that has begun cannot be interrupted, but nobody has to wait
-/// for it.
+/// Runs `read` on another thread. Nobody has to wait for its end when `stop` is requested.
 template <typename T>
 Task<DownloadResult<T>> inBackground(Scheduler &scheduler, std::function<DownloadResult<T>()> read,
                                      std::stop_token stop)
@@ -122,8 +114,8 @@ Task<DownloadResult<MediaPlaylist>> StreamFetcher::resolveMediaPlaylist(QUrl url
     if (!isMaster(text->utf8))
         co_return co_await parse(*text, url, stop);
 
-    const std::function<DownloadResult<QUrl>()> choose = [text, url] {
-        return bestVariant(text->utf8, url);
+    const std::function<DownloadResult<QUrl>()> choose = [text, url, stop] {
+        return bestVariant(text->utf8, url, stop);
     };
     const DownloadResult<QUrl> variant = co_await inBackground(m_scheduler, choose, stop);
     if (!variant)
@@ -134,8 +126,10 @@ Task<DownloadResult<MediaPlaylist>> StreamFetcher::resolveMediaPlaylist(QUrl url
 Task<DownloadResult<MediaPlaylist>> StreamFetcher::parse(const PlaylistText &text, const QUrl &url,
                                                          std::stop_token stop)
 {
-    return inBackground<MediaPlaylist>(
-        m_scheduler, [text, url] { return readMedia(text.utf8, url); }, std::move(stop));
+    const std::function<DownloadResult<MediaPlaylist>()> read = [text, url, stop] {
+        return parseMediaPlaylist(text.utf8, url, stop);
+    };
+    return inBackground(m_scheduler, read, std::move(stop));
 }
 
 } // namespace lumaro

@@ -55,7 +55,8 @@ struct HttpResponse
 };
 
 /// Takes a body piece by piece as it arrives, in order. It is called on a thread of the client's
-/// own and never after its request has ended. False refuses the rest.
+/// own and may take its time, as for a disk: only its own request waits. No call follows the end of
+/// its request, but when that was stopped, one may still be under way. False refuses the rest.
 using HttpBodySink = std::function<bool(QByteArrayView bytes)>;
 
 /// Fetches http and https addresses. Follows redirects, never from https to http nor to any other

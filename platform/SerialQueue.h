@@ -8,7 +8,7 @@
 namespace lumaro {
 
 /// Does one piece of work after the other, in the order in which they were posted, away from the
-/// main thread. Destroying it waits until all of them are done.
+/// main thread. Destroying it waits until all of them are done, as drain() does.
 class SerialQueue
 {
 public:
@@ -19,7 +19,8 @@ public:
 
     /// From any thread.
     virtual void post(std::function<void()> work) = 0;
-    /// Waits until all that has been posted is done. Not from the queue itself.
+    /// Waits until all that has been posted is done. Not from the queue itself. A queue that is held
+    /// up for too long, as by a disk that stands still, drops what has not begun.
     virtual void drain() = 0;
 };
 

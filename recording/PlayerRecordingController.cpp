@@ -91,7 +91,8 @@ PlayerRecordingController::~PlayerRecordingController()
         if (!m_isFinishing)
             m_captureQueue->post([writer = m_writer] { writer->finish([](const auto &) { }); });
     }
-    // A stream's last samples may still hold the queue; the file shall be complete all the same.
+    // A stream's last samples may still hold the queue; the file shall be complete all the same,
+    // unless the disk stands still.
     m_captureQueue->drain();
 }
 

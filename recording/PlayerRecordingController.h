@@ -29,7 +29,8 @@ struct RecordingPlatform
 };
 
 /// Records what the player shows, with the system's sound, to an MP4 file. Main thread; samples go
-/// their way on the capture queue. Destroying it while it records completes the file.
+/// their way on the capture queue. Destroying it while it records completes the file,
+/// if the disk lets it in time; it plays up to its last second in any case.
 class PlayerRecordingController : public QObject
 {
     Q_OBJECT

@@ -30,15 +30,34 @@ CURLM *makeMulti()
 CurlThread::CurlThread(Finished finished)
     : m_finished(std::move(finished))
     , m_multi(makeMulti(), &curl_multi_cleanup)
-    , m_thread([this] { run(); })
 {
 }
 
-CurlThread::~CurlThread()
+std::shared_ptr<CurlThread> CurlThread::begin(Finished finished)
+{
+    const std::shared_ptr<CurlThread> self(new CurlThread(std::move(finished)));
+    self->m_thread = std::thread([self] {
+        self->run();
+        self->m_ended.release();
+    });
+    return self;
+}
+
+void CurlThread::quit()
 {
     m_quit = true;
     curl_multi_wakeup(m_multi.get());
-    m_thread.join();
+}
+
+void CurlThread::end(Clock::time_point deadline)
+{
+    if (m_ended.try_acquire_until(deadline)) {
+        m_thread.join();
+        return;
+    }
+    m_thread.detach();
+    const std::scoped_lock lock(m_finishedMutex);
+    m_finished = nullptr;
 }
 
 void CurlThread::start(quint64 id, HttpRequest request, HttpBodySink sink,
@@ -48,7 +67,7 @@ void CurlThread::start(quint64 id, HttpRequest request, HttpBodySink sink,
         [this, id, request = std::move(request), sink = std::move(sink), proxy = std::move(proxy)] {
             auto transfer = std::make_unique<CurlTransfer>(id, request, sink, proxy);
             if (const auto prepared = transfer->prepare(); !prepared)
-                return m_finished(id, std::unexpected(prepared.error()));
+                return report(id, std::unexpected(prepared.error()));
             curl_multi_add_handle(m_multi.get(), transfer->easy());
             m_transfers.emplace(id, std::move(transfer));
         });
@@ -138,8 +157,15 @@ void CurlThread::finish(quint64 id, std::expected<HttpResponse, HttpError> resul
 {
     if (const auto ended = m_transfers.extract(id)) {
         curl_multi_remove_handle(m_multi.get(), ended.mapped()->easy());
-        m_finished(id, std::move(result));
+        report(id, std::move(result));
     }
+}
+
+void CurlThread::report(quint64 id, std::expected<HttpResponse, HttpError> result)
+{
+    const std::scoped_lock lock(m_finishedMutex);
+    if (m_finished)
+        m_finished(id, std::move(result));
 }
 
 std::chrono::milliseconds CurlThread::untilNextDeadline() const

@@ -179,6 +179,9 @@ bool CurlTransfer::take(QByteArrayView bytes)
         m_body.append(bytes);
     } else if (!m_sink(bytes)) {
         m_refusal = HttpError::Kind::NotTaken;
+    } else {
+        // The server is not to blame for the time that the sink took.
+        m_lastSign = Clock::now();
     }
     return !m_refusal;
 }

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 
 namespace lumaro {
 
@@ -19,9 +20,28 @@ namespace {
 constexpr qint64 indexPerPacket = 48;
 constexpr qint64 indexBase = 16 * 1024;
 
+/// A copy that took the last of a disk's room would end whatever else is being saved there.
+constexpr qint64 roomForOthers = 16 * 1024 * 1024;
+
 const QString copySuffix = QStringLiteral(".lumaro-part");
 /// No copy takes as long.
 constexpr std::chrono::hours longestCopy{24};
+
+qint64 indexSize(const FragmentedMp4 &file)
+{
+    return indexBase + file.packets * indexPerPacket;
+}
+
+/// Where the disk does not say, there may be.
+bool hasRoomForCopy(const FragmentedMp4 &file)
+{
+    const QFileInfo info(file.path);
+    const auto needed = std::uintmax_t(info.size() + indexSize(file) + roomForOthers);
+    std::error_code error;
+    const auto space =
+        std::filesystem::space(QFile::encodeName(info.absolutePath()).toStdString(), error);
+    return error || space.available >= needed;
+}
 
 QByteArray urlOf(const QString &path)
 {
@@ -53,7 +73,7 @@ bool copy(AVFormatContext &input, AVFormatContext &output, const FragmentedMp4 &
         streams.insert(int(i), to);
     }
     AVDictionary *options = nullptr;
-    av_dict_set_int(&options, "moov_size", indexBase + file.packets * indexPerPacket, 0);
+    av_dict_set_int(&options, "moov_size", indexSize(file), 0);
     const int begun = avformat_write_header(&output, &options);
     av_dict_free(&options);
     if (begun < 0)
@@ -87,6 +107,8 @@ void makeOrdinary(const FragmentedMp4 &file, const std::atomic<bool> &abandoned)
     const QString beside = info.absolutePath() + u"/." + info.fileName() + copySuffix;
     // Left there by a process that died, or by somebody else.
     QFile::remove(beside);
+    if (!hasRoomForCopy(file))
+        return;
     const NewFile copyFile(beside);
     if (copyFile.error() < 0)
         return;

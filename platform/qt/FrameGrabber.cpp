@@ -221,15 +221,16 @@ void FrameGrabber::deliver(QOpenGLExtraFunctions &gl, Slot &slot)
                             pixels, [shared](const void *) { shared->isInUse = false; })});
 }
 
-void FrameGrabber::release(bool waits)
+void FrameGrabber::release(std::chrono::milliseconds patience)
 {
     QOpenGLExtraFunctions *gl = currentGl();
     if (!gl)
         return;
     bool isReleased = true;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     for (const auto &slot : m_slots) {
         // Whoever uses it reads from memory that goes with the context.
-        while (waits && slot->isInUse)
+        while (slot->isInUse && std::chrono::steady_clock::now() < deadline)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         if (slot->isInUse) {
             isReleased = false;

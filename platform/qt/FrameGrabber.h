@@ -53,9 +53,9 @@ public:
     void frameRendered();
     /// Delivers what has arrived; waits for the rest if `waits`.
     void collect(bool waits);
-    /// Gives back what belongs to the context. Pictures still in use stay, or are waited for, for
-    /// as long as it takes, if `waits`.
-    void release(bool waits);
+    /// Gives back what belongs to the context. Pictures in use are waited for, but not longer than
+    /// `patience`; those still in use then stay.
+    void release(std::chrono::milliseconds patience);
     /// Nothing belongs to the context any more. On any thread.
     bool isReleased() const { return m_isReleased; }
 

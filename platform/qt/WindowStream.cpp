@@ -10,6 +10,7 @@
 #include <QRunnable>
 #include <QScreen>
 
+#include <atomic>
 #include <cstring>
 
 namespace lumaro {
@@ -25,6 +26,8 @@ constexpr auto pulse = 100ms;
 constexpr auto longestStill = 400ms;
 /// A window that is not shown does no work for anybody.
 constexpr auto longestStop = 1s;
+/// For the pictures of a window that goes; a disk may stand still.
+constexpr auto longestUse = 5s;
 
 /// Work on the render thread; `done` is called on the main thread even if the work never is.
 class RenderJob final : public QRunnable
@@ -60,7 +63,7 @@ void releaseInTime(const QPointer<QQuickWindow> &window,
     window->scheduleRenderJob(
         // Qt takes it over. Without memory the program ends anyway.
         // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new)
-        new RenderJob([grabber] { grabber->release(false); },
+        new RenderJob([grabber] { grabber->release(0ms); },
                       [window, grabber] {
                           QTimer::singleShot(pulse, qApp,
                                              [window, grabber] { releaseInTime(window, grabber); });
@@ -118,7 +121,10 @@ public:
         if (m_ended || (m_last.isDataReady() && sample.presentationTime <= m_last.presentationTime))
             return;
         m_last = sample;
-        m_output.queue->post([sample, screen = m_output.screen] { screen(sample); });
+        m_output.queue->post([sample, screen = m_output.screen, isDropped = m_isDropped] {
+            if (!*isDropped)
+                screen(sample);
+        });
     }
 
     /// Shows the last picture once more, as of now.
@@ -144,6 +150,13 @@ public:
         m_ended = true;
     }
 
+    /// The pixels of what is on the queue are gone. What is being written was read before.
+    void dropWaiting()
+    {
+        end();
+        *m_isDropped = true;
+    }
+
     VideoSample last() const
     {
         const std::scoped_lock lock(m_mutex);
@@ -155,6 +168,9 @@ private:
     mutable std::mutex m_mutex;
     VideoSample m_last;
     bool m_ended = false;
+    /// Shared with the work on the queue.
+    const std::shared_ptr<std::atomic<bool>> m_isDropped =
+        std::make_shared<std::atomic<bool>>(false);
 };
 
 WindowStream::WindowStream(QQuickWindow *window, SystemAudio audio,
@@ -225,8 +241,12 @@ Task<std::expected<void, QString>> WindowStream::startCapture(std::stop_token)
         [grabber = std::weak_ptr(m_grabber), feed = std::weak_ptr(m_feed)] {
             if (const auto fed = feed.lock())
                 fed->detachLast();
-            if (const auto grabbing = grabber.lock())
-                grabbing->release(true);
+            const auto grabbing = grabber.lock();
+            if (!grabbing)
+                return;
+            grabbing->release(longestUse);
+            if (const auto fed = feed.lock(); fed && !grabbing->isReleased())
+                fed->dropWaiting();
         },
         Qt::DirectConnection);
     connect(

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+#include <unistd.h>
+
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 using namespace lumaro;
@@ -31,6 +33,12 @@ QByteArray playlist(int first, int last, const QByteArray &tags)
 QByteArray finished(int first, int last, const QByteArray &tags = {})
 {
     return playlist(first, last, tags + "\n#EXT-X-ENDLIST");
+}
+
+QByteArray contentOf(const QUrl &file)
+{
+    QFile input(file.toLocalFile());
+    return input.open(QIODevice::ReadOnly) ? input.readAll() : QByteArray("no such file");
 }
 
 } // namespace
@@ -60,6 +68,9 @@ private Q_SLOTS:
 
     void stops_data();
     void stops();
+    void stopsWhenTheFolderDoesNotAnswer_data();
+    void stopsWhenTheFolderDoesNotAnswer();
+    void saysThatAStoppedFileIsNotSaved();
     void stoppingWhatDoesNotRunIsNothing();
     void fails_data();
     void fails();
@@ -81,6 +92,7 @@ private Q_SLOTS:
     void showsTheFile();
     void dismissesTheError();
     void manySegmentsTakeLittleTime();
+    void longAddressesGiveOthersATurn();
 
 private:
     M3U8DownloadManager::JobState job() const { return m_world->job(list); }
@@ -344,6 +356,91 @@ void DownloadManagerTest::stops()
     QCOMPARE(job().message, u"Stopped · file saved"_s);
 }
 
+void DownloadManagerTest::stopsWhenTheFolderDoesNotAnswer_data()
+{
+    QTest::addColumn<int>("answers"); // before it falls silent
+    QTest::addColumn<bool>("wakesUp");
+    const QStringList moments{u"naming"_s, u"making the file"_s, u"between segments"_s,
+                              u"closing"_s};
+    for (int answers = 0; answers < moments.size(); ++answers) {
+        for (const bool wakesUp : {false, true})
+            QTest::addRow("%s%s", qPrintable(moments.at(answers)), wakesUp ? ", only late" : "")
+                << answers << wakesUp;
+    }
+}
+
+void DownloadManagerTest::stopsWhenTheFolderDoesNotAnswer()
+{
+    QFETCH(const int, answers);
+    QFETCH(const bool, wakesUp);
+    FakeScheduler files;
+    M3U8DownloadManager manager({m_world->http,
+                                 m_world->scheduler,
+                                 files,
+                                 m_world->defaults,
+                                 m_world->panels,
+                                 m_world->workspace,
+                                 {m_world->folder.path()}});
+    const auto job = [&] { return manager.jobs().value(M3U8DownloadManager::keyOf(list)); };
+    manager.start(list, u"News"_s);
+    m_world->respond(list, finished(1, 1));
+    for (int i = 0; i < answers; ++i) {
+        QCOMPARE(files.pendingBackgroundWork(), 1);
+        files.runOneBackground();
+        if (m_world->http.pendingRequests() > 0)
+            respond(1, "<1>");
+    }
+    QCOMPARE(files.pendingBackgroundWork(), 1);
+
+    manager.stop(list);
+    constexpr auto late = M3U8DownloadManager::closingPatience - 1ms;
+    m_world->scheduler.advance(late);
+    QVERIFY(job().isActive);
+    if (wakesUp)
+        files.runBackground();
+    else
+        m_world->scheduler.advance(1ms);
+    QVERIFY(!job().isActive);
+    QCOMPARE(m_world->scheduler.pendingCalls(), 0);
+    if (wakesUp) {
+        QCOMPARE(job().message, answers == 3 ? u"Saved"_s : u"Stopped · file saved"_s);
+        QCOMPARE(manager.errorMessage(), QString());
+        return;
+    }
+    QCOMPARE(job().message, u"Download failed"_s);
+    QCOMPARE(manager.errorMessage(),
+             u"The file could not be written: the folder does not answer."_s);
+
+    // Another attempt does not mind what becomes of the first one.
+    manager.start(list, u"News"_s);
+    QCOMPARE(job().message, u"Preparing…"_s);
+    files.runBackground();
+    QCOMPARE(job().message, u"Preparing…"_s);
+    m_world->respond(list, finished(1, 1));
+    files.runBackground();
+    respond(1, "<1>");
+    files.runBackground();
+    QCOMPARE(job().message, u"Saved"_s);
+    QCOMPARE(contentOf(job().destination), "<1>");
+}
+
+void DownloadManagerTest::saysThatAStoppedFileIsNotSaved()
+{
+    start(finished(1, 2));
+    respond(1, "<1>");
+    m_world->http.sendPiece(segment(2), "<2");
+    // As with a disk that is gone.
+    for (const QFileInfo &link : QDir(u"/proc/self/fd"_s).entryInfoList(QDir::Files)) {
+        if (link.symLinkTarget() == job().destination.toLocalFile())
+            ::close(link.fileName().toInt());
+    }
+    m_world->manager->stop(list);
+    m_world->scheduler.runBackground();
+    QCOMPARE(job().message, u"Download failed"_s);
+    QCOMPARE(m_world->manager->errorMessage(),
+             u"The file could not be written: Bad file descriptor."_s);
+}
+
 void DownloadManagerTest::stoppingWhatDoesNotRunIsNothing()
 {
     m_world->manager->stop(list);
@@ -541,7 +638,7 @@ void DownloadManagerTest::asksForTheStoredFolderInTheBackground()
     manager.start(list, u"News"_s);
     m_world->respond(list, "#EXTM3U\n#EXTINF:1,\na.ts\n#EXT-X-ENDLIST\n");
     QCOMPARE(job().isActive, true);
-    QCOMPARE(job().destination.isEmpty(), !choosesAnother);
+    QVERIFY(job().destination.isEmpty());
     if (stops) {
         manager.stop(list);
         QVERIFY(!job().isActive);
@@ -613,6 +710,21 @@ void DownloadManagerTest::manySegmentsTakeLittleTime()
         respond(i, "x");
     QCOMPARE(job().message, u"Saved"_s);
     QCOMPARE(m_world->saved(u"News.ts"_s).size(), count);
+}
+
+void DownloadManagerTest::longAddressesGiveOthersATurn()
+{
+    const QByteArray address = "s1.ts?" + QByteArray(30'000, 'x');
+    start("#EXTM3U\n" + QByteArray(address + '\n').repeated(20) + "#EXT-X-ENDLIST");
+    m_world->respond(DownloadWorld::url(QString::fromLatin1(address)), "<1>");
+    for (int turn = 0; turn < 6; ++turn) {
+        QVERIFY(job().isActive);
+        QCOMPARE(m_world->scheduler.pendingCalls(), 1);
+        m_world->scheduler.makeOneCall();
+    }
+    m_world->scheduler.runBackground();
+    QCOMPARE(job().message, u"Saved"_s);
+    QCOMPARE(m_world->saved(u"News.ts"_s), "<1>");
 }
 
 QTEST_GUILESS_MAIN(DownloadManagerTest)

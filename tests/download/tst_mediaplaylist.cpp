@@ -39,6 +39,7 @@ private Q_SLOTS:
     void resolvesSegments();
     void refuses_data();
     void refuses();
+    void endsWhenStopped();
     void readsTags_data();
     void readsTags();
     void keepsOrderAndRepetitions();
@@ -148,7 +149,7 @@ void MediaPlaylistTest::resolvesSegments()
     QFETCH(const QStringList, addresses);
     const auto playlist = parseMediaPlaylist(media(line), base);
     if (addresses.isEmpty())
-        QCOMPARE(playlist.error(), DownloadError::noSegments);
+        QCOMPARE(playlist.error(), DownloadFailure(DownloadError::noSegments));
     else
         QCOMPARE(addressesOf(playlist->segments), addresses);
 }
@@ -177,6 +178,20 @@ void MediaPlaylistTest::refuses_data()
         encrypted);
     row("byte ranges", media("#EXT-X-BYTERANGE:1@0\na"),
         u"This byte-range HLS format is not supported yet."_s);
+    const auto many = [](qsizetype count) { return QByteArray("a\n").repeated(count); };
+    row("as many segments as there may be", media(many(maximumSegments)), {});
+    row("one more", media(many(maximumSegments + 1)), u"The server's answer is too large."_s);
+}
+
+void MediaPlaylistTest::endsWhenStopped()
+{
+    const std::stop_source stop;
+    stop.request_stop();
+    const auto playlist = parseMediaPlaylist(media("a"), base, stop.get_token());
+    QCOMPARE(description(playlist.error()), HttpError{HttpError::Kind::Cancelled}.description());
+    const QByteArray master = "#EXT-X-STREAM-INF:BANDWIDTH=1\na\n";
+    QCOMPARE(parseVariants(master, base).size(), 1);
+    QVERIFY(parseVariants(master, base, stop.get_token()).isEmpty());
 }
 
 void MediaPlaylistTest::refuses()

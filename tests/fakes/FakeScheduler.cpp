@@ -24,11 +24,16 @@ void FakeScheduler::advance(Duration duration)
 {
     const TimePoint end = m_now + duration;
     while (!m_calls.empty() && m_calls.begin()->first <= end) {
-        const auto due = m_calls.extract(m_calls.begin());
-        m_now = due.key();
-        due.mapped().action();
+        m_now = m_calls.begin()->first;
+        makeOneCall();
     }
     m_now = end;
+}
+
+void FakeScheduler::makeOneCall()
+{
+    Q_ASSERT(!m_calls.empty() && m_calls.begin()->first <= m_now);
+    m_calls.extract(m_calls.begin()).mapped().action();
 }
 
 void FakeScheduler::runNewestBackground()
@@ -42,12 +47,16 @@ void FakeScheduler::runNewestBackground()
 
 void FakeScheduler::runBackground()
 {
-    while (!m_background.empty()) {
-        const Work next = std::move(m_background.front());
-        m_background.pop_front();
-        next.work();
-        next.done();
-    }
+    while (!m_background.empty())
+        runOneBackground();
+}
+
+void FakeScheduler::runOneBackground()
+{
+    const Work next = std::move(m_background.front());
+    m_background.pop_front();
+    next.work();
+    next.done();
 }
 
 } // namespace lumaro

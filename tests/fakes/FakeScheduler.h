@@ -24,10 +24,14 @@ public:
 
     /// Moves the time on, making every call that falls due on the way, in order.
     void advance(Duration duration);
+    /// Makes the call that falls due next, which must be due now.
+    void makeOneCall();
 
     /// Does the background work that waits, and what that work asks for in turn.
     void runBackground();
-    /// The same, but what was asked for last overtakes the rest.
+    /// Does the oldest of it alone.
+    void runOneBackground();
+    /// As runBackground(), but what was asked for last overtakes the rest.
     void runNewestBackground();
 
     qsizetype pendingCalls() const { return qsizetype(m_calls.size()); }

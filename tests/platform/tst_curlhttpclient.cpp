@@ -5,9 +5,11 @@
 #include "tests/e2e/servers/ValueOrFail.h"
 
 #include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 
 #include <atomic>
+#include <semaphore>
 #include <thread>
 
 using namespace Qt::Literals::StringLiterals;
@@ -39,6 +41,55 @@ QUrl refusingAddress()
     return QUrl(u"http://127.0.0.1:%1/"_s.arg(server.serverPort()));
 }
 
+/// A sink that does not return, as with a dead disk, before it is let go. Outlives its client.
+class WaitingSink
+{
+public:
+    HttpBodySink sink() const
+    {
+        return [state = m_state](QByteArrayView) {
+            ++state->calls;
+            state->released.acquire();
+            state->released.release();
+            return true;
+        };
+    }
+    int calls() const { return m_state->calls; }
+    void release() const { m_state->released.release(); }
+
+private:
+    struct State
+    {
+        std::atomic<int> calls = 0;
+        std::counting_semaphore<> released{0};
+    };
+    std::shared_ptr<State> m_state = std::make_shared<State>();
+};
+
+/// Counts its connections, which it leaves open.
+class CountingServer
+{
+public:
+    CountingServer()
+    {
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
+            ++m_connections;
+            QTcpSocket *const socket = m_server.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+                if (socket->readAll().endsWith("\r\n\r\n"))
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nx");
+            });
+        });
+        m_server.listen(QHostAddress::LocalHost);
+    }
+    QUrl url() const { return QUrl(u"http://127.0.0.1:%1/"_s.arg(m_server.serverPort())); }
+    int connections() const { return m_connections; }
+
+private:
+    QTcpServer m_server;
+    int m_connections = 0;
+};
+
 } // namespace
 
 class CurlHttpClientTest : public QObject
@@ -68,6 +119,10 @@ private Q_SLOTS:
     void neverCallsSinkAfterStop();
     void endsWithItsClient();
     void requestsRunSideBySide();
+    void sinkThatWaitsHoldsUpNobody_data();
+    void sinkThatWaitsHoldsUpNobody();
+    void slowSinkIsNotTheServersFault();
+    void streamsKeepTheirConnection();
 
 private:
     Result get(HttpRequest request)
@@ -340,8 +395,9 @@ void CurlHttpClientTest::neverCallsSinkAfterStop()
         stop.request_stop();
         QTRY_VERIFY(started.isFinished());
         QCOMPARE(errorOf(started.result()), Kind::Cancelled);
+        // One call may have been under way.
+        QTRY_COMPARE(m_faults->openConnections(), 0);
         const qint64 atEnd = received;
-        // Gives the thread a turn.
         QVERIFY(get({.url = m_nginx->url(u"/here.txt"_s)}));
         QCOMPARE(received.load(), atEnd);
     }
@@ -374,6 +430,77 @@ void CurlHttpClientTest::requestsRunSideBySide()
     m_faults->release("/first");
     QTRY_VERIFY(first.isFinished());
     QCOMPARE(first.result()->body, "1");
+}
+
+void CurlHttpClientTest::sinkThatWaitsHoldsUpNobody_data()
+{
+    QTest::addColumn<bool>("isStopped");
+    QTest::newRow("stopped") << true;
+    QTest::newRow("with its client") << false;
+}
+
+void CurlHttpClientTest::sinkThatWaitsHoldsUpNobody()
+{
+    QFETCH(const bool, isStopped);
+    m_faults->route("/endless", FaultResponse::longLine(RepeatedBody::endless));
+    m_faults->route("/body", FaultResponse::of(text, "0123456789"));
+    const WaitingSink waiting;
+    std::stop_source stop;
+    const Started held(
+        m_client->stream({.url = m_faults->url("/endless")}, waiting.sink(), stop.get_token()));
+    QTRY_COMPARE(waiting.calls(), 1);
+
+    std::atomic<qint64> received = 0;
+    const HttpBodySink sink = [&](QByteArrayView bytes) {
+        received += bytes.size();
+        return true;
+    };
+    const Started another(m_client->stream({.url = m_faults->url("/body")}, sink, {}));
+    QTRY_VERIFY(another.isFinished());
+    QVERIFY(another.result());
+    QCOMPARE(received.load(), 10);
+    QVERIFY(get({.url = m_nginx->url(u"/here.txt"_s)}));
+    QVERIFY(!held.isFinished());
+
+    if (isStopped)
+        stop.request_stop();
+    else
+        m_client.reset();
+    QVERIFY(held.isFinished());
+    QCOMPARE(errorOf(held.result()), Kind::Cancelled);
+    QCOMPARE(waiting.calls(), 1);
+    waiting.release();
+    QTRY_COMPARE(m_faults->openConnections(), 0);
+    QCOMPARE(waiting.calls(), 1);
+}
+
+void CurlHttpClientTest::slowSinkIsNotTheServersFault()
+{
+    m_faults->route("/body", FaultResponse::of(text, "0123456789"));
+    const WaitingSink waiting;
+    HttpRequest request{.url = m_faults->url("/body")};
+    request.patience = 20ms;
+    const Started started(m_client->stream(request, waiting.sink(), {}));
+    QTRY_COMPARE(waiting.calls(), 1);
+    QTest::qWait(int(std::chrono::milliseconds(2 * request.patience).count()));
+    waiting.release();
+    QTRY_VERIFY(started.isFinished());
+    QCOMPARE(errorOf(started.result()), std::nullopt);
+}
+
+void CurlHttpClientTest::streamsKeepTheirConnection()
+{
+    CountingServer first;
+    CountingServer second;
+    const HttpBodySink sink = [](QByteArrayView) { return true; };
+    for (int i = 0; i < 10; ++i) {
+        const Started one(m_client->stream({.url = first.url()}, sink, {}));
+        const Started other(m_client->stream({.url = second.url()}, sink, {}));
+        QTRY_VERIFY(one.isFinished() && other.isFinished());
+        QVERIFY(one.result() && other.result());
+    }
+    QCOMPARE(first.connections(), 1);
+    QCOMPARE(second.connections(), 1);
 }
 
 QTEST_GUILESS_MAIN(CurlHttpClientTest)

@@ -1,4 +1,5 @@
 #include "tests/e2e/app/AppWorld.h"
+#include "tests/e2e/servers/StandingDisk.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -146,6 +147,7 @@ private Q_SLOTS:
     void goesOnWhileHidden();
     void completesTheFileWhenQuitting_data();
     void completesTheFileWhenQuitting();
+    void quitsWhileTheDiskStandsStill();
 
 private:
     bool startWithKeyboard(const QString &stopAfter = {});
@@ -409,6 +411,22 @@ void AppRecordingTest::completesTheFileWhenQuitting()
                           {u"-v"_s, u"error"_s, u"-i"_s, file, u"-vsync"_s, u"drop"_s, u"-f"_s,
                            u"null"_s, u"-"_s}),
              QString());
+}
+
+void AppRecordingTest::quitsWhileTheDiskStandsStill()
+{
+    m_world->open(m_film);
+    QVERIFY(m_world->playsTo(1));
+    QVERIFY(startWithKeyboard());
+    const QStringList files =
+        QDir(m_world->folder()).entryList({u"*Recording*"_s}, QDir::Files | QDir::Hidden);
+    QCOMPARE(files.size(), 1);
+    const StandingDisk disk(m_world->folder() + u'/' + files.first());
+    QVERIFY(disk.isInPlace());
+    // Until more is to be written than a pipe holds, and all pictures wait for that.
+    QTest::qWait(4000);
+    m_world.reset();
+    // Nothing reads what went with the window when the disk goes on.
 }
 
 LUMARO_APP_TEST_MAIN(AppRecordingTest)

@@ -2,6 +2,7 @@
 #include "tests/e2e/download/MountedFolder.h"
 #include "tests/e2e/servers/FaultServer.h"
 #include "tests/e2e/servers/NginxServer.h"
+#include "tests/e2e/servers/StandingDisk.h"
 #include "tests/e2e/servers/ValueOrFail.h"
 
 #include <QDir>
@@ -60,6 +61,7 @@ private Q_SLOTS:
     void failsWhenTheFileGoes();
     void refusedPlaylistIsNotRead();
     void stopsWithinKnownSegments();
+    void diskThatStandsStillHoldsUpNobodyElse();
     void takesManySegments();
     void holdsNoSegmentInMemory();
 
@@ -267,12 +269,40 @@ void DownloadFaultsTest::stopsWithinKnownSegments()
 {
     FaultResponse repeated = FaultResponse::of(playlistType, {});
     repeated.body = {
-        .head = "#EXTM3U\n", .part = "a\n", .times = 2'000'000, .tail = "#EXT-X-ENDLIST\n"};
+        .head = "#EXTM3U\n", .part = "a\n", .times = 1'000'000, .tail = "#EXT-X-ENDLIST\n"};
     m_server->route("/list.m3u8", repeated);
     m_world->manager().start(list(), u"Film"_s);
     QTRY_COMPARE_WITH_TIMEOUT(m_world->job(list()).message, u"0%"_s, patience);
     m_world->manager().stop(list());
     QCOMPARE(m_world->messageAtEnd(list()), u"Stopped · file saved"_s);
+}
+
+void DownloadFaultsTest::diskThatStandsStillHoldsUpNobodyElse()
+{
+    m_server->hold("/b");
+    FaultResponse large = FaultResponse::of("video/mp2t", {});
+    large.body = {.head = {}, .part = segmentBytes('b'), .times = 100, .tail = {}};
+    m_server->route("/b", large);
+    m_world->manager().start(list(), u"Film"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_server->requestCount("/b"), 1, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(saved() == segmentBytes('a'), patience);
+    const StandingDisk disk(m_world->path(u"Film.ts"_s));
+    QVERIFY(disk.isInPlace());
+    m_server->release("/b");
+
+    serve("/other.m3u8", playlistOf({"a", "c"}));
+    m_world->save(m_server->url("/other.m3u8"), u"Other"_s);
+    QVERIFY(contentOf(m_world->path(u"Other.ts"_s)) == segmentBytes('a') + segmentBytes('c'));
+    QVERIFY(m_world->job(list()).isActive);
+
+    m_world->manager().stop(list());
+    QCOMPARE(m_world->messageAtEnd(list()), u"Download failed"_s);
+    QCOMPARE(m_world->manager().errorMessage(),
+             u"The file could not be written: the folder does not answer."_s);
+    serve("/b", segmentBytes('b'));
+    m_world->save(list(), u"Film"_s);
+    QVERIFY(contentOf(m_world->path(u"Film 2.ts"_s))
+            == segmentBytes('a') + segmentBytes('b') + segmentBytes('c'));
 }
 
 void DownloadFaultsTest::takesManySegments()

@@ -4,6 +4,7 @@
 #include "tests/e2e/servers/MediaFixtures.h"
 #include "tests/e2e/servers/ValueOrFail.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QTest>
@@ -23,13 +24,14 @@ constexpr int patience = 60'000;
 class Program
 {
 public:
-    explicit Program(const QStringList &arguments)
+    explicit Program(const QStringList &arguments, const QProcessEnvironment &more = {})
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const QString &variable : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
             environment.remove(variable);
         environment.insert(u"XDG_CONFIG_HOME"_s, m_home.path());
         environment.insert(u"HOME"_s, m_home.path());
+        environment.insert(more);
         m_process.setProcessEnvironment(environment);
         m_process.start(arguments.first(), arguments.sliced(1));
     }
@@ -78,6 +80,7 @@ private Q_SLOTS:
     void keepsTheFileWhenInterrupted();
     void cutShortIsNotSuccess();
     void endsWhileANameIsLookedUp();
+    void endsWhenTheFolderHangs();
     void goesOnWithoutItsTerminal();
 
 private:
@@ -226,6 +229,29 @@ void DownloadTerminalTest::endsWhileANameIsLookedUp()
     QVERIFY(program.endsWithin(20'000));
     QCOMPARE(program.exitCode(), 128 + SIGINT);
     QVERIFY(program.said().contains(u"Stopped · file saved"));
+}
+
+void DownloadTerminalTest::endsWhenTheFolderHangs()
+{
+    QVERIFY(QDir(m_folder.path()).mkdir(u"hanging"_s));
+    const QString path = m_folder.filePath(u"hanging/HLS Video.ts"_s);
+    QProcessEnvironment environment;
+    environment.insert(u"LD_PRELOAD"_s, QStringLiteral(LUMARO_HANGING_WRITES));
+    environment.insert(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s);
+    const auto server = valueOrFail(FaultServer::start());
+    server->route("/list.m3u8", FaultResponse::of("text/plain", "#EXTM3U\na\n#EXT-X-ENDLIST\n"));
+    server->route("/a", FaultResponse::longLine(RepeatedBody::endless));
+    Program program({QStringLiteral(LUMARO_PROGRAM), u"--download"_s,
+                     server->url("/list.m3u8").toString(), u"--to"_s,
+                     m_folder.filePath(u"hanging"_s)},
+                    environment);
+    QTRY_COMPARE_WITH_TIMEOUT(server->requestCount("/a"), 1, patience);
+    program.send(SIGINT);
+    QVERIFY(program.endsWithin(30'000));
+    QCOMPARE(program.exitCode(), 1);
+    QCOMPARE(program.said().trimmed().section(u'\n', -1),
+             u"The file could not be written: the folder does not answer."_s);
+    QCOMPARE(contentOf(path), QByteArray());
 }
 
 void DownloadTerminalTest::goesOnWithoutItsTerminal()

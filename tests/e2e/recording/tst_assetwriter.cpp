@@ -157,6 +157,7 @@ private Q_SLOTS:
     void fillsHoles();
     void aLongHoleTakesNoMemory();
     void survivesAFullDisk();
+    void copiesNothingWhereThereIsLittleRoom();
     void staysInItsFolder();
     void cutsOffOnlyItsOwnFile();
     void saysWhyItCannotBegin_data();
@@ -415,6 +416,24 @@ void AssetWriterTest::survivesAFullDisk()
     QVERIFY(outcome.error().startsWith(u"The disk is full."));
     QVERIFY(probe(file, u"format=duration"_s).toDouble() > 0.5);
     QCOMPARE(complaints(file), QString());
+}
+
+/// A copy that fails for want of room would fill the disk before it does.
+void AssetWriterTest::copiesNothingWhereThereIsLittleRoom()
+{
+    const MountedFolder disk(MountedFolder::Kind::Small);
+    if (!disk.isMounted())
+        QSKIP("Mounting needs privileges.");
+    const QString file = disk.path() + u"/a.mp4";
+    const auto writer = makeWriter(file);
+    for (int i = 0; i < 3; ++i)
+        writer->append(noise(i * MediaTime(1s) / 30));
+    QVERIFY(finish(*writer));
+    // A copy would fit, but then nothing else would.
+    QVERIFY(QFileInfo(file).size() < 400'000);
+    QVERIFY(boxes(file).contains(u"moof"_s));
+    QCOMPARE(complaints(file), QString());
+    QCOMPARE(QDir(disk.path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"a.mp4"_s});
 }
 
 /// Others may put links into a shared folder, by names that they can guess.

@@ -36,7 +36,7 @@ void FrameGrabberTest::waitsForPicturesInUse()
     grabber.frameRendered();
     grabber.collect(true);
     QVERIFY(held.isDataReady());
-    grabber.release(false);
+    grabber.release(20ms);
     QVERIFY(!grabber.isReleased());
 
     std::atomic<bool> hasBeenRead = false;
@@ -47,7 +47,7 @@ void FrameGrabberTest::waitsForPicturesInUse()
         hasBeenRead = true;
         held = {};
     });
-    grabber.release(true);
+    grabber.release(1min);
     const bool waited = hasBeenRead;
     queue.join();
     QVERIFY(waited);
