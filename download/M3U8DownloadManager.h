@@ -36,7 +36,9 @@ class M3U8DownloadManager : public QObject
     Q_PROPERTY(QUrl saveFolder READ saveFolder NOTIFY saveFolderChanged)
 
 public:
-    static constexpr std::chrono::seconds closingPatience{5};
+    /// How long a stopped job waits for its file: other machines' file systems write much of it
+    /// only when it is closed.
+    static constexpr std::chrono::seconds closingPatience{15};
 
     struct JobState
     {

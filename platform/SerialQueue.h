@@ -19,8 +19,8 @@ public:
 
     /// From any thread.
     virtual void post(std::function<void()> work) = 0;
-    /// Waits until all that has been posted is done. Not from the queue itself. A queue that is held
-    /// up for too long, as by a disk that stands still, drops what has not begun.
+    /// Waits until all that has been posted is done. Not from the queue itself. A queue that is
+    /// held up for too long, as by a disk that stands still, drops what has not begun.
     virtual void drain() = 0;
 };
 
