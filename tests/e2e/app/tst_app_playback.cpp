@@ -31,6 +31,7 @@ private Q_SLOTS:
     void fadedControlsDrawNothing();
     void calmlyShowsWhatCannotBePlayed_data();
     void calmlyShowsWhatCannotBePlayed();
+    void skipsFilesThatCannotBePlayed();
     void truncatedFilmPlaysUntilItEnds();
 
 private:
@@ -226,6 +227,17 @@ void AppPlaybackTest::calmlyShowsWhatCannotBePlayed()
 
     m_world->open(fixture(Fixture::Movie));
     QVERIFY(m_world->playsTo(0.2));
+    QCOMPARE(m_world->shell().pictureNotice(), QString());
+}
+
+void AppPlaybackTest::skipsFilesThatCannotBePlayed()
+{
+    m_world->shell().open(
+        {fixture(Fixture::RandomBytes), fixture(Fixture::TruncatedIndex), fixture(Fixture::Movie)},
+        {});
+    QVERIFY(m_world->playsTo(0.2));
+    QCOMPARE(m_world->shell().currentChannel(), 2);
+    QCOMPARE(m_world->player().toastMessage(), u"Skipped 2 files that cannot be played."_s);
     QCOMPARE(m_world->shell().pictureNotice(), QString());
 }
 
