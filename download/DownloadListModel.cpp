@@ -49,7 +49,7 @@ QVariant DownloadListModel::data(const QModelIndex &index, int role) const
     case IsActiveRole:
         return job.isActive;
     case HasFailedRole:
-        return !job.isActive && !job.duration;
+        return job.hasFailed();
     case CanRevealRole:
         return !job.destination.isEmpty();
     case UrlRole:

@@ -53,6 +53,9 @@ public:
         /// Seconds that the job took; only when it has ended with a saved file.
         std::optional<double> duration{};
 
+        /// It has ended with an error.
+        bool hasFailed() const { return !isActive && !duration; }
+
         bool operator==(const JobState &) const = default;
     };
 

@@ -29,11 +29,6 @@ QString typeText(DetectedStream::StreamType type)
     Q_UNREACHABLE();
 }
 
-bool hasFailed(const M3U8DownloadManager::JobState &job)
-{
-    return !job.isActive && !job.duration;
-}
-
 QString jobText(const M3U8DownloadManager::JobState &job)
 {
     return !job.isActive && job.duration ? formattedDownloadDuration(*job.duration) : job.message;
@@ -192,7 +187,7 @@ QVariant SnifferDetectedStreamsModel::data(const QModelIndex &index, int role) c
     case JobIsActiveRole:
         return job && job->isActive;
     case JobHasFailedRole:
-        return job && hasFailed(*job);
+        return job && job->hasFailed();
     case CanRevealRole:
         return job && !job->isActive && !job->destination.isEmpty();
     default:

@@ -109,16 +109,11 @@ void PlayerModel::play(const QUrl &url, const std::optional<QString> &displayNam
                        bool isLiveStream)
 {
     m_lookUp.request_stop();
-    loadItem(url, displayName, isLiveStream);
+    playOn(url, displayName, isLiveStream);
 }
 
-void PlayerModel::playOn(const QUrl &url, const QString &displayName, bool isLiveStream)
-{
-    loadItem(url, displayName, isLiveStream);
-}
-
-void PlayerModel::loadItem(const QUrl &url, const std::optional<QString> &displayName,
-                           bool isLiveStream)
+void PlayerModel::playOn(const QUrl &url, const std::optional<QString> &displayName,
+                         bool isLiveStream)
 {
     publish(m_currentURL, url, &PlayerModel::currentURLChanged);
     publish(m_videoAspectRatio, 0.0, &PlayerModel::videoAspectRatioChanged);

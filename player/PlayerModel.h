@@ -129,7 +129,7 @@ public:
     /// Plays `url` through the platform player; without a name, the title comes from the URL.
     void play(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
     /// The same, not at the user's wish: what the user is about to open still takes its place.
-    void playOn(const QUrl &url, const QString &displayName, bool isLiveStream);
+    void playOn(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
     /// Plays a local file under its own name, in place of a playlist that is still loading.
     void playFile(const QUrl &url);
     /// Makes local files the playlist and plays the first of them. There is at least one.
@@ -226,7 +226,6 @@ private:
     void updateIsLoading();
     /// Whatever is still on its way gives way to what is opened now.
     void cancelLoads();
-    void loadItem(const QUrl &url, const std::optional<QString> &displayName, bool isLiveStream);
     void nameItem(const QString &name);
 
     void openWebContent(const LastPlayableSource &source);

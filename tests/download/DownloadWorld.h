@@ -32,10 +32,12 @@ struct DownloadWorld
     FakeWorkspace workspace;
     std::unique_ptr<M3U8DownloadManager> manager = make();
 
-    std::unique_ptr<M3U8DownloadManager> make()
+    std::unique_ptr<M3U8DownloadManager> make() { return make(scheduler); }
+    /// With `files` for what waits for a disk.
+    std::unique_ptr<M3U8DownloadManager> make(Scheduler &files)
     {
-        return std::make_unique<M3U8DownloadManager>(DownloadPlatform{
-            http, scheduler, scheduler, defaults, panels, workspace, {folder.path()}});
+        return std::make_unique<M3U8DownloadManager>(
+            DownloadPlatform{http, scheduler, files, defaults, panels, workspace, {folder.path()}});
     }
 
     /// An address on the one server there is.

@@ -374,13 +374,8 @@ void DownloadManagerTest::stopsWhenTheFolderDoesNotAnswer()
     QFETCH(const int, answers);
     QFETCH(const bool, wakesUp);
     FakeScheduler files;
-    M3U8DownloadManager manager({m_world->http,
-                                 m_world->scheduler,
-                                 files,
-                                 m_world->defaults,
-                                 m_world->panels,
-                                 m_world->workspace,
-                                 {m_world->folder.path()}});
+    const auto made = m_world->make(files);
+    M3U8DownloadManager &manager = *made;
     const auto job = [&] { return manager.jobs().value(M3U8DownloadManager::keyOf(list)); };
     manager.start(list, u"News"_s);
     m_world->respond(list, finished(1, 1));
@@ -624,13 +619,8 @@ void DownloadManagerTest::asksForTheStoredFolderInTheBackground()
     const QString gone = m_world->folder.filePath(u"gone"_s);
     m_world->defaults.values.insert(u"Lumaro.M3U8DownloadFolder"_s, gone.toUtf8());
     FakeScheduler files;
-    M3U8DownloadManager manager({m_world->http,
-                                 m_world->scheduler,
-                                 files,
-                                 m_world->defaults,
-                                 m_world->panels,
-                                 m_world->workspace,
-                                 {m_world->folder.path()}});
+    const auto made = m_world->make(files);
+    M3U8DownloadManager &manager = *made;
     QCOMPARE(manager.saveFolder(), QUrl::fromLocalFile(gone));
     const auto job = [&] { return manager.jobs().value(M3U8DownloadManager::keyOf(list)); };
     if (choosesAnother)
